@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QList>
+#include <QPluginLoader>
+#include <QString>
+
+namespace ExtensionSystem {
+
+class IPlugin;
+
+struct PluginDependency
+{
+    QString id;
+    QString version;
+};
+
+/// What is known of one plugin: its metadata, how far it got, and what went wrong.
+class PluginSpec
+{
+public:
+    enum State { Invalid, Read, Resolved, Loaded, Initialized, Running, Stopped, Deleted };
+
+    /// Reads the metadata in the library at \a filePath.
+    explicit PluginSpec(const QString &filePath);
+
+    QString id() const { return m_id; }
+    QString name() const { return m_name; }
+    QString version() const { return m_version; }
+    QString description() const { return m_description; }
+    QList<PluginDependency> dependencies() const { return m_dependencies; }
+    State state() const { return m_state; }
+    bool hasError() const { return !m_errorString.isEmpty(); }
+    QString errorString() const { return m_errorString; }
+    IPlugin *plugin() const { return m_plugin; }
+
+    /// Whether this plugin serves those that were made for \a version of plugin \a id.
+    bool provides(const QString &id, const QString &version) const;
+
+    /// Finds the plugins depended on among \a specs.
+    bool resolveDependencies(const QList<PluginSpec *> &specs);
+    QList<PluginSpec *> dependencySpecs() const { return m_dependencySpecs; }
+
+    bool load();
+    bool initialize(const QStringList &arguments);
+    void extensionsInitialized();
+    void stop();
+    void kill();
+
+private:
+    bool readMetaData(const QJsonObject &pluginMetaData);
+    bool fail(const QString &reason);
+
+    QString m_id;
+    QString m_name;
+    QString m_version;
+    QString m_compatVersion;
+    QString m_description;
+    QList<PluginDependency> m_dependencies;
+    QList<PluginSpec *> m_dependencySpecs;
+    QString m_errorString;
+    State m_state = Invalid;
+    QPluginLoader m_loader;
+    IPlugin *m_plugin = nullptr;
+};
+
+} // namespace ExtensionSystem

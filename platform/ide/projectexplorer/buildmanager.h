@@ -1,0 +1,45 @@
+#pragma once
+
+#include "buildstep.h"
+
+#include <QObject>
+
+#include <memory>
+
+namespace ProjectExplorer {
+
+class BuildStepList;
+
+/// Runs the enabled steps of one list at a time, one after the other, and collects what they print.
+class BuildManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    static BuildManager *instance();
+
+    /// Initializes all enabled steps, then runs them. False when a run is going on already.
+    static bool buildList(BuildStepList *stepList);
+    static bool isBuilding();
+    static bool isBuilding(const BuildStep *step);
+    /// Asks the run to stop; buildQueueFinished() follows, at the latest when the step that runs
+    /// comes back.
+    static void cancel();
+
+signals:
+    void buildQueueStarted();
+    /// \a success is false after a failed or cancelled run, and also when a step stopped with an
+    /// error but ended as a success.
+    void buildQueueFinished(bool success);
+    /// Text of a step, with its line end.
+    void outputAdded(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);
+
+private:
+    BuildManager();
+    ~BuildManager() override;
+
+    class Private;
+    const std::unique_ptr<Private> d;
+};
+
+} // namespace ProjectExplorer

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <utils/id.h>
+#include <utils/store.h>
+
+#include <QList>
+#include <QObject>
+
+namespace ProjectExplorer {
+
+class DeployConfiguration;
+class Kit;
+class Project;
+
+/// A project as it is built for one kit; owns its deploy configurations.
+class Target : public QObject
+{
+    Q_OBJECT
+
+public:
+    ~Target() override;
+
+    Project *project() const { return m_project; }
+    Kit *kit() const { return m_kit; }
+    Utils::Id id() const;
+    QString displayName() const;
+
+    const QList<DeployConfiguration *> deployConfigurations() const
+    {
+        return m_deployConfigurations;
+    }
+    DeployConfiguration *activeDeployConfiguration() const { return m_activeDeployConfiguration; }
+    /// Takes ownership; the first one becomes the active one.
+    void addDeployConfiguration(DeployConfiguration *configuration);
+    /// Deletes it; false, and nothing done, while one of its steps runs.
+    bool removeDeployConfiguration(DeployConfiguration *configuration);
+    void setActiveDeployConfiguration(DeployConfiguration *configuration);
+    /// Adds a configuration of each kind that fits, if there is none yet.
+    void updateDefaultDeployConfigurations();
+
+    Utils::Store toMap() const;
+    void fromMap(const Utils::Store &map);
+
+signals:
+    void addedDeployConfiguration(ProjectExplorer::DeployConfiguration *configuration);
+    void removedDeployConfiguration(ProjectExplorer::DeployConfiguration *configuration);
+    void activeDeployConfigurationChanged(ProjectExplorer::DeployConfiguration *configuration);
+
+private:
+    friend class Project;
+    Target(Project *project, Kit *kit);
+
+    Project *m_project;
+    Kit *m_kit;
+    QList<DeployConfiguration *> m_deployConfigurations;
+    DeployConfiguration *m_activeDeployConfiguration = nullptr;
+};
+
+} // namespace ProjectExplorer

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "filepath.h"
+#include "theme/theme.h"
+
+#include <QIcon>
+#include <QPair>
+
+namespace Utils {
+
+using IconMaskAndColor = QPair<FilePath, Theme::Color>;
+
+/// An icon made of one image, or of masks that take the theme's colours.
+class Icon
+{
+public:
+    Icon() = default;
+    Icon(const QList<IconMaskAndColor> &masks);
+    Icon(const FilePath &imageFileName);
+
+    QIcon icon() const;
+    /// The picture at the size of a small icon.
+    QPixmap pixmap(QIcon::Mode iconMode = QIcon::Normal) const;
+    /// The first image's path.
+    FilePath imageFilePath() const;
+
+private:
+    QList<IconMaskAndColor> m_masks;
+    FilePath m_image;
+};
+
+} // namespace Utils

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QByteArray>
+#include <QMetaType>
+#include <QVariant>
+
+namespace Utils {
+
+/// The name of a thing that is registered with the IDE.
+class Id
+{
+public:
+    Id() = default;
+    Id(const char *name)
+        : m_name(name)
+    {}
+    Id(QLatin1String) = delete;
+
+    static Id fromSetting(const QVariant &variant);
+    static Id fromString(QStringView name);
+
+    bool isValid() const { return !m_name.isEmpty(); }
+    QByteArray name() const { return m_name; }
+    QString toString() const { return QString::fromUtf8(m_name); }
+    QVariant toSetting() const { return toString(); }
+
+    friend bool operator==(const Id &, const Id &) = default;
+    friend bool operator<(const Id &a, const Id &b) { return a.m_name < b.m_name; }
+    friend size_t qHash(const Id &id, size_t seed = 0) { return qHash(id.m_name, seed); }
+
+private:
+    QByteArray m_name;
+};
+
+} // namespace Utils
+
+Q_DECLARE_METATYPE(Utils::Id)

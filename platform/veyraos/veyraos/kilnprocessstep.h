@@ -1,0 +1,34 @@
+#pragma once
+
+#include <projectexplorer/abstractprocessstep.h>
+
+namespace Kiln::Internal {
+
+/// Base of the host plugin's steps, and of those of others that work on its packages.
+class KilnProcessStep : public ProjectExplorer::AbstractProcessStep
+{
+    Q_OBJECT
+
+public:
+    enum InitOption {
+        NoInitOptions = 0x0,
+        /// The step starts no program of its own through the base class.
+        WithoutCommandLine = 0x1,
+    };
+    Q_DECLARE_FLAGS(InitOptions, InitOption)
+
+    using ProjectExplorer::AbstractProcessStep::setSummaryText;
+
+protected:
+    KilnProcessStep(ProjectExplorer::BuildStepList *stepList, Utils::Id id);
+
+    bool init() override;
+    /// False when the options ask for a command line and there is none.
+    bool init(InitOptions options);
+    /// Stops what the step has going on.
+    virtual void doCancel() = 0;
+};
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(KilnProcessStep::InitOptions)
+
+} // namespace Kiln::Internal
