@@ -10,8 +10,8 @@
 
 namespace Utils {
 
-/// A line edit that judges its text: what is invalid is written in the error colour, and while it is
-/// invalid the reason takes the place of the tool tip.
+/// A line edit that judges its text: what is invalid is written in the error colour, and while it
+/// is invalid the reason takes the place of the tool tip.
 class FancyLineEdit : public QLineEdit
 {
     Q_OBJECT
@@ -19,8 +19,8 @@ class FancyLineEdit : public QLineEdit
 public:
     enum State { Invalid, DisplayingPlaceholderText, Valid };
 
-    using SynchronousValidationFunction
-        = std::function<bool(FancyLineEdit *edit, QString *errorMessage)>;
+    using SynchronousValidationFunction =
+        std::function<bool(FancyLineEdit *edit, QString *errorMessage)>;
     using ValidationFunction = std::variant<SynchronousValidationFunction>;
 
     explicit FancyLineEdit(QWidget *parent = nullptr);
@@ -43,6 +43,9 @@ signals:
     void validReturnPressed();
 
 private:
+    void showValidity();
+    void updateHistory();
+
     class Private;
     const std::unique_ptr<Private> d;
 };

@@ -19,7 +19,8 @@ public:
     template<size_t N>
     FilePath(const char (&literal)[N])
         : m_path(QString::fromUtf8(literal, N - 1))
-    {}
+    {
+    }
 
     static FilePath fromString(const QString &path);
     /// Expands a leading "~", takes native separators and cleans the path.

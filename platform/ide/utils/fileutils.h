@@ -12,8 +12,8 @@ class FileUtils
 {
 public:
     /// Copies one file; false stops the whole copy.
-    using CopyHelper
-        = std::function<bool(const FilePath &source, const FilePath &destination, QString *error)>;
+    using CopyHelper =
+        std::function<bool(const FilePath &source, const FilePath &destination, QString *error)>;
 
     /// A copy helper that asks before it overwrites a file.
     class CopyAskingForOverwrite

@@ -13,7 +13,8 @@ public:
     Id() = default;
     Id(const char *name)
         : m_name(name)
-    {}
+    {
+    }
     Id(QLatin1String) = delete;
 
     static Id fromSetting(const QVariant &variant);

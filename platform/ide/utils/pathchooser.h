@@ -53,6 +53,9 @@ signals:
     void browsingFinished();
 
 private:
+    void announceChange();
+    FilePath browseStart() const;
+    QString askForPath();
     void browse();
 
     class Private;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace Utils {
 
 /// Reports a failed assertion on the debug channel as `SOFT ASSERT [time]: msg`; never ends the
