@@ -15,13 +15,15 @@ struct PluginDependency
     QString version;
 };
 
-/// What is known of one plugin: its metadata, how far it got, and what went wrong.
+/// What is known of one plugin: its metadata, how far it got, and what went wrong. One with an
+/// error keeps the state that it had reached.
 class PluginSpec
 {
 public:
     enum State { Invalid, Read, Resolved, Loaded, Initialized, Running, Stopped, Deleted };
 
-    /// Reads the metadata in the library at \a filePath.
+    /// Reads the metadata in the library at \a filePath; a file that is no plugin of this kind
+    /// stays Invalid without an error.
     explicit PluginSpec(const QString &filePath);
 
     QString id() const { return m_id; }
@@ -40,6 +42,8 @@ public:
     /// Finds the plugins depended on among \a specs.
     bool resolveDependencies(const QList<PluginSpec *> &specs);
     QList<PluginSpec *> dependencySpecs() const { return m_dependencySpecs; }
+    /// Marks the plugin as failed for a reason that shows only among its fellows. Returns false.
+    bool fail(const QString &reason);
 
     bool load();
     bool initialize(const QStringList &arguments);
@@ -49,7 +53,7 @@ public:
 
 private:
     bool readMetaData(const QJsonObject &pluginMetaData);
-    bool fail(const QString &reason);
+    bool checkDependencies();
 
     QString m_id;
     QString m_name;

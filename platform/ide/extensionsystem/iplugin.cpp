@@ -1,0 +1,11 @@
+#include "iplugin.h"
+
+namespace ExtensionSystem {
+
+bool IPlugin::initialize(const QStringList &, QString *)
+{
+    initialize();
+    return true;
+}
+
+} // namespace ExtensionSystem
