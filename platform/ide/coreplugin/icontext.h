@@ -13,7 +13,8 @@ public:
     Context() = default;
     explicit Context(Utils::Id id)
         : m_ids{id}
-    {}
+    {
+    }
 
     bool contains(Utils::Id id) const { return m_ids.contains(id); }
 

@@ -24,9 +24,9 @@ public:
     Utils::Id id() const { return m_id; }
     QMenu *menu() const { return m_menu.get(); }
 
-    /// Adds at the end of \a group; without a group, at the end of the menu.
-    void addAction(Command *command, Utils::Id group = {});
-    void addMenu(ActionContainer *menu, Utils::Id group = {});
+    /// Adds at the end of the menu.
+    void addAction(Command *command);
+    void addMenu(ActionContainer *menu);
 
 private:
     Utils::Id m_id;

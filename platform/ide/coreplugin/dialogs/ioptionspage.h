@@ -23,9 +23,8 @@ public:
 
     static const QList<IOptionsPage *> allOptionsPages();
     /// Gives the pages of category \a id their common title and icon.
-    static void registerCategory(Utils::Id id,
-                                 const QString &displayName,
-                                 const Utils::FilePath &iconPath);
+    static void
+    registerCategory(Utils::Id id, const QString &displayName, const Utils::FilePath &iconPath);
 
     Utils::Id id() const { return m_id; }
     QString displayName() const { return m_displayName; }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <extensionsystem/iplugin.h>
+
+namespace Core::Internal {
+
+/// Makes the menus that other plugins add to.
+class CorePlugin final : public ExtensionSystem::IPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID "org.qt-project.Qt.QtCreatorPlugin" FILE "Core.json")
+
+protected:
+    void initialize() override;
+};
+
+} // namespace Core::Internal
