@@ -1,0 +1,130 @@
+#include "headlessdeploy.h"
+
+#include <coreplugin/icore.h>
+#include <coreplugin/messagemanager.h>
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/target.h>
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <cstdio>
+
+using namespace ProjectExplorer;
+
+namespace Workbench {
+
+constexpr int FAILURE = 1;
+constexpr int SIGNAL_BASE = 128;
+
+static void print(FILE *stream, const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+static void printLine(const QString &line)
+{
+    print(stdout, line + '\n');
+}
+
+static void printError(const QString &error)
+{
+    print(stderr, "workbench: " + error + '\n');
+}
+
+static bool hasEnabledSignStep(const BuildStepList *list)
+{
+    const QList<BuildStep *> steps = list->steps();
+    return std::any_of(steps.begin(), steps.end(), [](const BuildStep *step) {
+        return step->isEnabled()
+               && (step->id() == "Sealkit.RpmSignExternalStep"
+                   || step->id() == "Sealkit.RpmSignStep");
+    });
+}
+
+HeadlessDeploy::HeadlessDeploy(const CommandLine &commandLine)
+    : m_commandLine(commandLine)
+    , m_answerer(commandLine.passphrase)
+{
+    connect(&m_answerer, &PromptAnswerer::declined, this, &printLine);
+    connect(&m_interrupts, &Interrupts::interrupted, this, &HeadlessDeploy::interrupt);
+    connect(&m_session, &Session::problemFound, this, &printError);
+    connect(
+        Core::MessageManager::instance(), &Core::MessageManager::messageWritten, this, &printLine);
+    connect(BuildManager::instance(), &BuildManager::outputAdded, this, [](const QString &text) {
+        print(stdout, text);
+    });
+}
+
+int HeadlessDeploy::run()
+{
+    int exitCode = FAILURE;
+    if (open()) {
+        QTimer::singleShot(0, this, &HeadlessDeploy::deploy);
+        exitCode = QCoreApplication::exec();
+        m_session.save();
+    }
+    m_session.shutdown();
+    return m_signalNumber ? SIGNAL_BASE + m_signalNumber : exitCode;
+}
+
+bool HeadlessDeploy::open()
+{
+    QString error;
+    if (!m_session.openSdk(m_commandLine.sdk, &error)) {
+        printError(error);
+        return false;
+    }
+    m_session.loadPlugins();
+    const Project *project =
+        m_session.openProject(m_commandLine.projects.first(), m_commandLine.target, &error);
+    if (!project) {
+        printError(error);
+        return false;
+    }
+    const Target *target = project->activeTarget();
+    if (!target || !target->activeDeployConfiguration()) {
+        printError(tr("The project \"%1\" has nothing to deploy: the SDK offers no target for it.")
+                       .arg(project->displayName()));
+        return false;
+    }
+    m_stepList = target->activeDeployConfiguration()->stepList();
+    return true;
+}
+
+void HeadlessDeploy::deploy()
+{
+    if (m_signalNumber) {
+        QCoreApplication::exit(FAILURE);
+        return;
+    }
+    const bool signsPackages = hasEnabledSignStep(m_stepList);
+    const auto end = [this, signsPackages](bool success) {
+        if (!success)
+            printError(m_signalNumber ? tr("The deploy was interrupted.")
+                                      : tr("The deploy failed."));
+        else if (!signsPackages)
+            printError(
+                tr("Nothing was signed: the deploy configuration has no enabled sign step."));
+        QCoreApplication::exit(success && signsPackages ? 0 : FAILURE);
+    };
+    connect(BuildManager::instance(), &BuildManager::buildQueueFinished, this, end);
+    BuildManager::buildList(m_stepList);
+}
+
+void HeadlessDeploy::interrupt(int signalNumber)
+{
+    m_signalNumber = signalNumber;
+    emit Core::ICore::instance()->coreAboutToClose();
+    m_answerer.declineAll();
+    if (BuildManager::isBuilding())
+        BuildManager::cancel();
+    else
+        QCoreApplication::exit(FAILURE);
+}
+
+} // namespace Workbench

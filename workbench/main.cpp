@@ -1,0 +1,59 @@
+#include "commandline.h"
+#include "headlessdeploy.h"
+#include "interrupts.h"
+#include "mainwindow.h"
+#include "session.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <cstdio>
+
+using namespace Workbench;
+
+static int endEarly(const EarlyExit &exit)
+{
+    std::fprintf(exit.exitCode ? stderr : stdout, "%s\n", qUtf8Printable(exit.message));
+    return exit.exitCode;
+}
+
+static bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY")
+           || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+static int runWindow(const CommandLine &commandLine)
+{
+    Session session;
+    Interrupts interrupts;
+    MainWindow window(&session);
+    QObject::connect(&interrupts, &Interrupts::interrupted, &window, &MainWindow::closeAtOnce);
+    window.show();
+    QTimer::singleShot(0, &window, [&] { window.open(commandLine); });
+    const int exitCode = QApplication::exec();
+    // Plugins parent their dialogs to the window, so they have to go first.
+    session.shutdown();
+    return exitCode;
+}
+
+int main(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const auto parsed = parseCommandLine(arguments);
+    if (const auto *exit = std::get_if<EarlyExit>(&parsed))
+        return endEarly(*exit);
+
+    const auto &commandLine = std::get<CommandLine>(parsed);
+    if (commandLine.deploy)
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // a transcript needs no display
+    else if (!hasDisplay())
+        return endEarly({1, "workbench: There is no display for a window; see --deploy."});
+
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    setUpApplication(commandLine.settingsFolder);
+    return commandLine.deploy ? HeadlessDeploy(commandLine).run() : runWindow(commandLine);
+}

@@ -1,0 +1,323 @@
+#include "mainwindow.h"
+
+#include "aboutplugins.h"
+#include "deploypage.h"
+#include "optionsdialog.h"
+#include "outputpane.h"
+#include "projecttree.h"
+#include "promptanswerer.h"
+#include "session.h"
+
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/actionmanager.h>
+#include <coreplugin/host.h>
+#include <coreplugin/icore.h>
+#include <coreplugin/messagemanager.h>
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/kitmanager.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QSettings>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <cstdio>
+
+using namespace ProjectExplorer;
+
+namespace Workbench {
+
+constexpr char GEOMETRY_KEY[] = "Workbench/Geometry";
+constexpr QSize MINIMUM_SIZE{640, 480};
+constexpr QSize INITIAL_SIZE{1100, 760};
+
+MainWindow::MainWindow(Session *session)
+    : m_session(session)
+    , m_tree(new ProjectTree)
+    , m_page(new DeployPage)
+    , m_sdkProblem(new QLabel)
+    , m_tabs(new QTabWidget)
+    , m_compileOutput(new OutputPane)
+    , m_messages(new OutputPane)
+    , m_busy(new QProgressBar)
+    , m_refreshTimer(new QTimer(this))
+{
+    Core::Host::setMainWindow(this);
+    setWindowTitle(tr("Sealkit Workbench"));
+    makeContent();
+    makeMenus();
+    connectPlatform();
+
+    // Many changes come at once; and none may rebuild the tree while the tree announces a choice.
+    m_refreshTimer->setSingleShot(true);
+    connect(m_refreshTimer, &QTimer::timeout, this, &MainWindow::refresh);
+
+    setMinimumSize(MINIMUM_SIZE);
+    if (!restoreGeometry(QSettings().value(GEOMETRY_KEY).toByteArray()))
+        resize(INITIAL_SIZE);
+}
+
+MainWindow::~MainWindow()
+{
+    Core::Host::setMainWindow(nullptr);
+}
+
+void MainWindow::makeContent()
+{
+    m_sdkProblem->setObjectName("sdkProblem");
+    m_sdkProblem->setWordWrap(true);
+    m_sdkProblem->setMargin(8);
+    m_sdkProblem->setAutoFillBackground(true);
+    m_sdkProblem->setBackgroundRole(QPalette::ToolTipBase);
+    m_sdkProblem->setForegroundRole(QPalette::ToolTipText);
+    m_sdkProblem->hide();
+
+    m_compileOutput->setObjectName("compileOutput");
+    m_messages->setObjectName("generalMessages");
+    m_tabs->addTab(m_compileOutput, tr("C&ompile Output"));
+    m_tabs->addTab(m_messages, tr("General &Messages"));
+    m_tabs->setDocumentMode(true);
+
+    auto *right = new QSplitter(Qt::Vertical);
+    right->addWidget(m_page);
+    right->addWidget(m_tabs);
+    right->setStretchFactor(0, 3);
+    right->setStretchFactor(1, 2);
+    auto *whole = new QSplitter;
+    whole->addWidget(m_tree);
+    whole->addWidget(right);
+    whole->setStretchFactor(1, 1);
+    whole->setSizes({260, INITIAL_SIZE.width() - 260});
+    for (QSplitter *splitter : {right, whole})
+        splitter->setChildrenCollapsible(false);
+
+    auto *center = new QWidget;
+    auto *layout = new QVBoxLayout(center);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_sdkProblem);
+    layout->addWidget(whole, 1);
+    setCentralWidget(center);
+
+    m_busy->setRange(0, 0);
+    m_busy->setMaximumSize(120, 14);
+    m_busy->setTextVisible(false);
+    m_busy->hide();
+    statusBar()->addPermanentWidget(m_busy);
+    connect(m_tree, &ProjectTree::chosen, this, &MainWindow::choose);
+    connect(m_page, &DeployPage::aboutToDeploy, m_session, &Session::save);
+}
+
+void MainWindow::makeMenus()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    file->addAction(
+        tr("&Open Project..."), QKeySequence::Open, this, &MainWindow::openProjectByDialog);
+    m_closeProjectAction = file->addAction(tr("&Close Project"), this, &MainWindow::closeProject);
+    file->addSeparator();
+    file->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addAction(tr("&Options..."), QKeySequence::Preferences, this, &MainWindow::showOptions);
+
+    QMenu *build = menuBar()->addMenu(tr("&Build"));
+    build->addActions({m_page->deployAction(), m_page->cancelAction()});
+
+    using namespace Core;
+    QMenu *tools = ActionManager::createMenu(Constants::M_TOOLS)->menu();
+    tools->setTitle(tr("&Tools"));
+    menuBar()->addMenu(tools);
+
+    QMenu *help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(tr("About &Plugins..."), this, [this] { showAboutPlugins(this); });
+}
+
+void MainWindow::connectPlatform()
+{
+    connect(m_session, &Session::problemFound, this, &MainWindow::showProblem);
+
+    const ProjectManager *projects = ProjectManager::instance();
+    connect(projects, &ProjectManager::projectAdded, this, &MainWindow::watchProject);
+    connect(projects, &ProjectManager::aboutToRemoveProject, this, &MainWindow::forget);
+    connect(projects, &ProjectManager::projectRemoved, this, [this] { m_refreshTimer->start(); });
+
+    const BuildManager *builds = BuildManager::instance();
+    connect(builds, &BuildManager::buildQueueStarted, this, &MainWindow::startRun);
+    connect(builds, &BuildManager::buildQueueFinished, this, &MainWindow::endRun);
+    connect(builds, &BuildManager::outputAdded, m_compileOutput, &OutputPane::append);
+
+    connect(Core::MessageManager::instance(),
+            &Core::MessageManager::messageWritten,
+            this,
+            [this](const QString &message, bool disrupting) {
+                m_messages->appendMessage(message);
+                if (disrupting)
+                    m_tabs->setCurrentWidget(m_messages);
+            });
+}
+
+void MainWindow::watchProject(Project *project)
+{
+    const auto refreshSoon = [this] { m_refreshTimer->start(); };
+    connect(project, &Project::addedTarget, this, &MainWindow::watchTarget);
+    connect(project, &Project::removedTarget, this, refreshSoon);
+    connect(project, &Project::activeTargetChanged, this, refreshSoon);
+    for (Target *target : project->targets())
+        watchTarget(target);
+    refreshSoon();
+}
+
+void MainWindow::watchTarget(Target *target)
+{
+    const auto refreshSoon = [this] { m_refreshTimer->start(); };
+    connect(target, &Target::addedDeployConfiguration, this, refreshSoon);
+    connect(target, &Target::removedDeployConfiguration, this, refreshSoon);
+    connect(target, &Target::activeDeployConfigurationChanged, this, refreshSoon);
+    refreshSoon();
+}
+
+void MainWindow::open(const CommandLine &commandLine)
+{
+    QString error;
+    if (!m_session->openSdk(commandLine.sdk, &error)) {
+        m_sdkProblem->setText(error);
+        m_sdkProblem->show();
+    }
+    m_session->loadPlugins();
+    const QStringList paths =
+        commandLine.projects.isEmpty() ? Session::rememberedProjects() : commandLine.projects;
+    for (const QString &path : paths)
+        openProject(path, commandLine.target);
+    refresh();
+}
+
+void MainWindow::openProject(const QString &path, const QString &targetName)
+{
+    QString error;
+    Project *project = m_session->openProject(path, targetName, &error);
+    if (project)
+        m_page->setProject(project);
+    else
+        showProblem(error);
+    m_refreshTimer->start();
+}
+
+void MainWindow::openProjectByDialog()
+{
+    const QString folder =
+        m_page->project() ? m_page->project()->projectDirectory().toFSPathString() : QString();
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Open Project"), folder, tr("Package descriptions (*.spec)"));
+    if (!path.isEmpty())
+        openProject(path, {});
+}
+
+void MainWindow::closeProject()
+{
+    if (Project *project = m_page->project())
+        m_session->closeProject(project);
+}
+
+void MainWindow::forget(const Project *project)
+{
+    if (m_page->project() != project)
+        return;
+    QList<Project *> others = ProjectManager::projects();
+    others.removeIf([project](const Project *other) { return other == project; });
+    m_page->setProject(others.isEmpty() ? nullptr : others.constFirst());
+}
+
+void MainWindow::choose(Project *project, Target *target, DeployConfiguration *configuration)
+{
+    if (BuildManager::isBuilding() && target)
+        target = nullptr; // look, but don't change what the run is about
+    else if (configuration)
+        target->setActiveDeployConfiguration(configuration);
+    if (target)
+        project->setActiveTarget(target);
+    m_page->setProject(project);
+    m_refreshTimer->start();
+}
+
+void MainWindow::showOptions()
+{
+    OptionsDialog dialog(this);
+    connect(&dialog, &OptionsDialog::applied, m_session, &Session::save);
+    dialog.exec();
+}
+
+void MainWindow::showProblem(const QString &message)
+{
+    Core::MessageManager::writeDisrupting(message);
+    if (m_isSilent)
+        std::fprintf(stderr, "workbench: %s\n", qUtf8Printable(message));
+    else
+        QMessageBox::warning(this, windowTitle(), message);
+}
+
+void MainWindow::startRun()
+{
+    m_compileOutput->clear();
+    m_tabs->setCurrentWidget(m_compileOutput);
+    m_busy->show();
+    m_closeProjectAction->setEnabled(false);
+    statusBar()->showMessage(tr("Deploying..."));
+}
+
+void MainWindow::endRun(bool success)
+{
+    m_busy->hide();
+    statusBar()->showMessage(success ? tr("The deploy has finished.")
+                                     : tr("The deploy has failed or was cancelled."));
+    m_refreshTimer->start();
+    if (m_isClosing)
+        QCoreApplication::exit();
+}
+
+void MainWindow::refresh()
+{
+    m_tree->refresh(m_page->project());
+    m_page->refresh();
+    m_closeProjectAction->setEnabled(m_page->project() && !BuildManager::isBuilding());
+    const Project *project = m_page->project();
+    setWindowTitle(project ? tr("%1 - Sealkit Workbench").arg(project->displayName())
+                           : tr("Sealkit Workbench"));
+}
+
+void MainWindow::closeAtOnce()
+{
+    m_isSilent = true;
+    declineOpenDialogs();
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    if (m_isClosing)
+        return;
+    m_isClosing = true;
+    QSettings().setValue(GEOMETRY_KEY, saveGeometry());
+    m_session->save();
+    emit Core::ICore::instance()->coreAboutToClose();
+    declineOpenDialogs();
+    if (BuildManager::isBuilding())
+        BuildManager::cancel();
+    else
+        QCoreApplication::exit();
+}
+
+} // namespace Workbench

@@ -1,0 +1,183 @@
+#include "session.h"
+
+#include <brisk/sdk.h>
+#include <coreplugin/host.h>
+#include <extensionsystem/pluginspec.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/kitmanager.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
+#include <veyraos/kilnkits.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QSettings>
+
+using namespace ProjectExplorer;
+using Utils::FilePath;
+
+namespace Workbench {
+
+constexpr char SDK_KEY[] = "Workbench/Sdk";
+constexpr char PROJECTS_KEY[] = "Workbench/Projects";
+
+void setUpApplication(const QString &settingsFolder)
+{
+    QCoreApplication::setOrganizationName("Sealkit");
+    QCoreApplication::setApplicationName("Workbench");
+    if (!settingsFolder.isEmpty())
+        QSettings::setPath(
+            QSettings::NativeFormat, QSettings::UserScope, QDir(settingsFolder).absolutePath());
+}
+
+static FilePath besideProgram(const QString &path)
+{
+    const QString raw = QCoreApplication::applicationDirPath() + "/../" + path;
+    return FilePath::fromString(QDir::cleanPath(raw));
+}
+
+bool Session::openSdk(const QString &folder, QString *error)
+{
+    QSettings settings;
+    const QString chosen =
+        folder.isEmpty() ? settings.value(SDK_KEY).toString() : QDir(folder).absolutePath();
+    if (chosen.isEmpty()) {
+        *error = tr("No SDK is chosen. Start with --sdk DIR.");
+        return false;
+    }
+    if (!Brisk::Sdk::open(FilePath::fromString(chosen), error))
+        return false;
+    settings.setValue(SDK_KEY, chosen);
+    Kiln::Internal::registerKits();
+    return true;
+}
+
+void Session::loadPlugins()
+{
+    Core::Host::setResourcePath(besideProgram("share/qtcreator"));
+    ExtensionSystem::PluginManager::setPluginPaths(
+        {besideProgram("lib/qtcreator/plugins").toFSPathString()});
+    ExtensionSystem::PluginManager::loadPlugins();
+    for (const QString &error : pluginErrors())
+        emit problemFound(error);
+}
+
+QStringList Session::pluginErrors()
+{
+    QStringList errors;
+    for (const ExtensionSystem::PluginSpec *spec : ExtensionSystem::PluginManager::plugins()) {
+        if (spec->hasError())
+            errors << tr("The plugin \"%1\" cannot be used: %2")
+                          .arg(spec->name(), spec->errorString());
+    }
+    return errors;
+}
+
+// The package description that \a path stands for; empty, with the reason, when there is none.
+static FilePath findProjectFile(const QString &path, QString *error)
+{
+    const QFileInfo info(path);
+    if (info.isFile() && info.suffix() == "spec")
+        return FilePath::fromString(info.absoluteFilePath());
+    const QDir packaging(info.absoluteFilePath() + "/rpm");
+    const QStringList specs = packaging.entryList({"*.spec"}, QDir::Files, QDir::Name);
+    if (specs.size() == 1)
+        return FilePath::fromString(packaging.filePath(specs.first()));
+    if (specs.isEmpty())
+        *error = Session::tr("There is no package description (rpm/*.spec) in \"%1\".").arg(path);
+    else
+        *error = Session::tr("\"%1\" has several package descriptions; choose one of %2.")
+                     .arg(path, specs.join(", "));
+    return {};
+}
+
+static Kit *findKit(const QString &targetName, QString *error)
+{
+    QStringList known;
+    for (Kit *kit : KitManager::kits()) {
+        if (kit->displayName() == targetName)
+            return kit;
+        known << kit->displayName();
+    }
+    *error = Session::tr("There is no target \"%1\". Known targets: %2.")
+                 .arg(targetName, known.isEmpty() ? Session::tr("none") : known.join(", "));
+    return nullptr;
+}
+
+static void activate(Project *project, Kit *kit)
+{
+    Target *target = project->target(kit);
+    project->setActiveTarget(target ? target : project->addTargetForKit(kit));
+}
+
+Project *Session::openProject(const QString &path, const QString &targetName, QString *error)
+{
+    const FilePath file = findProjectFile(path, error);
+    if (file.isEmpty())
+        return nullptr;
+    Kit *kit = nullptr;
+    if (!targetName.isEmpty() && !(kit = findKit(targetName, error)))
+        return nullptr;
+
+    const QList<Project *> open = ProjectManager::projects();
+    const auto isSame = [&file](const Project *other) { return other->projectFilePath() == file; };
+    const auto found = std::find_if(open.begin(), open.end(), isSame);
+    Project *project = found == open.end() ? nullptr : *found;
+    if (!project) {
+        project = new Project(file);
+        QString reason;
+        if (!project->restoreSettings(&reason))
+            emit problemFound(reason);
+        ProjectManager::addProject(project);
+    }
+    if (!kit && !project->activeTarget() && !KitManager::kits().isEmpty())
+        kit = KitManager::kits().constFirst();
+    if (kit)
+        activate(project, kit);
+    return project;
+}
+
+void Session::saveProject(Project *project)
+{
+    QString reason;
+    if (!project->saveSettings(&reason))
+        emit problemFound(reason);
+}
+
+void Session::closeProject(Project *project)
+{
+    saveProject(project);
+    ProjectManager::removeProject(project);
+}
+
+QStringList Session::rememberedProjects()
+{
+    return QSettings().value(PROJECTS_KEY).toStringList();
+}
+
+void Session::save()
+{
+    QStringList open;
+    for (Project *project : ProjectManager::projects()) {
+        saveProject(project);
+        open << project->projectFilePath().toFSPathString();
+    }
+    QSettings settings;
+    settings.setValue(PROJECTS_KEY, open);
+    settings.sync();
+    if (settings.status() != QSettings::NoError)
+        emit problemFound(tr("The settings cannot be written to \"%1\".").arg(settings.fileName()));
+}
+
+void Session::shutdown()
+{
+    const QList<Project *> open = ProjectManager::projects();
+    for (Project *project : open)
+        ProjectManager::removeProject(project);
+    ExtensionSystem::PluginManager::shutdown();
+    KitManager::deregisterAllKits();
+    Brisk::Sdk::close();
+}
+
+} // namespace Workbench

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <extensionsystem/pluginmanager.h>
+
+#include <QObject>
+#include <QStringList>
+
+namespace ProjectExplorer {
+class Project;
+}
+
+namespace Workbench {
+
+/// Names of the program, and where its settings are; an empty folder means the user's own place.
+void setUpApplication(const QString &settingsFolder);
+
+/// What is open: the SDK, the plugins and the projects, from start to shutdown.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    Session() = default;
+
+    /// Opens the SDK in \a folder, or the last one, and offers a kit for each of its targets.
+    bool openSdk(const QString &folder, QString *error);
+    /// Loads the plugins that are installed beside the program.
+    void loadPlugins();
+    /// One line for each plugin that did not make it.
+    static QStringList pluginErrors();
+
+    /// Opens the project at \a path, a folder with one rpm/ *.spec or that file itself, and makes
+    /// \a targetName its active target; without a name the project keeps the one it had, or gets
+    /// one for the first kit. Null, with the reason, when one or the other can't be done.
+    ProjectExplorer::Project *
+    openProject(const QString &path, const QString &targetName, QString *error);
+    /// Saves the project and closes it.
+    void closeProject(ProjectExplorer::Project *project);
+
+    /// The projects that were open when the program ended last.
+    static QStringList rememberedProjects();
+    /// Writes the open projects, their list and all other settings to the disk.
+    void save();
+
+    /// Closes everything without saving; the plugins are gone afterwards.
+    void shutdown();
+
+signals:
+    /// Something that the user has to know, but that stops nothing.
+    void problemFound(const QString &message);
+
+private:
+    void saveProject(ProjectExplorer::Project *project);
+
+    ExtensionSystem::PluginManager m_pluginManager;
+};
+
+} // namespace Workbench
