@@ -1,0 +1,42 @@
+#include "buildengineinfo.h"
+
+#include "command.h"
+
+#include <brisk/buildengine.h>
+#include <brisk/sdk.h>
+
+#include <QPointer>
+#include <QTimer>
+
+namespace Sealkit::Internal {
+
+BuildEngineInfo::BuildEngineInfo(QObject *parent)
+    : QObject(parent)
+{
+    QTimer::singleShot(0, this, &BuildEngineInfo::update);
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    if (!engines.isEmpty())
+        m_sharedSrcPath = engines.first()->sharedSrcPath();
+}
+
+void BuildEngineInfo::update()
+{
+    const QPointer<BuildEngineInfo> self(this);
+    const Command::Result result = Command::exec<Command::brisk::engine::start>({});
+    if (!self || !result.succeeded())
+        return;
+
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    if (!engines.isEmpty())
+        setTargets(engines.first()->buildTargetOrigins());
+}
+
+void BuildEngineInfo::setTargets(const QStringList &targets)
+{
+    if (targets == m_targets)
+        return;
+    m_targets = targets;
+    emit targetsChanged(m_targets);
+}
+
+} // namespace Sealkit::Internal

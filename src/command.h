@@ -1,0 +1,163 @@
+#pragma once
+
+#include <QByteArray>
+#include <QStringList>
+
+#include <functional>
+
+namespace Sealkit::Internal {
+
+struct SignData;
+
+/// The command lines of all tools, and the one place that runs them.
+namespace Command {
+
+// Each tag stands for a command word; nested, they give the order of the words.
+struct brisk
+{
+    struct engine
+    {
+        struct start;
+        struct target
+        {
+            struct nxvcert_cli
+            {
+                struct remove;
+                struct dump;
+                struct help;
+                struct verify;
+            };
+            struct openssl
+            {
+                struct version;
+                struct generateKeyGost;
+                struct generateKeyRSA;
+                struct generateRequest;
+            };
+            struct rpmsign_external
+            {
+                struct remove;
+                struct dump;
+                struct version;
+                struct sign;
+                struct verify;
+            };
+            struct customer_sign
+            {
+                struct help;
+                struct sign;
+            };
+        };
+    };
+};
+
+/// The command line for \a Tag: element 0 is the program, the rest are its arguments. Arguments are
+/// single elements and stay as they are: nothing is quoted, split or mapped.
+/// Only the commands below compose.
+template<typename Tag, typename... Args>
+QStringList compose(const Args &...args) = delete;
+
+template<>
+QStringList compose<brisk>();
+template<>
+QStringList compose<brisk::engine>();
+template<>
+QStringList compose<brisk::engine::start>();
+template<>
+QStringList compose<brisk::engine::target>(const QString &targetName);
+
+template<>
+QStringList compose<brisk::engine::target::nxvcert_cli>(const QString &targetName);
+template<>
+QStringList compose<brisk::engine::target::nxvcert_cli::remove>(const QString &targetName,
+                                                                const QStringList &files);
+template<>
+QStringList compose<brisk::engine::target::nxvcert_cli::dump>(const QString &targetName,
+                                                              const QStringList &files);
+template<>
+QStringList compose<brisk::engine::target::nxvcert_cli::help>(const QString &targetName);
+/// An empty \a rootCertificate is passed on: the tool then takes its own bundle.
+template<>
+QStringList compose<brisk::engine::target::nxvcert_cli::verify>(const QString &targetName,
+                                                                const QString &rootCertificate,
+                                                                const QStringList &files);
+
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external>(const QString &targetName);
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external::remove>(const QString &targetName,
+                                                                     const QStringList &files);
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external::dump>(const QString &targetName,
+                                                                   const QStringList &files);
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external::version>(const QString &targetName);
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external::sign>(const QString &targetName,
+                                                                   const QString &key,
+                                                                   const QString &certificate,
+                                                                   const QStringList &files);
+/// An empty \a rootCertificate leaves its option out.
+template<>
+QStringList compose<brisk::engine::target::rpmsign_external::verify>(const QString &targetName,
+                                                                     const QString &rootCertificate,
+                                                                     const QStringList &files);
+
+template<>
+QStringList compose<brisk::engine::target::customer_sign>(const QString &targetName);
+template<>
+QStringList compose<brisk::engine::target::customer_sign::help>(const QString &targetName);
+/// Only an empty client certificate leaves its option out.
+template<>
+QStringList compose<brisk::engine::target::customer_sign::sign>(const QString &targetName,
+                                                                const SignData &data,
+                                                                const QStringList &files);
+
+template<>
+QStringList compose<brisk::engine::target::openssl::version>(const QString &targetName);
+template<>
+QStringList compose<brisk::engine::target::openssl::generateKeyGost>(const QString &targetName,
+                                                                     const QString &keyPath,
+                                                                     const bool &encrypt);
+template<>
+QStringList compose<brisk::engine::target::openssl::generateKeyRSA>(const QString &targetName,
+                                                                    const QString &keyPath,
+                                                                    const bool &encrypt);
+template<>
+QStringList compose<brisk::engine::target::openssl::generateRequest>(const QString &targetName,
+                                                                     const QString &keyPath,
+                                                                     const QString &requestPath,
+                                                                     const QString &configPath);
+
+/// The outcome of one run.
+struct Result
+{
+    bool crashed = false; ///< ended by a signal, a kill included
+    int exitCode = 0;
+    QByteArray stdErr;
+    QByteArray stdOut;
+
+    bool succeeded() const { return !crashed && exitCode == 0; }
+    friend bool operator==(const Result &, const Result &) = default;
+};
+
+/// Gets what the program newly printed (either chunk may be empty). What it appends to \a input is
+/// written to the program; false kills the program.
+using Handler = std::function<bool(
+    const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input)>;
+
+/// Runs \a commandLine to its end in the workspace of the first build engine (without one, in the
+/// user's home) while the event loop turns: whoever calls this may be gone when it returns.
+/// Writes one line on the run to the General Messages, and one with the reason if the program
+/// cannot be started; the result is then what QProcess reports for a process that never ran.
+/// Without a handler the output is not read. When the IDE closes, the program is killed.
+Result exec(const Handler &handler, const QStringList &commandLine);
+
+template<typename Tag, typename... Args>
+Result exec(const Handler &handler, const Args &...args)
+{
+    return exec(handler, compose<Tag>(args...));
+}
+
+} // namespace Command
+} // namespace Sealkit::Internal

@@ -1,0 +1,164 @@
+#include "customersignstep.h"
+
+#include "constants.h"
+#include "customersignstepwidget.h"
+#include "signstep.h"
+
+#include <brisk/buildengine.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/target.h>
+#include <veyraos/kilnbuildsteputils.h>
+#include <veyraos/kilnkb2rpmbuildstep.h>
+#include <veyraos/kilnsdkkitaspect.h>
+
+#include <QDir>
+#include <QRegularExpression>
+
+using namespace Kiln::Internal;
+using namespace ProjectExplorer;
+using namespace Tasking;
+
+namespace Sealkit::Internal {
+
+CustomerSignStep::CustomerSignStep(BuildStepList *stepList, Utils::Id id, bool enabled)
+    : KilnProcessStep(stepList, id)
+{
+    setDefaultDisplayName(displayName());
+    m_rpmBuildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
+    m_buildEngine = KilnSdkKitAspectFactory::buildEngine(target()->kit());
+    m_signData.binariesKey = defaultKeyFile(Constants::DEFAULT_BINARIES_KEY);
+    m_signData.key = defaultKeyFile(Constants::DEFAULT_PACKAGES_KEY);
+    m_signData.certificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CERT);
+    m_signData.clientCertificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CLIENT_CERT);
+    forwardOutput(&m_tools, this);
+    setEnabled(enabled);
+}
+
+Utils::Id CustomerSignStep::stepId()
+{
+    return Constants::CUSTOMER_SIGN_STEP_ID;
+}
+
+QString CustomerSignStep::displayName()
+{
+    return tr("RPM Sign (customer-sign)");
+}
+
+/// Empty when there is no such file.
+QString CustomerSignStep::defaultKeyFile(const QString &pathBelowHome) const
+{
+    if (!m_buildEngine)
+        return {};
+    const QString path =
+        QDir::toNativeSeparators(m_buildEngine->sharedHomePath().toFSPathString()) + pathBelowHome;
+    return QFileInfo::exists(path) ? path : QString();
+}
+
+bool CustomerSignStep::init()
+{
+    return KilnProcessStep::init(WithoutCommandLine);
+}
+
+GroupItem CustomerSignStep::runRecipe()
+{
+    return signRecipe(
+        this, [this] { return doRun(); }, [this] { doCancel(); });
+}
+
+SetupResult CustomerSignStep::doRun()
+{
+    emit addOutput(tr("Signing RPM package..."), OutputFormat::NormalMessage);
+
+    const Utils::FilePath workspace =
+        m_buildEngine ? m_buildEngine->sharedSrcPath() : Utils::FilePath();
+    QString error;
+    if (!hasBuildTarget(target()->kit(), &error)
+        || !m_signData.isValid<CustomerSealkit>(workspace, &error)) {
+        emit addOutput(error, OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    if (!m_rpmBuildStep) {
+        emit addOutput(
+            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()),
+            OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    QStringList packages = m_rpmBuildStep->deployablePackagesFileNames();
+    if (!m_signDebugPackages)
+        packages = packages.filter(QRegularExpression(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN));
+    if (packages.isEmpty()) {
+        emit addOutput(tr("Error: no package for sign found"), OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    const QPointer<CustomerSignStep> self(this);
+    if (!runSign(packages) || !self)
+        return SetupResult::StopWithError;
+    emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
+    return SetupResult::Continue;
+}
+
+bool CustomerSignStep::runSign(const QStringList &packages)
+{
+    const QString targetName = KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
+    // A copy: the step may be gone before its tool is.
+    return m_tools.addSignature(targetName, packages, SignData(m_signData)).succeeded();
+}
+
+void CustomerSignStep::doCancel()
+{
+    m_tools.cancel();
+    emit addOutput(tr("Package sign stopped by user"), OutputFormat::ErrorMessage);
+}
+
+QWidget *CustomerSignStep::createConfigWidget()
+{
+    auto *widget = new CustomerSignStepWidget(this);
+    widget->formatAndSetSummaryText(tr("Sign RPM package"));
+    widget->setCommandText(Constants::CUSTOMER_SIGN_TOOL);
+    if (m_buildEngine) {
+        widget->setSharedHomePath(m_buildEngine->sharedHomePath());
+        widget->setSharedSrcPath(m_buildEngine->sharedSrcPath());
+    }
+    widget->setBinariesKey(m_signData.binariesKey);
+    widget->setPackagesKey(m_signData.key);
+    widget->setPackagesCert(m_signData.certificate);
+    widget->setPackagesClientCert(m_signData.clientCertificate);
+    widget->setSignDebugPackages(m_signDebugPackages);
+
+    using Widget = CustomerSignStepWidget;
+    connect(widget, &Widget::binariesKeyChanged, this, &CustomerSignStep::setBinariesKey);
+    connect(widget, &Widget::packagesKeyChanged, this, &CustomerSignStep::setPackagesKey);
+    connect(widget, &Widget::packagesCertChanged, this, &CustomerSignStep::setPackagesCert);
+    connect(
+        widget, &Widget::packagesClientCertChanged, this, &CustomerSignStep::setPackagesClientCert);
+    connect(widget, &Widget::signDebugPackages, this, &CustomerSignStep::setSignDebugPackages);
+    return widget;
+}
+
+void CustomerSignStep::toMap(Utils::Store &map) const
+{
+    KilnProcessStep::toMap(map);
+    map.insert(Constants::BINARIES_KEY_ID, m_signData.binariesKey);
+    map.insert(Constants::PACKAGES_KEY_ID, m_signData.key);
+    map.insert(Constants::PACKAGES_CERT_ID, m_signData.certificate);
+    map.insert(Constants::PACKAGES_CLIENT_CERT_ID, m_signData.clientCertificate);
+    map.insert(Constants::SIGN_DEBUG_PACKAGE_ID, m_signDebugPackages);
+}
+
+void CustomerSignStep::fromMap(const Utils::Store &map)
+{
+    KilnProcessStep::fromMap(map);
+    const auto restorePath = [&map](const char *key, QString *path) {
+        *path = map.value(key, *path).toString();
+    };
+    restorePath(Constants::BINARIES_KEY_ID, &m_signData.binariesKey);
+    restorePath(Constants::PACKAGES_KEY_ID, &m_signData.key);
+    restorePath(Constants::PACKAGES_CERT_ID, &m_signData.certificate);
+    restorePath(Constants::PACKAGES_CLIENT_CERT_ID, &m_signData.clientCertificate);
+    m_signDebugPackages = map.value(Constants::SIGN_DEBUG_PACKAGE_ID, m_signDebugPackages).toBool();
+}
+
+} // namespace Sealkit::Internal

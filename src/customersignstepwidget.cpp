@@ -1,0 +1,103 @@
+#include "customersignstepwidget.h"
+
+#include "ui_customersignstepwidget.h"
+#include "utils.h"
+
+#include <utils/pathchooser.h>
+
+#include <QDir>
+#include <QFileDialog>
+
+using Utils::FancyLineEdit;
+using Utils::FilePath;
+using Utils::PathChooser;
+
+namespace Sealkit::Internal {
+
+CustomerSignStepWidget::CustomerSignStepWidget(Kiln::Internal::KilnProcessStep * /*step*/)
+    : m_ui(std::make_unique<Ui_CustomerSignStepWidget>())
+{
+    m_ui->setupUi(this);
+
+    using Self = CustomerSignStepWidget;
+    const auto changed = &PathChooser::textChanged;
+    connect(m_ui->binariesKeyPathChooser, changed, this, &Self::binariesKeyChanged);
+    connect(m_ui->packagesKeyPathChooser, changed, this, &Self::packagesKeyChanged);
+    connect(m_ui->packagesCertPathChooser, changed, this, &Self::packagesCertChanged);
+    connect(m_ui->packagesClientCertPathChooser, changed, this, &Self::packagesClientCertChanged);
+
+    initPathChooser(m_ui->binariesKeyPathChooser, tr("Select binaries key"), false);
+    initPathChooser(m_ui->packagesKeyPathChooser, tr("Select packages key"), false);
+    initPathChooser(m_ui->packagesCertPathChooser, tr("Select packages certificate"), false);
+    initPathChooser(
+        m_ui->packagesClientCertPathChooser, tr("Select packages client certificate"), true);
+
+    connect(m_ui->signDebugPackageCheckBox, &QCheckBox::clicked, this, &Self::signDebugPackages);
+}
+
+CustomerSignStepWidget::~CustomerSignStepWidget() = default;
+
+void CustomerSignStepWidget::initPathChooser(PathChooser *chooser,
+                                             const QString &title,
+                                             bool allowEmpty)
+{
+    chooser->setExpectedKind(PathChooser::File);
+    chooser->setPromptDialogTitle(title);
+    chooser->setValidationFunction([this, allowEmpty](FancyLineEdit *edit, QString *error) -> bool {
+        return (allowEmpty && edit->text().isEmpty()) || verifyPath(edit->text(), error);
+    });
+}
+
+bool CustomerSignStepWidget::verifyPath(const QString &path, QString *error) const
+{
+    if (isFileChildOf(path, m_sharedHomePath) || isFileChildOf(path, m_sharedSrcPath))
+        return true;
+    if (error) {
+        *error = tr("The path must be inside shared folders:\n%1\n%2")
+                     .arg(m_sharedHomePath.toUserOutput(), m_sharedSrcPath.toUserOutput());
+    }
+    return false;
+}
+
+void CustomerSignStepWidget::setCommandText(const QString &text)
+{
+    m_ui->commandLabelEdit->setText(text);
+}
+
+QString CustomerSignStepWidget::commnadText() const
+{
+    return m_ui->commandLabelEdit->text();
+}
+
+void CustomerSignStepWidget::setBinariesKey(const QString &path)
+{
+    m_ui->binariesKeyPathChooser->setFilePath(FilePath::fromUserInput(path));
+}
+
+void CustomerSignStepWidget::setPackagesKey(const QString &path)
+{
+    m_ui->packagesKeyPathChooser->setFilePath(FilePath::fromUserInput(path));
+}
+
+void CustomerSignStepWidget::setPackagesCert(const QString &path)
+{
+    m_ui->packagesCertPathChooser->setFilePath(FilePath::fromUserInput(path));
+}
+
+void CustomerSignStepWidget::setPackagesClientCert(const QString &path)
+{
+    m_ui->packagesClientCertPathChooser->setFilePath(FilePath::fromUserInput(path));
+}
+
+void CustomerSignStepWidget::setSignDebugPackages(bool sign)
+{
+    m_ui->signDebugPackageCheckBox->setChecked(sign);
+}
+
+QString CustomerSignStepWidget::openFileSelectDialog(const QString &title)
+{
+    return QFileDialog::getOpenFileName(
+        this, title, QDir::toNativeSeparators(m_sharedHomePath.toFSPathString()));
+}
+
+} // namespace Sealkit::Internal

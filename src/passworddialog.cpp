@@ -1,0 +1,74 @@
+#include "passworddialog.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QVBoxLayout>
+
+namespace Sealkit::Internal {
+
+PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
+    : m_passwordLineEdit(new QLineEdit)
+    , m_errorLabel(new QLabel)
+{
+    setWindowFlags(windowFlags() & ~Qt::WindowContextHelpButtonHint);
+
+    auto *promptLabel = new QLabel(text);
+    // The prompt is a tool's text: a path in it may look like markup.
+    promptLabel->setTextFormat(Qt::PlainText);
+    m_passwordLineEdit->setEchoMode(QLineEdit::Password);
+    m_errorLabel->setStyleSheet(QStringLiteral("color: red"));
+    m_errorLabel->hide();
+
+    auto *formLayout = new QFormLayout;
+    formLayout->addRow(tr("Password:"), m_passwordLineEdit);
+
+    auto *buttonBox = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttonBox, &QDialogButtonBox::accepted, this, &PasswordDialogPrivate::validate);
+    connect(buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(promptLabel);
+    layout->addLayout(formLayout);
+    layout->addWidget(m_errorLabel);
+    layout->addWidget(buttonBox);
+
+    m_passwordLineEdit->setFocus(Qt::OtherFocusReason);
+}
+
+QString PasswordDialogPrivate::password() const
+{
+    return m_passwordLineEdit->text();
+}
+
+void PasswordDialogPrivate::validate()
+{
+    static const QRegularExpression newline(QStringLiteral("\r\n|\r|\n"));
+    if (password().isEmpty())
+        showError(tr("Password can't be empty"));
+    else if (password().contains(newline))
+        showError(tr("Password contains invalid newline characters"));
+    else
+        accept();
+}
+
+void PasswordDialogPrivate::showError(const QString &text)
+{
+    m_errorLabel->setText(text);
+    m_errorLabel->show();
+}
+
+QString PasswordDialog::getPassord(const QString &text, bool *ok)
+{
+    auto *dialog = new PasswordDialogPrivate(text);
+    *ok = dialog->exec() == QDialog::Accepted;
+    if (!*ok)
+        return {};
+    const QString password = dialog->password();
+    dialog->deleteLater();
+    return password;
+}
+
+} // namespace Sealkit::Internal

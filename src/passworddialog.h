@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QDialog>
+
+class QLabel;
+class QLineEdit;
+
+namespace Sealkit::Internal {
+
+/// Asks for one pass phrase; does not accept an empty one, nor one with line breaks.
+class PasswordDialogPrivate : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit PasswordDialogPrivate(const QString &text);
+
+    QString password() const;
+
+private:
+    void validate();
+    void showError(const QString &text);
+
+    QLineEdit *m_passwordLineEdit;
+    QLabel *m_errorLabel;
+};
+
+class PasswordDialog
+{
+public:
+    /// Asks with \a text as the prompt. \a ok tells whether the user answered; if not, the result
+    /// is null.
+    static QString getPassord(const QString &text, bool *ok);
+};
+
+} // namespace Sealkit::Internal

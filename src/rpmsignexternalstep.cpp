@@ -1,0 +1,225 @@
+#include "rpmsignexternalstep.h"
+
+#include "constants.h"
+#include "rpmsignexternalwidget.h"
+#include "signdata.h"
+#include "signstep.h"
+#include "utils.h"
+
+#include <brisk/buildengine.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/target.h>
+#include <veyraos/kilnbuildsteputils.h>
+#include <veyraos/kilnkb2rpmbuildstep.h>
+#include <veyraos/kilnsdkkitaspect.h>
+
+#include <QFileInfo>
+#include <QSettings>
+
+#include <algorithm>
+
+using namespace Kiln::Internal;
+using namespace ProjectExplorer;
+using namespace Tasking;
+
+namespace Sealkit::Internal {
+
+QString StepKeys::readDefaultKey() const
+{
+    const QSettings settings;
+    if (settings.contains(Constants::GLOBAL_SIGNKEY_KEY))
+        return settings.value(Constants::GLOBAL_SIGNKEY_KEY).toString();
+    return buildEngine ? getDefaultKey(buildEngine->sharedSrcPath()).toFSPathString() : QString();
+}
+
+QString StepKeys::readDefaultCertificate() const
+{
+    const QSettings settings;
+    if (settings.contains(Constants::GLOBAL_SIGNCERT_KEY))
+        return settings.value(Constants::GLOBAL_SIGNCERT_KEY).toString();
+    return buildEngine ? getDefaultCertificate(buildEngine->sharedSrcPath()).toFSPathString()
+                       : QString();
+}
+
+RpmsignExternalStep::RpmsignExternalStep(BuildStepList *parent, Utils::Id id, bool enabled)
+    : KilnProcessStep(parent, id)
+    , m_tool(nullptr)
+{
+    setDefaultDisplayName(displayName());
+    m_keys.buildEngine = KilnSdkKitAspectFactory::buildEngine(target()->kit());
+
+    forwardOutput(&m_tool, this);
+    setEnabled(QSettings().value(Constants::ENABLE_DEFAULT_SIGN_KEY, enabled).toBool());
+}
+
+Utils::Id RpmsignExternalStep::stepId()
+{
+    return Constants::RPMSIGN_EXTERNAL_STEP_ID;
+}
+
+QString RpmsignExternalStep::displayName()
+{
+    return tr("RPM Sign (rpmsign-external)");
+}
+
+bool RpmsignExternalStep::init()
+{
+    return KilnProcessStep::init(WithoutCommandLine);
+}
+
+GroupItem RpmsignExternalStep::runRecipe()
+{
+    return signRecipe(
+        this, [this] { return doRun(); }, [this] { doCancel(); });
+}
+
+SetupResult RpmsignExternalStep::doRun()
+{
+    emit addOutput(tr("Signing RPM package..."), OutputFormat::NormalMessage);
+
+    SignData data;
+    data.key = m_keys.getKey();
+    data.certificate = m_keys.getCertificate();
+    const Utils::FilePath workspace =
+        m_keys.buildEngine ? m_keys.buildEngine->sharedSrcPath() : Utils::FilePath();
+    QString error;
+    if (!hasBuildTarget(target()->kit(), &error)
+        || !data.isValid<RpmsignExternal>(workspace, &error)) {
+        emit addOutput(error, OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
+    if (!buildStep) {
+        emit addOutput(
+            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()),
+            OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    const QStringList packages = buildStep->packages();
+    if (packages.isEmpty()) {
+        emit addOutput(tr("Error: no package for sign found"), OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
+
+    const QPointer<RpmsignExternalStep> self(this);
+    if (!runSign(packages, data) || !self)
+        return SetupResult::StopWithError;
+    emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
+    dumpSign(packages);
+    return SetupResult::Continue;
+}
+
+bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &data)
+{
+    return m_tool.addSignature(buildTargetName(), packages, data).succeeded();
+}
+
+void RpmsignExternalStep::dumpSign(const QStringList &packages)
+{
+    if (!isLastSigningStep())
+        return;
+
+    const QPointer<RpmsignExternalStep> self(this);
+    const Command::Result result = m_tool.dumpSignature(buildTargetName(), packages);
+    if (!self)
+        return;
+    if (!result.succeeded()) {
+        emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
+        return;
+    }
+
+    const QString dump = QString::fromUtf8(result.stdOut);
+    if (packages.size() == 1) {
+        checkSignGroups(dump, QFileInfo(packages.first()).fileName());
+        return;
+    }
+    const QList<PackageDump> dumps = splitDumpByPackage(dump);
+    for (const PackageDump &package : dumps)
+        checkSignGroups(package.dump, QFileInfo(package.packagePath).fileName());
+}
+
+void RpmsignExternalStep::checkSignGroups(const QString &dump, const QString &packageName)
+{
+    const SignGroups groups = signGroups(dump);
+    if (groups.client)
+        return;
+    const QString note =
+        groups.developer
+            ? tr("Note: Packages %1 signed with developer key, use is possible only for "
+                 "development purposes. Read more: %2")
+            : tr("Note: Packages %1 is not signed. Deployment to the device is not possible. "
+                 "Read more: %2");
+    emit addOutput(note.arg(packageName, Constants::PACKAGE_SIGNING_PAGE), OutputFormat::Stderr);
+}
+
+bool RpmsignExternalStep::isLastSigningStep() const
+{
+    const QList<BuildStep *> steps = stepList()->steps();
+    const auto later = steps.mid(steps.indexOf(this) + 1);
+    return std::none_of(later.begin(), later.end(), [](const BuildStep *step) {
+        return step->id() == stepId() && step->isEnabled();
+    });
+}
+
+QString RpmsignExternalStep::buildTargetName() const
+{
+    return KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
+}
+
+void RpmsignExternalStep::doCancel()
+{
+    m_tool.cancel();
+    emit addOutput(tr("Package sign stopped by user"), OutputFormat::ErrorMessage);
+}
+
+QWidget *RpmsignExternalStep::createConfigWidget()
+{
+    auto *widget = new RpmsignExternalWidget(this);
+    widget->formatAndSetSummaryText(tr("Sign RPM package"));
+    if (m_keys.buildEngine) {
+        widget->setSharedHomePath(m_keys.buildEngine->sharedHomePath());
+        widget->setSharedSrcPath(m_keys.buildEngine->sharedSrcPath());
+    }
+    // Switching between default and custom keys clears the paths: it comes first, and the step
+    // listens only after that.
+    widget->setDefault(m_keys.useDefaultValues);
+    widget->setKey(m_keys.key);
+    widget->setCertificate(m_keys.certificate);
+
+    connect(widget, &RpmsignExternalWidget::keyChanged, this, &RpmsignExternalStep::setKey);
+    connect(widget,
+            &RpmsignExternalWidget::certificateChanged,
+            this,
+            &RpmsignExternalStep::setCertificate);
+    connect(widget,
+            &RpmsignExternalWidget::useDefaultValuesChanged,
+            this,
+            &RpmsignExternalStep::setUseDefaultValues);
+    return widget;
+}
+
+void RpmsignExternalStep::toMap(Utils::Store &map) const
+{
+    KilnProcessStep::toMap(map);
+    map.insert(Constants::USE_DEFAULT_VALUES_ID, m_keys.useDefaultValues);
+    if (m_keys.useDefaultValues)
+        return;
+    map.insert(Constants::KEY_ID, m_keys.key);
+    map.insert(Constants::CERT_ID, m_keys.certificate);
+}
+
+void RpmsignExternalStep::fromMap(const Utils::Store &map)
+{
+    KilnProcessStep::fromMap(map);
+    m_keys.useDefaultValues =
+        map.value(Constants::USE_DEFAULT_VALUES_ID, m_keys.useDefaultValues).toBool();
+    if (m_keys.useDefaultValues)
+        return;
+    m_keys.key = map.value(Constants::KEY_ID, m_keys.key).toString();
+    m_keys.certificate = map.value(Constants::CERT_ID, m_keys.certificate).toString();
+}
+
+} // namespace Sealkit::Internal

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "rpmsignexternal.h"
+
+#include <veyraos/kilnprocessstep.h>
+
+#include <QPointer>
+
+namespace Brisk {
+class BuildEngine;
+}
+
+namespace Sealkit::Internal {
+
+/// The key and certificate that a step signs with: its own, or the global ones.
+struct StepKeys
+{
+    QString key;
+    QString certificate;
+    bool useDefaultValues = true;
+    QPointer<Brisk::BuildEngine> buildEngine; ///< whose workspace has the regular keys
+
+    void setKey(const QString &path) { key = path; }
+    void setCertificate(const QString &path) { certificate = path; }
+    /// What is in force.
+    QString getKey() const { return useDefaultValues ? readDefaultKey() : key; }
+    QString getCertificate() const
+    {
+        return useDefaultValues ? readDefaultCertificate() : certificate;
+    }
+
+    /// What the settings name (an empty path, too), else the regular key.
+    QString readDefaultKey() const;
+    QString readDefaultCertificate() const;
+};
+
+/// Signs the packages of the RPM build step before it with rpmsign-external, then tells what their
+/// signatures are worth.
+class RpmsignExternalStep : public Kiln::Internal::KilnProcessStep
+{
+    Q_OBJECT
+
+public:
+    /// \a enabled counts unless the settings say how new steps start.
+    RpmsignExternalStep(ProjectExplorer::BuildStepList *parent, Utils::Id id, bool enabled = true);
+
+    static Utils::Id stepId();
+    static QString displayName();
+
+    bool init() override;
+    void doCancel() override;
+    void fromMap(const Utils::Store &map) override;
+    void toMap(Utils::Store &map) const override;
+
+public slots:
+    void setKey(const QString &path) { m_keys.setKey(path); }
+    void setCertificate(const QString &path) { m_keys.setCertificate(path); }
+    void setUseDefaultValues(bool useDefaultValues) { m_keys.useDefaultValues = useDefaultValues; }
+
+private:
+    Tasking::GroupItem runRecipe() override;
+    QWidget *createConfigWidget() override;
+
+    Tasking::SetupResult doRun();
+    bool runSign(const QStringList &packages, const SignData &data);
+    void dumpSign(const QStringList &packages);
+    void checkSignGroups(const QString &dump, const QString &packageName);
+    bool isLastSigningStep() const;
+    QString buildTargetName() const;
+
+    RpmsignExternal m_tool;
+    StepKeys m_keys;
+};
+
+} // namespace Sealkit::Internal

@@ -1,0 +1,134 @@
+#include "sealkitplugin.h"
+
+#include "constants.h"
+#include "projectlistener.h"
+
+#include <brisk/buildengine.h>
+#include <brisk/sdk.h>
+#include <coreplugin/dialogs/ioptionspage.h>
+#include <coreplugin/icore.h>
+#include <coreplugin/messagemanager.h>
+#include <extensionsystem/pluginmanager.h>
+#include <utils/fileutils.h>
+#include <utils/icon.h>
+#include <utils/qtcsettings.h>
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QLocale>
+#include <QTranslator>
+
+using Core::MessageManager;
+using Utils::FilePath;
+
+namespace Sealkit::Internal {
+
+SealkitPlugin::SealkitPlugin() = default;
+
+SealkitPlugin::~SealkitPlugin() = default;
+
+bool SealkitPlugin::initialize(const QStringList & /*arguments*/, QString * /*errorString*/)
+{
+    registerOptionsCategory();
+    loadTranslations();
+    watchBuildEngines();
+    return true;
+}
+
+void SealkitPlugin::extensionsInitialized()
+{
+    m_projectListener = std::make_unique<ProjectListener>();
+}
+
+ExtensionSystem::IPlugin::ShutdownFlag SealkitPlugin::aboutToShutdown()
+{
+    return SynchronousShutdown;
+}
+
+void SealkitPlugin::registerOptionsCategory()
+{
+    const Utils::Icon icon(
+        {{Kiln::Constants::KILN_OPTIONS_CATEGORY_ICON, Utils::Theme::IconsBaseColor}});
+    Core::IOptionsPage::registerCategory(
+        Constants::KILN_OPTIONS_CATEGORY, Brisk::Sdk::osVariant(), icon.imageFilePath());
+}
+
+void SealkitPlugin::loadTranslations()
+{
+    const QVariant language =
+        ExtensionSystem::PluginManager::settings()->value("General/OverrideLanguage");
+    const QLocale locale = language.metaType().isValid() ? QLocale(language.toString()) : QLocale();
+    auto *translator = new QTranslator(this);
+    if (translator->load(
+            locale,
+            QStringLiteral("Sealkit"),
+            QStringLiteral("_"),
+            Core::ICore::resourcePath(QStringLiteral("translations")).toFSPathString())) {
+        QCoreApplication::installTranslator(translator);
+    }
+}
+
+void SealkitPlugin::watchBuildEngines()
+{
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    for (Brisk::BuildEngine *engine : engines) {
+        connect(engine,
+                &Brisk::BuildEngine::sharedSrcPathChanged,
+                this,
+                [this](const FilePath &path) { onSharedSrcPathChanged(path, true); });
+        onSharedSrcPathChanged(engine->sharedSrcPath(), false);
+    }
+}
+
+void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool printUserLog)
+{
+    const QDir workspace(sharedSrcPath.absoluteFilePath().toFSPathString());
+    qDebug() << "[SealkitPlugin] Copy keys to:" << workspace.path();
+
+    const QString keysFolder = Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE;
+    if (!workspace.exists(keysFolder)) {
+        const bool created = workspace.mkdir(keysFolder);
+        qDebug().nospace().noquote()
+            << "[SealkitPlugin] Dir created: " << (created ? "true" : "false") << ". "
+            << workspace.path();
+    }
+
+    const FilePath keysPath = sharedSrcPath / keysFolder;
+    const auto copyToWorkspace = [&](const char *fileName) {
+        return copyDefault(fileName, keysPath / QLatin1String(fileName));
+    };
+    if (copyToWorkspace(Constants::PREINSTALL_KEY_NAME)
+        && copyToWorkspace(Constants::PREINSTALL_CERT_NAME)) {
+        return;
+    }
+    if (!printUserLog)
+        return;
+    MessageManager::writeDisrupting(
+        tr("[E] Failed to copy regular keys:\t%1").arg(keysPath.toUserOutput()));
+    MessageManager::writeDisrupting(
+        tr("[W] Please make sure that the '%1' is writable and restart the ide")
+            .arg(sharedSrcPath.toUserOutput()));
+    MessageManager::writeDisrupting(tr("[W] OR"));
+    MessageManager::writeDisrupting(
+        tr("[W] Specify the path to the default signature keys in the settings"));
+}
+
+bool SealkitPlugin::copyDefault(const char *fileName, const FilePath &destination)
+{
+    if (destination.exists())
+        return true;
+    const FilePath source = FilePath::fromString(QStringList{
+        Brisk::Sdk::installationPath(), Constants::PREINSTALL_KEY_FOLDER, QLatin1String(fileName)}
+                                                     .join(QLatin1Char('/')));
+
+    Utils::FileUtils::CopyAskingForOverwrite copyHelper(Core::ICore::dialogParent());
+    QString error;
+    const bool copied =
+        Utils::FileUtils::copyRecursively(source, destination, &error, copyHelper());
+    if (!copied)
+        qDebug() << "[SealkitPlugin] Failed to copy" << source << ":" << error;
+    return copied;
+}
+
+} // namespace Sealkit::Internal

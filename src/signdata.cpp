@@ -1,0 +1,122 @@
+#include "signdata.h"
+
+#include "command.h"
+#include "customersealkit.h"
+#include "rpmsignexternal.h"
+#include "utils.h"
+
+#include <brisk/buildengine.h>
+#include <brisk/sdk.h>
+
+#include <QDateTime>
+#include <QFile>
+#include <QObject>
+
+namespace Sealkit::Internal {
+
+static bool anyEmpty(const QStringList &paths)
+{
+    return paths.contains(QString());
+}
+
+static bool allInside(const Utils::FilePath &workspace, const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        if (!isFileChildOf(path, workspace))
+            return false;
+    }
+    return true;
+}
+
+template<>
+bool SignData::isValid<RpmsignExternal>(const Utils::FilePath &workspace, QString *error) const
+{
+    const QStringList needed{key, certificate};
+    if (anyEmpty(needed)) {
+        *error = QObject::tr("Error: key and certificate can't be empty");
+        return false;
+    }
+    if (allInside(workspace, needed))
+        return true;
+    *error = QObject::tr("Error: key and certificate must be inside workspace folder: %1")
+                 .arg(workspace.shortNativePath());
+    return false;
+}
+
+template<>
+bool SignData::isValid<CustomerSealkit>(const Utils::FilePath &workspace, QString *error) const
+{
+    const QStringList needed{binariesKey, key, certificate};
+    if (anyEmpty(needed)) {
+        *error = QObject::tr("Error: keys and certificate can't be empty");
+        return false;
+    }
+    if (allInside(workspace, needed))
+        return true;
+    *error = QObject::tr("Error: keys and certificate must be inside workspace folder: %1")
+                 .arg(workspace.shortNativePath());
+    return false;
+}
+
+static QByteArray csrConfig(const QString &companyName)
+{
+    QByteArray config("[ req ]\n"
+                      " distinguished_name = req_distinguished_name\n"
+                      " prompt = no\n"
+                      " string_mask = utf8only\n"
+                      " x509_extensions = v3_usr\n"
+                      " \n"
+                      "[ req_distinguished_name ]\n"
+                      " CN = %COMPANY_NAME%\n"
+                      " \n"
+                      "[ v3_usr ]\n"
+                      " basicConstraints=critical,CA:FALSE\n"
+                      " keyUsage=digitalSignature\n"
+                      " subjectKeyIdentifier=hash\n"
+                      " authorityKeyIdentifier=keyid\n");
+    return config.replace("%COMPANY_NAME%", companyName.toUtf8());
+}
+
+QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QString *error)
+{
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    if (engines.isEmpty()) {
+        *error = QObject::tr("No Build Engine found");
+        return {};
+    }
+
+    const QString fileName =
+        QStringLiteral("/.csr_%1.conf")
+            .arg(QDateTime::currentDateTime().toString(QStringLiteral("mmssz")));
+    QFile file(engines.first()->sharedSrcPath().toFSPathString() + fileName);
+    const QFileInfo info(file);
+    // Unbuffered, so that a full disk shows at the write and not after it.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        *error = QObject::tr("Could not open %1 for writing: %2.")
+                     .arg(info.absoluteFilePath(), file.errorString());
+        return {};
+    }
+    if (file.write(csrConfig(companyName)) < 1) {
+        *error = QObject::tr("Could not write data to %1: %2.")
+                     .arg(info.absoluteFilePath(), file.errorString());
+        return {};
+    }
+    file.close();
+    return info;
+}
+
+QStringList getKeyGenerationComand(const QString &target, const KeyGenerationData &data)
+{
+    using Openssl = Command::brisk::engine::target::openssl;
+    switch (data.algorithm) {
+    case RSA:
+        return Command::compose<Openssl::generateKeyRSA>(
+            target, data.keyPath.toUserOutput(), data.encrypt);
+    case GOST:
+        return Command::compose<Openssl::generateKeyGost>(
+            target, data.keyPath.toUserOutput(), data.encrypt);
+    }
+    return {};
+}
+
+} // namespace Sealkit::Internal

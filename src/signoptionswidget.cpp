@@ -1,0 +1,206 @@
+#include "signoptionswidget.h"
+
+#include "constants.h"
+#include "ui_signoptionswidget.h"
+#include "utils.h"
+
+#include <brisk/buildengine.h>
+#include <brisk/sdk.h>
+#include <utils/pathchooser.h>
+
+#include <QSettings>
+
+using Utils::FancyLineEdit;
+using Utils::FilePath;
+using Utils::PathChooser;
+
+namespace Sealkit::Internal {
+
+enum FileIndex { RegularFile, CustomFile };
+
+SignOptionsWidget::SignOptionsWidget()
+    : m_ui(std::make_unique<Ui_SignOptionsWidget>())
+{
+    m_ui->setupUi(this);
+    m_key.comboBox = m_ui->keyChooserComboBox;
+    m_key.chooser = m_ui->keyPathChooser;
+    m_certificate.comboBox = m_ui->certificateChooserComboBox;
+    m_certificate.chooser = m_ui->certificatePathChooser;
+
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    if (!engines.isEmpty()) {
+        updateDefaultsKeys(engines.first()->sharedSrcPath());
+        connect(engines.first(),
+                &Brisk::BuildEngine::sharedSrcPathChanged,
+                this,
+                &SignOptionsWidget::onSharedSrcPathChanged);
+    }
+
+    connect(m_ui->enableSignStepCheckBox,
+            &QCheckBox::clicked,
+            this,
+            &SignOptionsWidget::enablePathChoosers);
+
+    initPathChooser(
+        m_key.chooser,
+        tr("The path to the key file that will be used by default to sign rpm packages"),
+        Constants::DEFAULT_SIGNKEY_HISTORY_KEY);
+    initPathChooser(m_certificate.chooser,
+                    tr("The path to the certificate file that will be used by default to sign rpm "
+                       "packages"),
+                    Constants::DEFAULT_SIGNCERT_HISTORY_KEY);
+
+    m_key.comboBox->addItems({tr("Regular key"), tr("Custom key")});
+    m_certificate.comboBox->addItems({tr("Regular certificate"), tr("Custom certificate")});
+    connect(m_key.comboBox,
+            &QComboBox::currentIndexChanged,
+            this,
+            &SignOptionsWidget::keyChooserChanged);
+    connect(m_certificate.comboBox,
+            &QComboBox::currentIndexChanged,
+            this,
+            &SignOptionsWidget::certificateChooserChanged);
+
+    restore();
+    for (FileChoice *choice : {&m_key, &m_certificate}) {
+        choice->lastCustomPath = choice->chooser->filePath();
+        const int index = choice->useDefault ? RegularFile : CustomFile;
+        choice->comboBox->setCurrentIndex(index);
+        showFile(*choice, index); // the combo box announces no index that it has had before
+    }
+    enableComboBoxes(m_ui->enableSignStepCheckBox->isChecked());
+}
+
+SignOptionsWidget::~SignOptionsWidget() = default;
+
+void SignOptionsWidget::initPathChooser(PathChooser *chooser,
+                                        const QString &toolTip,
+                                        const char *historyKey)
+{
+    chooser->setToolTip(toolTip);
+    chooser->setExpectedKind(PathChooser::File);
+    chooser->setPromptDialogFilter(tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER));
+    chooser->setPromptDialogTitle(tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE));
+    chooser->setHistoryCompleter(historyKey);
+    // The chooser's path is what will be stored; the text can have a "~" in it.
+    chooser->setValidationFunction([this, chooser](FancyLineEdit *, QString *error) -> bool {
+        return verifyPath(chooser->filePath().toFSPathString(), error);
+    });
+    chooser->lineEdit()->setPlaceholderText(tr(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT));
+}
+
+void SignOptionsWidget::store() const
+{
+    QSettings settings;
+    settings.setValue(Constants::ENABLE_DEFAULT_SIGN_KEY,
+                      m_ui->enableSignStepCheckBox->isChecked());
+    settings.setValue(Constants::GLOBAL_SIGNKEY_KEY, m_key.chooser->filePath().toFSPathString());
+    settings.setValue(Constants::GLOBAL_SIGNCERT_KEY,
+                      m_certificate.chooser->filePath().toFSPathString());
+    // A default is stored as it was computed, not as the chooser reads it.
+    if (m_key.useDefault)
+        settings.setValue(Constants::GLOBAL_SIGNKEY_KEY, m_key.defaultPath.toFSPathString());
+    if (m_certificate.useDefault)
+        settings.setValue(Constants::GLOBAL_SIGNCERT_KEY,
+                          m_certificate.defaultPath.toFSPathString());
+    settings.setValue(Constants::USE_DEFAULT_SIGNKEY_KEY, m_key.useDefault);
+    settings.setValue(Constants::USE_DEFAULT_SIGNCERT_KEY, m_certificate.useDefault);
+}
+
+void SignOptionsWidget::restore()
+{
+    const QSettings settings;
+    const auto storedPath = [&](const QString &key) {
+        return FilePath::fromString(settings.value(key).toString());
+    };
+    m_ui->enableSignStepCheckBox->setChecked(
+        settings.value(Constants::ENABLE_DEFAULT_SIGN_KEY, true).toBool());
+    m_key.chooser->setFilePath(storedPath(Constants::GLOBAL_SIGNKEY_KEY));
+    m_certificate.chooser->setFilePath(storedPath(Constants::GLOBAL_SIGNCERT_KEY));
+    m_key.useDefault = settings.value(Constants::USE_DEFAULT_SIGNKEY_KEY, true).toBool();
+    m_certificate.useDefault = settings.value(Constants::USE_DEFAULT_SIGNCERT_KEY, true).toBool();
+}
+
+void SignOptionsWidget::showFile(FileChoice &choice, int index)
+{
+    if (index == RegularFile) {
+        choice.lastCustomPath = choice.chooser->filePath();
+        choice.chooser->setFilePath(choice.defaultPath);
+        choice.chooser->setEnabled(false);
+    } else {
+        choice.chooser->setFilePath(choice.lastCustomPath);
+        choice.chooser->setEnabled(m_ui->enableSignStepCheckBox->isChecked());
+    }
+    choice.useDefault = index == RegularFile;
+}
+
+void SignOptionsWidget::keyChooserChanged(int index)
+{
+    showFile(m_key, index);
+}
+
+void SignOptionsWidget::certificateChooserChanged(int index)
+{
+    showFile(m_certificate, index);
+}
+
+void SignOptionsWidget::enableComboBoxes(bool enabled)
+{
+    m_key.comboBox->setEnabled(enabled);
+    m_certificate.comboBox->setEnabled(enabled);
+}
+
+void SignOptionsWidget::enablePathChoosers(bool enabled)
+{
+    enableComboBoxes(enabled);
+    updatePathChoosers();
+}
+
+void SignOptionsWidget::updatePathChoosers()
+{
+    keyChooserChanged(m_key.comboBox->currentIndex());
+    certificateChooserChanged(m_certificate.comboBox->currentIndex());
+}
+
+void SignOptionsWidget::updateDefaultsKeys(const FilePath &sharedSrcPath)
+{
+    m_sharedSrcPath = sharedSrcPath;
+    m_key.defaultPath = getDefaultKey(sharedSrcPath);
+    m_certificate.defaultPath = getDefaultCertificate(sharedSrcPath);
+}
+
+void SignOptionsWidget::onSharedSrcPathChanged(const FilePath &sharedSrcPath)
+{
+    updateDefaultsKeys(sharedSrcPath);
+    updatePathChoosers();
+    // A custom path is still the same text, but no longer in the workspace.
+    m_key.chooser->triggerChanged();
+    m_certificate.chooser->triggerChanged();
+}
+
+bool SignOptionsWidget::verifyPath(const QString &path, QString *error) const
+{
+    if (isFileChildOf(path, m_sharedSrcPath))
+        return true;
+    if (error) {
+        *error =
+            tr("The path must be inside workspace folder:\n%1").arg(m_sharedSrcPath.toUserOutput());
+    }
+    return false;
+}
+
+QString SignOptionsWidget::searchKeywords() const
+{
+    QStringList texts{m_ui->enableSignStepCheckBox->text(),
+                      m_ui->keysGroupBox->title(),
+                      m_ui->keyLabel->text(),
+                      m_ui->certificateLabel->text()};
+    for (const FileChoice &choice : {m_key, m_certificate}) {
+        for (int i = 0; i < choice.comboBox->count(); ++i)
+            texts << choice.comboBox->itemText(i);
+        texts << choice.chooser->promptDialogFilter();
+    }
+    return texts.join(QLatin1Char('\n')).remove(QLatin1Char('&'));
+}
+
+} // namespace Sealkit::Internal

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <solutions/tasking/tasktree.h>
+
+#include <functional>
+
+class QObject;
+
+namespace ProjectExplorer {
+class BuildStep;
+class Kit;
+} // namespace ProjectExplorer
+
+namespace Sealkit::Internal {
+
+class SignTool;
+
+/// The recipe of a sign step: \a run does all the work when the group is set up, \a cancel is
+/// called after a cancelled run. Nothing is called once \a step is gone. Only a cancelled run ends
+/// as failed: any other failure has been told in the step's output.
+Tasking::Group signRecipe(QObject *step,
+                          const std::function<Tasking::SetupResult()> &run,
+                          const std::function<void()> &cancel);
+
+/// Shows what \a tool prints in the output of \a step, line by line.
+void forwardOutput(const SignTool *tool, ProjectExplorer::BuildStep *step);
+
+/// Whether the kit names an engine and a target that are there; otherwise \a error is a text for
+/// the user.
+bool hasBuildTarget(const ProjectExplorer::Kit *kit, QString *error);
+
+} // namespace Sealkit::Internal

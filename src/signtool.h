@@ -1,0 +1,50 @@
+#pragma once
+
+#include "command.h"
+
+#include <QObject>
+
+namespace Sealkit::Internal {
+
+struct KeyGenerationData;
+struct SignData;
+
+/// Base of the back ends: what can be done to packages in a build target. Each operation runs its
+/// tool to the end (see Command::exec) and returns the outcome of the last run; what the tool
+/// prints goes to the General Messages, and its pass-phrase prompts to the user.
+class SignTool : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit SignTool(QObject *parent);
+
+    virtual Command::Result
+    addSignature(const QString &target, const QStringList &packages, const SignData &data) = 0;
+    virtual Command::Result removeSignature(const QString &target, const QStringList &packages) = 0;
+    virtual Command::Result
+    verifySignature(const QString &target, const QStringList &packages, const SignData &data) = 0;
+    virtual Command::Result dumpSignature(const QString &target, const QStringList &packages) = 0;
+    virtual Command::Result generateRequest(const QString &target,
+                                            const KeyGenerationData &data) = 0;
+
+    /// The handler of every run: emits lines, answers prompts. False when the user declined one,
+    /// and when this object went while the user was asked.
+    bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
+
+signals:
+    void addOutput(const QString &output);
+    void addError(const QString &error);
+
+protected:
+    /// Outlives this object safely; back ends hand out copies.
+    Command::Handler m_handler;
+
+private:
+    bool handleIOInternal(const QByteArray &chunk, bool isError, QByteArray &input);
+};
+
+/// Whether a tool asks for a pass phrase with this line.
+bool isPasswordReq(const QString &line);
+
+} // namespace Sealkit::Internal

@@ -1,0 +1,22 @@
+#include "stepfactory.h"
+
+#include "customersignstep.h"
+#include "rpmsignexternalstep.h"
+
+#include <veyraos/kilnsdkkitaspect.h>
+
+namespace Sealkit::Internal {
+
+ProjectExplorer::BuildStep *StepFactory::createStep(ProjectExplorer::Kit *kit,
+                                                    ProjectExplorer::BuildStepList *stepList)
+{
+    const QStringList tools = Kiln::Internal::KilnSdkKitAspectFactory::buildTarget(kit).tools;
+    if (tools.contains(Constants::RPMSIGN_EXTERNAL_TOOL))
+        return new RpmsignExternalStep(stepList, RpmsignExternalStep::stepId(), true);
+    // Stays switched off until the user has chosen the customer's keys.
+    if (tools.contains(Constants::CUSTOMER_SIGN_TOOL))
+        return new CustomerSignStep(stepList, CustomerSignStep::stepId(), false);
+    return nullptr;
+}
+
+} // namespace Sealkit::Internal

@@ -1,0 +1,110 @@
+#include "utils.h"
+
+#include "constants.h"
+
+#include <brisk/sdk.h>
+#include <QDir>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace Sealkit::Internal {
+
+QString getDefaultKeysDir(const Utils::FilePath &workspace)
+{
+    const Utils::FilePath workspaceKeys =
+        workspace / (QLatin1Char('/') + Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE);
+    if (workspaceKeys.exists())
+        return workspaceKeys.toFSPathString();
+    return Brisk::Sdk::installationPath() + QLatin1Char('/') + Constants::PREINSTALL_KEY_FOLDER;
+}
+
+static Utils::FilePath defaultKeysFile(const Utils::FilePath &workspace, const char *fileName)
+{
+    return Utils::FilePath::fromString(getDefaultKeysDir(workspace) + QLatin1Char('/')
+                                       + QLatin1String(fileName));
+}
+
+Utils::FilePath getDefaultKey(const Utils::FilePath &workspace)
+{
+    return defaultKeysFile(workspace, Constants::PREINSTALL_KEY_NAME);
+}
+
+Utils::FilePath getDefaultCertificate(const Utils::FilePath &workspace)
+{
+    return defaultKeysFile(workspace, Constants::PREINSTALL_CERT_NAME);
+}
+
+static Qt::CaseSensitivity hostFileNameCase()
+{
+#if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
+    return Qt::CaseInsensitive;
+#else
+    return Qt::CaseSensitive;
+#endif
+}
+
+bool isFileChildOf(const QString &file, const Utils::FilePath &directory)
+{
+    if (directory.isEmpty())
+        return false;
+    return QDir::toNativeSeparators(file).startsWith(
+        QDir::toNativeSeparators(directory.toFSPathString()), hostFileNameCase());
+}
+
+QStringList midDumpOutput(const QString &text)
+{
+    static const QRegularExpression subject(QStringLiteral("(Subject.*)"));
+    QList<qsizetype> starts;
+    for (auto matches = subject.globalMatch(text); matches.hasNext();)
+        starts << matches.next().capturedStart();
+
+    QStringList blocks;
+    for (qsizetype i = 0; i < starts.size(); ++i)
+        blocks << text.mid(starts.at(i), starts.value(i + 1, text.size()));
+    return blocks;
+}
+
+QStringList getRpmListFrom(const QString &path)
+{
+    const QFileInfoList packages = QFileInfo(path).absoluteDir().entryInfoList(
+        {QStringLiteral("*.rpm")}, QDir::Files, QDir::NoSort);
+    QStringList paths;
+    for (const QFileInfo &package : packages)
+        paths << package.absoluteFilePath();
+    return paths;
+}
+
+QList<PackageDump> splitDumpByPackage(const QString &text)
+{
+    static const QRegularExpression packagePath(QStringLiteral("(\\/.*.rpm)"),
+                                                QRegularExpression::InvertedGreedinessOption);
+    QList<PackageDump> dumps;
+    qsizetype start = 0;
+    const auto endLastAt = [&](qsizetype end) {
+        if (!dumps.isEmpty())
+            dumps.last().dump = text.mid(start, end - start);
+    };
+    for (auto matches = packagePath.globalMatch(text); matches.hasNext();) {
+        const QRegularExpressionMatch match = matches.next();
+        endLastAt(match.capturedStart());
+        start = match.capturedStart();
+        dumps << PackageDump{match.captured(1), {}};
+    }
+    endLastAt(text.size());
+    return dumps;
+}
+
+// "Group: developer\r\nSubgroup: regular\r\n" is signed by a developer.
+SignGroups signGroups(const QString &dump)
+{
+    static const QRegularExpression group(QStringLiteral("(?:Group: )(.*?)[\r\n]+"));
+    SignGroups groups;
+    for (auto matches = group.globalMatch(dump); matches.hasNext();) {
+        const QString name = matches.next().captured(1);
+        groups.developer |= name == QLatin1String("developer");
+        groups.client |= name == QLatin1String("client");
+    }
+    return groups;
+}
+
+} // namespace Sealkit::Internal

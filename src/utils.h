@@ -1,0 +1,52 @@
+#pragma once
+
+#include <utils/filepath.h>
+
+#include <QStringList>
+
+namespace Sealkit::Internal {
+
+/// The folder of the regular keys: the one in the workspace if it is there, else the SDK
+/// installation's.
+QString getDefaultKeysDir(const Utils::FilePath &workspace);
+/// The regular key and its certificate; the files need not be there.
+Utils::FilePath getDefaultKey(const Utils::FilePath &workspace);
+Utils::FilePath getDefaultCertificate(const Utils::FilePath &workspace);
+
+/// Whether the text of \a file begins with that of \a directory; so a sibling whose name begins
+/// with the directory's name counts, too. Nothing lies in an empty directory.
+bool isFileChildOf(const QString &file, const Utils::FilePath &directory);
+
+/// One text per signature in a dump, each beginning at its "Subject". A text ends as many
+/// characters after its begin as the next signature lies from the dump's begin, so that all but the
+/// first run on into what follows.
+QStringList midDumpOutput(const QString &text);
+
+/// The packages in the folder of \a path, which itself need not exist; absolute, in the file
+/// system's order.
+QStringList getRpmListFrom(const QString &path);
+
+/// What a dump says of one of the packages it was asked about.
+struct PackageDump
+{
+    QString packagePath;
+    QString dump;
+
+    friend bool operator==(const PackageDump &, const PackageDump &) = default;
+};
+
+/// Cuts a dump of several packages where a line names the next one.
+QList<PackageDump> splitDumpByPackage(const QString &text);
+
+/// Whose signatures a dump shows.
+struct SignGroups
+{
+    bool developer = false;
+    bool client = false;
+
+    friend bool operator==(const SignGroups &, const SignGroups &) = default;
+};
+
+SignGroups signGroups(const QString &dump);
+
+} // namespace Sealkit::Internal
