@@ -111,9 +111,12 @@ bool PluginSpec::load()
     if (!instance)
         return fail(tr("It cannot be loaded: %1").arg(m_loader.errorString()));
     m_plugin = qobject_cast<IPlugin *>(instance);
-    if (!m_plugin)
-        return fail(tr("Its class \"%1\" is not derived from the class of all plugins, IPlugin.")
-                        .arg(QString::fromUtf8(instance->metaObject()->className())));
+    if (!m_plugin) {
+        fail(tr("Its class \"%1\" is not derived from the class of all plugins, IPlugin.")
+                 .arg(QString::fromUtf8(instance->metaObject()->className())));
+        delete instance;
+        return false;
+    }
     m_state = Loaded;
     return true;
 }
