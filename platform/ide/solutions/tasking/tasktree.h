@@ -18,7 +18,8 @@ inline DoneResult toDoneResult(bool success)
     return success ? DoneResult::Success : DoneResult::Error;
 }
 
-/// An asynchronous piece of work. The tree calls start() once and then waits for done().
+/// An asynchronous piece of work. The tree calls start() once and then waits for done(). A tree
+/// that goes away deletes its task, also while a function or a signal of the task is on the stack.
 class TaskInterface : public QObject
 {
     Q_OBJECT
@@ -51,21 +52,25 @@ public:
     explicit GroupItem(const SetupHandler &handler)
         : m_type(Type::SetupHandler)
         , m_setupHandler(handler)
-    {}
+    {
+    }
     explicit GroupItem(const DoneHandler &handler)
         : m_type(Type::DoneHandler)
         , m_doneHandler(handler)
-    {}
+    {
+    }
 
 protected:
     explicit GroupItem(const QList<GroupItem> &children)
         : m_type(Type::Group)
         , m_children(children)
-    {}
+    {
+    }
     explicit GroupItem(const TaskCreator &creator)
         : m_type(Type::Task)
         , m_taskCreator(creator)
-    {}
+    {
+    }
 
 private:
     Type m_type;
@@ -89,10 +94,12 @@ class Group : public ExecutableItem
 public:
     Group(const GroupItems &children)
         : ExecutableItem(children)
-    {}
+    {
+    }
     Group(std::initializer_list<GroupItem> children)
         : ExecutableItem(GroupItems(children))
-    {}
+    {
+    }
 };
 
 /// A task made by \a creator when its turn comes.
@@ -101,7 +108,8 @@ class Task : public ExecutableItem
 public:
     explicit Task(const TaskCreator &creator)
         : ExecutableItem(creator)
-    {}
+    {
+    }
 };
 
 /// \a handler takes nothing and returns SetupResult, or nothing at all (which means Continue).
@@ -164,6 +172,8 @@ public:
     /// While a handler runs, the tree stops as soon as that handler has returned.
     void cancel();
     bool isRunning() const;
+    /// Stand-in's own: whether a handler is on the stack, which cancel() has to wait for.
+    bool isInHandler() const;
 
 signals:
     void started();

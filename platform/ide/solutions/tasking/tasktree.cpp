@@ -1,0 +1,224 @@
+#include "tasktree.h"
+
+#include <QDebug>
+#include <QScopedValueRollback>
+
+#include <vector>
+
+namespace Tasking {
+
+namespace {
+
+/// A group that has been entered and not left yet.
+struct Frame
+{
+    explicit Frame(const GroupItem &group);
+
+    GroupItem::SetupHandler setupHandler;
+    GroupItem::DoneHandler doneHandler;
+    QList<GroupItem> pending;
+    DoneResult result = DoneResult::Success;
+};
+
+} // namespace
+
+template<typename Handler>
+static void setHandler(Handler &target, const Handler &handler, const char *kind)
+{
+    if (target)
+        qDebug("SOFT ASSERT: a group has more than one %s handler", kind);
+    target = handler;
+}
+
+Frame::Frame(const GroupItem &group)
+{
+    for (const GroupItem &child : group.children()) {
+        switch (child.type()) {
+        case GroupItem::Type::SetupHandler:
+            setHandler(setupHandler, child.setupHandler(), "setup");
+            break;
+        case GroupItem::Type::DoneHandler:
+            setHandler(doneHandler, child.doneHandler(), "done");
+            break;
+        case GroupItem::Type::Group:
+        case GroupItem::Type::Task:
+            pending.append(child);
+            break;
+        }
+    }
+}
+
+// A handler may destroy the tree that calls it. What is left on the stack then is this object,
+// which lives until it has returned, and which touches nothing after it found its tree gone.
+class TaskTree::Private : public std::enable_shared_from_this<Private>
+{
+public:
+    Private(TaskTree *owner, const Group &theRecipe)
+        : tree(owner)
+        , recipe(GroupItems{theRecipe})
+    {
+    }
+
+    void start();
+    void advance();
+    void step();
+    void enterGroup(const GroupItem &group);
+    void leaveGroup();
+    void startTask(const GroupItem &item);
+    void endTask(DoneResult result);
+    void endItem(DoneResult result);
+
+    TaskTree *tree;
+    const Group recipe;
+    std::vector<Frame> frames;
+    TaskInterface *task = nullptr;
+    DoneResult result = DoneResult::Success;
+    bool running = false;
+    bool advancing = false;
+    bool inHandler = false;
+    bool canceled = false;
+};
+
+void TaskTree::Private::start()
+{
+    const auto keepAlive = shared_from_this();
+    running = true;
+    canceled = false;
+    emit tree->started();
+    if (!tree)
+        return;
+    frames.emplace_back(recipe);
+    advance();
+}
+
+/// Goes on until the end, or until there is a task to wait for.
+void TaskTree::Private::advance()
+{
+    const auto keepAlive = shared_from_this();
+    {
+        const QScopedValueRollback guard(advancing, true);
+        while (tree && !task && !frames.empty())
+            step();
+    }
+    if (!tree || task)
+        return;
+    running = false;
+    const DoneWith with = result == DoneResult::Success ? DoneWith::Success : DoneWith::Error;
+    emit tree->done(canceled ? DoneWith::Cancel : with);
+}
+
+void TaskTree::Private::step()
+{
+    Frame &frame = frames.back();
+    if (canceled || frame.pending.isEmpty()) {
+        leaveGroup();
+        return;
+    }
+    const GroupItem child = frame.pending.takeFirst();
+    if (child.type() == GroupItem::Type::Group)
+        enterGroup(child);
+    else
+        startTask(child);
+}
+
+void TaskTree::Private::enterGroup(const GroupItem &group)
+{
+    Frame &frame = frames.emplace_back(group);
+    if (!frame.setupHandler)
+        return;
+    const SetupResult setupResult = [this, &frame] {
+        const QScopedValueRollback guard(inHandler, true);
+        return frame.setupHandler();
+    }();
+    if (!tree || setupResult == SetupResult::Continue)
+        return;
+    frame.pending.clear();
+    frame.result = toDoneResult(setupResult == SetupResult::StopWithSuccess);
+    if (setupResult == SetupResult::StopWithError)
+        emit tree->setupFailed();
+}
+
+void TaskTree::Private::leaveGroup()
+{
+    Frame &frame = frames.back();
+    DoneResult groupResult = frame.result;
+    if (frame.doneHandler) {
+        const DoneWith with =
+            groupResult == DoneResult::Success ? DoneWith::Success : DoneWith::Error;
+        const QScopedValueRollback guard(inHandler, true);
+        groupResult = frame.doneHandler(canceled ? DoneWith::Cancel : with);
+    }
+    if (!tree)
+        return;
+    frames.pop_back();
+    endItem(groupResult);
+}
+
+void TaskTree::Private::startTask(const GroupItem &item)
+{
+    task = item.taskCreator()().release();
+    task->setParent(tree);
+    QObject::connect(
+        task, &TaskInterface::done, tree, [this](DoneResult taskResult) { endTask(taskResult); });
+    task->start();
+}
+
+void TaskTree::Private::endTask(DoneResult taskResult)
+{
+    task->disconnect(tree);
+    task->deleteLater(); // this comes from one of its signals
+    task = nullptr;
+    endItem(taskResult);
+    if (!advancing)
+        advance();
+}
+
+void TaskTree::Private::endItem(DoneResult itemResult)
+{
+    if (frames.empty()) {
+        result = itemResult;
+    } else if (itemResult == DoneResult::Error) {
+        frames.back().result = DoneResult::Error;
+        frames.back().pending.clear();
+    }
+}
+
+TaskTree::TaskTree(const Group &recipe)
+    : d(std::make_shared<Private>(this, recipe))
+{
+}
+
+TaskTree::~TaskTree()
+{
+    d->tree = nullptr;
+}
+
+void TaskTree::start()
+{
+    if (d->running) {
+        qDebug("SOFT ASSERT: a task tree is started while it runs");
+        return;
+    }
+    d->start();
+}
+
+void TaskTree::cancel()
+{
+    if (!d->running || d->canceled)
+        return;
+    d->canceled = true;
+    if (d->task)
+        d->task->cancel();
+}
+
+bool TaskTree::isRunning() const
+{
+    return d->running;
+}
+
+bool TaskTree::isInHandler() const
+{
+    return d->inHandler;
+}
+
+} // namespace Tasking
