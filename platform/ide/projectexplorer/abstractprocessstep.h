@@ -25,7 +25,7 @@ class AbstractProcessStep : public BuildStep
 protected:
     AbstractProcessStep(BuildStepList *stepList, Utils::Id id);
 
-    /// Fails when there is a command line provider that yields no program.
+    /// Fails when no provider yields a program.
     bool init() override;
 
     void setCommandLineProvider(const std::function<CommandLine()> &provider);

@@ -40,10 +40,10 @@ public:
 
 signals:
     void updateSummary();
-    void addOutput(const QString &output,
-                   ProjectExplorer::BuildStep::OutputFormat format,
-                   ProjectExplorer::BuildStep::OutputNewlineSetting newlineSetting
-                   = DoAppendNewline);
+    void
+    addOutput(const QString &output,
+              ProjectExplorer::BuildStep::OutputFormat format,
+              ProjectExplorer::BuildStep::OutputNewlineSetting newlineSetting = DoAppendNewline);
 
 protected:
     explicit BuildStep(BuildStepList *stepList, Utils::Id id);

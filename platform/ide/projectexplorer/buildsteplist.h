@@ -36,14 +36,16 @@ public:
     void insertStep(int position, Utils::Id id);
     void appendStep(BuildStep *step) { insertStep(count(), step); }
     void appendStep(Utils::Id id) { insertStep(count(), id); }
-    /// Deletes the step; false, and nothing done, while it runs.
+    /// Deletes the step; false, and nothing done, while the list runs.
     bool removeStep(int position);
     /// Swaps the step with the one above it.
     void moveStepUp(int position);
+    /// Removes all steps, or none while one of them runs.
     void clear();
 
     Utils::Store toMap() const;
-    /// Replaces the steps by those in \a map; steps that no factory knows are left out.
+    /// Replaces the steps by those in \a map. Steps that no factory knows are left out, and are
+    /// missing from the next toMap(); false then, and false with nothing done while a step runs.
     bool fromMap(const Utils::Store &map);
 
 signals:

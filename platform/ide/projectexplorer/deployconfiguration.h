@@ -40,6 +40,7 @@ public:
     /// The configuration that \a map describes; null when no factory knows it.
     static DeployConfiguration *restore(Target *target, const Utils::Store &map);
 
+    Utils::Id configBaseId() const { return m_configBaseId; }
     QString defaultDisplayName() const { return m_defaultDisplayName; }
     /// A new configuration with its initial steps, which does not join the target yet.
     DeployConfiguration *create(Target *target) const;
@@ -51,6 +52,8 @@ protected:
     void addInitialStep(Utils::Id stepId) { m_initialSteps.append(stepId); }
 
 private:
+    DeployConfiguration *createEmpty(Target *target) const;
+
     Utils::Id m_configBaseId;
     QString m_defaultDisplayName;
     QList<Utils::Id> m_supportedDeviceTypes;

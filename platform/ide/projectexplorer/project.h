@@ -36,11 +36,13 @@ public:
 
     /// A target with its default deploy configurations, announced when it is complete.
     Target *addTargetForKit(Kit *kit);
+    /// Deletes it; false, and nothing done, while one of its steps runs.
     bool removeTarget(Target *target);
     void setActiveTarget(Target *target);
 
     /// Reads the user's settings; without a file there are simply none. False, with the reason,
     /// when there is one that cannot be understood; it is then kept aside and not overwritten.
+    /// What is there for kits that are unknown now is kept for the next saving.
     bool restoreSettings(QString *errorMessage);
     /// False, with the reason, when the file cannot be written.
     bool saveSettings(QString *errorMessage);
@@ -54,10 +56,13 @@ signals:
 
 private:
     void addTarget(std::unique_ptr<Target> target);
+    void restoreTargets(const QVariantMap &settings);
 
     Utils::FilePath m_projectFilePath;
     QList<Target *> m_targets;
     Target *m_activeTarget = nullptr;
+    QVariantMap m_unusedTargetMaps; // by the id of a kit that has no target
+    QString m_savingForbiddenReason;
 };
 
 } // namespace ProjectExplorer

@@ -30,15 +30,18 @@ public:
         return m_deployConfigurations;
     }
     DeployConfiguration *activeDeployConfiguration() const { return m_activeDeployConfiguration; }
-    /// Takes ownership; the first one becomes the active one.
+    /// Takes ownership; the first one becomes the active one. Its name gets a number when another
+    /// one has it already.
     void addDeployConfiguration(DeployConfiguration *configuration);
     /// Deletes it; false, and nothing done, while one of its steps runs.
     bool removeDeployConfiguration(DeployConfiguration *configuration);
     void setActiveDeployConfiguration(DeployConfiguration *configuration);
-    /// Adds a configuration of each kind that fits, if there is none yet.
+    /// Adds a configuration of each kind that fits and that there is none of yet.
     void updateDefaultDeployConfigurations();
 
     Utils::Store toMap() const;
+    /// Adds the configurations in \a map; those that no factory knows are left out, and are
+    /// missing from the next toMap().
     void fromMap(const Utils::Store &map);
 
 signals:

@@ -1,0 +1,87 @@
+#include "buildmanager.h"
+
+#include "buildrun.h"
+#include "buildsteplist.h"
+
+#include <utils/qtcassert.h>
+
+namespace ProjectExplorer {
+
+class BuildManager::Private
+{
+public:
+    void finish(bool success);
+
+    std::unique_ptr<BuildRun> run;
+};
+
+void BuildManager::Private::finish(bool success)
+{
+    run.release()->deleteLater(); // this comes from one of its signals
+    emit instance()->buildQueueFinished(success);
+}
+
+BuildManager::BuildManager()
+    : d(std::make_unique<Private>())
+{
+}
+
+BuildManager::~BuildManager() = default;
+
+BuildManager *BuildManager::instance()
+{
+    static BuildManager manager;
+    return &manager;
+}
+
+bool BuildManager::buildList(BuildStepList *stepList)
+{
+    QTC_ASSERT(stepList, return false);
+    if (isBuilding())
+        return false;
+    Private *d = instance()->d.get();
+    d->run = std::make_unique<BuildRun>(stepList);
+    BuildRun *run = d->run.get();
+    connect(run, &BuildRun::outputAdded, instance(), &BuildManager::outputAdded);
+    connect(run, &BuildRun::finished, instance(), [d](bool success) { d->finish(success); });
+    emit instance()->buildQueueStarted();
+    if (d->run.get() == run)
+        run->start();
+    return true;
+}
+
+bool BuildManager::isBuilding()
+{
+    return instance()->d->run != nullptr;
+}
+
+static const BuildStepList *runningList(const BuildRun *run)
+{
+    return run ? run->stepList() : nullptr;
+}
+
+bool BuildManager::isBuilding(const BuildStep *step)
+{
+    const BuildStepList *list = runningList(instance()->d->run.get());
+    return list && list == step->stepList();
+}
+
+bool BuildManager::isBuilding(const ProjectConfiguration *configuration)
+{
+    const BuildStepList *list = runningList(instance()->d->run.get());
+    return list && list->projectConfiguration() == configuration;
+}
+
+bool BuildManager::isBuilding(const Target *target)
+{
+    const BuildStepList *list = runningList(instance()->d->run.get());
+    return list && list->target() == target;
+}
+
+void BuildManager::cancel()
+{
+    if (isBuilding())
+        instance()->d->run->cancel();
+}
+
+} // namespace ProjectExplorer

@@ -1,0 +1,160 @@
+#include "buildrun.h"
+
+#include "buildsteplist.h"
+#include "project.h"
+#include "projectexplorertr.h"
+#include "target.h"
+
+namespace ProjectExplorer {
+
+using OutputFormat = BuildStep::OutputFormat;
+
+BuildRun::BuildRun(BuildStepList *stepList)
+    : m_stepList(stepList)
+    , m_projectName(stepList->target()->project()->displayName())
+    , m_steps(stepList->steps())
+{
+    connect(stepList, &QObject::destroyed, this, &BuildRun::abandon);
+    erase_if(m_steps, [](const BuildStep *step) { return !step->isEnabled(); });
+    for (const BuildStep *step : std::as_const(m_steps)) {
+        connect(step, &BuildStep::addOutput, this, &BuildRun::addStepOutput);
+        connect(step, &QObject::destroyed, this, &BuildRun::abandon);
+    }
+}
+
+BuildRun::~BuildRun() = default;
+
+void BuildRun::start()
+{
+    addLine(Tr::tr("Running steps for project %1...").arg(m_projectName),
+            OutputFormat::NormalMessage);
+    if (!initSteps())
+        return;
+
+    Tasking::GroupItems recipes;
+    for (BuildStep *step : std::as_const(m_steps))
+        recipes.append(recipeOf(step));
+    m_tree = std::make_unique<Tasking::TaskTree>(Tasking::Group(recipes));
+    connect(m_tree.get(), &Tasking::TaskTree::setupFailed, this, [this] { m_stepStopped = true; });
+    connect(m_tree.get(), &Tasking::TaskTree::done, this, &BuildRun::treeDone);
+    m_tree->start();
+}
+
+/// False when the run is over: a step refused, or it was ended meanwhile.
+bool BuildRun::initSteps()
+{
+    for (BuildStep *step : std::as_const(m_steps)) {
+        const bool ready = m_isCanceled || step->init();
+        if (m_isOver)
+            return false; // nothing is left to go on with
+        if (m_isCanceled)
+            break;
+        if (!ready) {
+            reportFailureOf(step);
+            treeDone(Tasking::DoneWith::Error);
+            return false;
+        }
+    }
+    if (m_isCanceled)
+        treeDone(Tasking::DoneWith::Cancel);
+    return !m_isOver;
+}
+
+Tasking::GroupItem BuildRun::recipeOf(BuildStep *step)
+{
+    const auto onSetup = [this, step] {
+        m_stepStopped = false;
+        addLine(Tr::tr("Running step \"%1\"...").arg(step->displayName()),
+                OutputFormat::NormalMessage);
+    };
+    const auto onDone = [this, step](Tasking::DoneWith with) { stepDone(step, with); };
+    return Tasking::Group{
+        Tasking::onGroupSetup(onSetup),
+        step->recipe(),
+        Tasking::onGroupDone(onDone),
+    };
+}
+
+void BuildRun::stepDone(const BuildStep *step, Tasking::DoneWith with)
+{
+    if (with == Tasking::DoneWith::Error)
+        reportFailureOf(step);
+    else if (with == Tasking::DoneWith::Success && m_stepStopped)
+        addLine(Tr::tr("Error: step \"%1\" stopped with an error.").arg(step->displayName()),
+                OutputFormat::ErrorMessage);
+}
+
+void BuildRun::treeDone(Tasking::DoneWith with)
+{
+    if (with == Tasking::DoneWith::Cancel)
+        finish(false, Tr::tr("Canceled build/deployment."));
+    else if (with == Tasking::DoneWith::Error || m_hasErrors)
+        finish(false, Tr::tr("The steps for project %1 failed.").arg(m_projectName));
+    else
+        finish(true, Tr::tr("The steps for project %1 finished successfully.").arg(m_projectName));
+}
+
+void BuildRun::reportFailureOf(const BuildStep *step)
+{
+    const QString stepName = step->displayName();
+    addLine(Tr::tr("Error while building/deploying project %1 (kit: %2)")
+                .arg(m_projectName, step->target()->displayName()),
+            OutputFormat::ErrorMessage);
+    addLine(Tr::tr("When executing step \"%1\"").arg(stepName), OutputFormat::ErrorMessage);
+}
+
+void BuildRun::cancel()
+{
+    if (m_isOver || m_isCanceled)
+        return;
+    m_isCanceled = true;
+    if (!m_tree || m_tree->isInHandler()) {
+        addLine(Tr::tr("Canceling: the running step cannot be interrupted, waiting for it to "
+                       "end..."),
+                OutputFormat::NormalMessage);
+    }
+    if (m_tree)
+        m_tree->cancel();
+}
+
+/// Ends the run without a look at what is left of its steps.
+void BuildRun::abandon()
+{
+    m_stepList = nullptr;
+    m_steps.clear();
+    m_tree.reset();
+    finish(false, Tr::tr("The steps were removed while they ran, the run is abandoned."));
+}
+
+void BuildRun::finish(bool success, const QString &lastLine)
+{
+    if (m_isOver)
+        return;
+    m_isOver = true;
+    addLine(lastLine, success ? OutputFormat::NormalMessage : OutputFormat::ErrorMessage);
+    emit finished(success);
+}
+
+void BuildRun::addStepOutput(const QString &text,
+                             OutputFormat format,
+                             BuildStep::OutputNewlineSetting newlineSetting)
+{
+    if (m_isOver)
+        return;
+    const bool appendNewline = newlineSetting == BuildStep::DoAppendNewline;
+    addOutput(appendNewline ? text + QLatin1Char('\n') : text, format);
+}
+
+void BuildRun::addLine(const QString &line, OutputFormat format)
+{
+    addOutput(line + QLatin1Char('\n'), format);
+}
+
+void BuildRun::addOutput(const QString &text, OutputFormat format)
+{
+    if (format == OutputFormat::ErrorMessage)
+        m_hasErrors = true;
+    emit outputAdded(text, format);
+}
+
+} // namespace ProjectExplorer

@@ -1,0 +1,46 @@
+#include "kitmanager.h"
+
+#include "kit.h"
+
+#include <utils/qtcassert.h>
+
+namespace ProjectExplorer {
+
+KitManager::KitManager() = default;
+KitManager::~KitManager() = default;
+
+KitManager *KitManager::instance()
+{
+    static KitManager manager;
+    return &manager;
+}
+
+Kit *KitManager::registerKit(std::unique_ptr<Kit> kit)
+{
+    QTC_ASSERT(!KitManager::kit(kit->id()), return nullptr);
+    return instance()->m_kits.emplace_back(std::move(kit)).get();
+}
+
+QList<Kit *> KitManager::kits()
+{
+    QList<Kit *> kits;
+    for (const std::unique_ptr<Kit> &kit : instance()->m_kits)
+        kits.append(kit.get());
+    return kits;
+}
+
+Kit *KitManager::kit(Utils::Id id)
+{
+    for (const std::unique_ptr<Kit> &kit : instance()->m_kits) {
+        if (kit->id() == id)
+            return kit.get();
+    }
+    return nullptr;
+}
+
+void KitManager::deregisterAllKits()
+{
+    instance()->m_kits.clear();
+}
+
+} // namespace ProjectExplorer

@@ -1,0 +1,139 @@
+#include "project.h"
+
+#include "buildmanager.h"
+#include "kit.h"
+#include "kitmanager.h"
+#include "projectexplorertr.h"
+#include "target.h"
+#include "usersettings.h"
+
+#include <utils/qtcassert.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace ProjectExplorer {
+
+constexpr char TARGETS_KEY[] = "ProjectExplorer.Project.Targets";
+constexpr char ACTIVE_TARGET_KEY[] = "ProjectExplorer.Project.ActiveTarget";
+
+Project::Project(const Utils::FilePath &projectFilePath)
+    : m_projectFilePath(projectFilePath.absoluteFilePath())
+{
+}
+
+Project::~Project()
+{
+    m_activeTarget = nullptr;
+    qDeleteAll(std::exchange(m_targets, {}));
+}
+
+QString Project::displayName() const
+{
+    return m_projectFilePath.toFileInfo().completeBaseName();
+}
+
+Utils::FilePath Project::projectDirectory() const
+{
+    const Utils::FilePath folder = m_projectFilePath.parentDir();
+    return folder.fileName() == QLatin1String("rpm") ? folder.parentDir() : folder;
+}
+
+Target *Project::target(Kit *kit) const
+{
+    const auto target = std::ranges::find(m_targets, kit, &Target::kit);
+    return target == m_targets.end() ? nullptr : *target;
+}
+
+Target *Project::addTargetForKit(Kit *kit)
+{
+    if (Target *existing = target(kit))
+        return existing;
+    std::unique_ptr<Target> added(new Target(this, kit));
+    Target *result = added.get();
+    const QVariantMap savedMap = m_unusedTargetMaps.take(kit->id().toString()).toMap();
+    result->fromMap(Utils::storeFromMap(savedMap));
+    result->updateDefaultDeployConfigurations();
+    addTarget(std::move(added));
+    return result;
+}
+
+void Project::addTarget(std::unique_ptr<Target> target)
+{
+    Target *added = target.release();
+    m_targets.append(added);
+    emit addedTarget(added);
+    if (!m_activeTarget)
+        setActiveTarget(added);
+}
+
+bool Project::removeTarget(Target *target)
+{
+    QTC_ASSERT(m_targets.contains(target), return false);
+    if (BuildManager::isBuilding(target))
+        return false;
+    emit aboutToRemoveTarget(target);
+    const std::unique_ptr<Target> removed(target);
+    m_targets.removeOne(target);
+    if (m_activeTarget == target)
+        setActiveTarget(m_targets.value(0));
+    emit removedTarget(target);
+    return true;
+}
+
+void Project::setActiveTarget(Target *target)
+{
+    QTC_ASSERT(!target || m_targets.contains(target), return );
+    if (m_activeTarget == target)
+        return;
+    m_activeTarget = target;
+    emit activeTargetChanged(target);
+}
+
+bool Project::restoreSettings(QString *errorMessage)
+{
+    QTC_ASSERT(m_targets.isEmpty(), return false);
+    const auto settings = UserSettings::read(settingsFilePath(), errorMessage);
+    if (!settings) {
+        if (settingsFilePath().exists())
+            m_savingForbiddenReason = *errorMessage;
+        return false;
+    }
+    restoreTargets(*settings);
+    return true;
+}
+
+void Project::restoreTargets(const QVariantMap &settings)
+{
+    m_unusedTargetMaps = settings.value(QLatin1String(TARGETS_KEY)).toMap();
+    const QString activeId = settings.value(QLatin1String(ACTIVE_TARGET_KEY)).toString();
+    for (Kit *kit : KitManager::kits()) {
+        if (!m_unusedTargetMaps.contains(kit->id().toString()))
+            continue;
+        Target *target = addTargetForKit(kit);
+        if (kit->id().toString() == activeId)
+            setActiveTarget(target);
+    }
+}
+
+bool Project::saveSettings(QString *errorMessage)
+{
+    if (!m_savingForbiddenReason.isEmpty()) {
+        *errorMessage = m_savingForbiddenReason;
+        return false;
+    }
+    QVariantMap targetMaps = m_unusedTargetMaps;
+    for (const Target *target : std::as_const(m_targets))
+        targetMaps.insert(target->id().toString(), Utils::mapFromStore(target->toMap()));
+    QVariantMap settings{{QLatin1String(TARGETS_KEY), targetMaps}};
+    if (m_activeTarget)
+        settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_activeTarget->id().toSetting());
+    return UserSettings::write(settingsFilePath(), settings, errorMessage);
+}
+
+Utils::FilePath Project::settingsFilePath() const
+{
+    return Utils::FilePath::fromString(m_projectFilePath.toFSPathString() + QLatin1String(".user"));
+}
+
+} // namespace ProjectExplorer

@@ -1,0 +1,16 @@
+#include "projectexplorerplugin.h"
+
+#include "project.h"
+#include "projectmanager.h"
+
+namespace ProjectExplorer {
+
+ExtensionSystem::IPlugin::ShutdownFlag ProjectExplorerPlugin::aboutToShutdown()
+{
+    // Steps are made of other plugins' code: they go while all of it is still loaded.
+    while (!ProjectManager::projects().isEmpty())
+        ProjectManager::removeProject(ProjectManager::projects().constLast());
+    return SynchronousShutdown;
+}
+
+} // namespace ProjectExplorer
