@@ -1,0 +1,79 @@
+#include "sdk.h"
+#include "terminal.h"
+
+#include <algorithm>
+#include <exception>
+#include <iostream>
+
+static constexpr int FAILURE = 1;
+static constexpr int USAGE_ERROR = 2;
+static constexpr int COMMAND_NOT_FOUND = 127;
+
+static const std::vector<std::string> START_WORDS{"engine", "start"};
+static const std::vector<std::string> EXEC_WORDS{"engine", "exec", "-tt", "sb2", "-t"};
+
+static int fail(const std::string &message, int code = FAILURE)
+{
+    std::cerr << "brisk: " << message << std::endl;
+    return code;
+}
+
+static bool engineStarts(const Sdk &sdk)
+{
+    const std::string fault = sdk.engineFault();
+    if (!fault.empty())
+        fail("cannot start the build engine: " + fault);
+    return fault.empty();
+}
+
+static int startEngine(const Sdk &sdk)
+{
+    if (!engineStarts(sdk))
+        return FAILURE;
+    std::cout << sdk.engineName() << " is ready" << std::endl;
+    return 0;
+}
+
+static bool isShellLine(const std::vector<std::string> &words)
+{
+    return words.size() == 1 && words.front().find_first_of(" \t\n") != std::string::npos;
+}
+
+static int execute(const Sdk &sdk, const std::string &target, std::vector<std::string> words)
+{
+    if (!engineStarts(sdk))
+        return FAILURE;
+    const auto tools = sdk.toolsOf(target);
+    if (!tools)
+        return fail("no such build target: " + target);
+    if (isShellLine(words))
+        return runOnTerminal({{"/bin/sh", "-c", words.front()}, *tools});
+    const auto tool = findTool(*tools, words.front());
+    if (!tool)
+        return fail(words.front() + ": command not found", COMMAND_NOT_FOUND);
+    words.front() = *tool;
+    return runOnTerminal({std::move(words), *tools});
+}
+
+static int run(const std::vector<std::string> &words)
+{
+    const Sdk sdk = Sdk::ofThisProgram();
+    if (words == START_WORDS)
+        return startEngine(sdk);
+    const auto execEnd = static_cast<std::ptrdiff_t>(EXEC_WORDS.size());
+    if (words.size() > EXEC_WORDS.size() + 1
+        && std::equal(EXEC_WORDS.begin(), EXEC_WORDS.end(), words.begin()))
+        return execute(sdk, words[EXEC_WORDS.size()], {words.begin() + execEnd + 1, words.end()});
+    std::cerr << "usage: brisk engine start\n"
+                 "       brisk engine exec -tt sb2 -t TARGET COMMAND...\n";
+    return USAGE_ERROR;
+}
+
+int main(int argc, char *argv[])
+{
+    try {
+        return run({argv + 1, argv + argc});
+    } catch (const std::exception &error) {
+        return fail(error.what());
+    }
+}
