@@ -6,7 +6,6 @@
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
-#include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
 
 #include <QAction>

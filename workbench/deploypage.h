@@ -1,5 +1,7 @@
 #pragma once
 
+#include <projectexplorer/project.h>
+
 #include <QPointer>
 #include <QWidget>
 
@@ -9,8 +11,7 @@ class QLabel;
 
 namespace ProjectExplorer {
 class BuildStepList;
-class Project;
-} // namespace ProjectExplorer
+}
 
 namespace Workbench {
 

@@ -127,8 +127,10 @@ Project *Session::openProject(const QString &path, const QString &targetName, QS
     if (!project) {
         project = new Project(file);
         QString reason;
-        if (!project->restoreSettings(&reason))
+        if (!project->restoreSettings(&reason)) {
+            m_saveProblems.insert(project, reason);
             emit problemFound(reason);
+        }
         ProjectManager::addProject(project);
     }
     if (!kit && !project->activeTarget() && !KitManager::kits().isEmpty())
@@ -141,13 +143,17 @@ Project *Session::openProject(const QString &path, const QString &targetName, QS
 void Session::saveProject(Project *project)
 {
     QString reason;
-    if (!project->saveSettings(&reason))
+    project->saveSettings(&reason);
+    const QString previous = m_saveProblems.value(project);
+    m_saveProblems.insert(project, reason);
+    if (!reason.isEmpty() && reason != previous)
         emit problemFound(reason);
 }
 
 void Session::closeProject(Project *project)
 {
     saveProject(project);
+    m_saveProblems.remove(project);
     ProjectManager::removeProject(project);
 }
 

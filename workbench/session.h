@@ -2,6 +2,7 @@
 
 #include <extensionsystem/pluginmanager.h>
 
+#include <QHash>
 #include <QObject>
 #include <QStringList>
 
@@ -53,6 +54,8 @@ private:
     void saveProject(ProjectExplorer::Project *project);
 
     ExtensionSystem::PluginManager m_pluginManager;
+    /// Why a project could not be saved, so that nobody is told the same twice.
+    QHash<ProjectExplorer::Project *, QString> m_saveProblems;
 };
 
 } // namespace Workbench

@@ -3,7 +3,6 @@
 #include "stepcard.h"
 
 #include <projectexplorer/buildstep.h>
-#include <projectexplorer/buildsteplist.h>
 
 #include <QHBoxLayout>
 #include <QLabel>

@@ -1,16 +1,13 @@
 #pragma once
 
+#include <projectexplorer/buildsteplist.h>
+
 #include <QPointer>
 #include <QWidget>
 
 class QLabel;
 class QPushButton;
 class QVBoxLayout;
-
-namespace ProjectExplorer {
-class BuildStep;
-class BuildStepList;
-} // namespace ProjectExplorer
 
 namespace Workbench {
 
