@@ -97,6 +97,7 @@ void MainWindow::makeContent()
     right->addWidget(m_tabs);
     right->setStretchFactor(0, 3);
     right->setStretchFactor(1, 2);
+    right->setSizes({430, 270});
     auto *whole = new QSplitter;
     whole->addWidget(m_tree);
     whole->addWidget(right);

@@ -12,6 +12,16 @@ using ProjectExplorer::BuildStep;
 
 namespace Workbench {
 
+static QToolButton *makeButton(const QString &name, const QString &toolTip)
+{
+    auto *button = new QToolButton;
+    button->setObjectName(name);
+    button->setAutoRaise(true);
+    button->setToolTip(toolTip);
+    button->setAccessibleName(toolTip);
+    return button;
+}
+
 StepCard::StepCard(BuildStep *step, QWidget *parent)
     : QFrame(parent)
     , m_step(step)
@@ -26,12 +36,11 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
 
     m_expander->setObjectName("expander");
     m_expander->setAutoRaise(true);
-    m_expander->setCheckable(true);
     m_expander->setEnabled(m_config);
     m_expander->setToolTip(m_config ? tr("Show or hide what can be configured")
                                     : tr("There is nothing to configure"));
     m_expander->setAccessibleName(tr("Details of %1").arg(step->displayName()));
-    connect(m_expander, &QToolButton::toggled, this, &StepCard::setExpanded);
+    connect(m_expander, &QToolButton::clicked, this, [this] { setExpanded(m_config->isHidden()); });
 
     QFont nameFont = m_enabled->font();
     nameFont.setBold(true);
@@ -52,10 +61,12 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
     header->addWidget(m_enabled);
     header->addSpacing(8);
     header->addWidget(m_summary, 1);
-    m_up = makeButton("up", tr("Move %1 up").arg(step->displayName()), QStyle::SP_ArrowUp);
-    m_down = makeButton("down", tr("Move %1 down").arg(step->displayName()), QStyle::SP_ArrowDown);
-    m_remove = makeButton(
-        "remove", tr("Remove %1").arg(step->displayName()), QStyle::SP_DialogCloseButton);
+    m_up = makeButton("up", tr("Move %1 up").arg(step->displayName()));
+    m_up->setArrowType(Qt::UpArrow);
+    m_down = makeButton("down", tr("Move %1 down").arg(step->displayName()));
+    m_down->setArrowType(Qt::DownArrow);
+    m_remove = makeButton("remove", tr("Remove %1").arg(step->displayName()));
+    m_remove->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton));
     for (QToolButton *button : {m_up, m_down, m_remove})
         header->addWidget(button);
     connect(m_up, &QToolButton::clicked, this, &StepCard::moveUpRequested);
@@ -76,21 +87,9 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
     setExpanded(false);
 }
 
-QToolButton *StepCard::makeButton(const QString &name, const QString &toolTip, int icon)
-{
-    auto *button = new QToolButton;
-    button->setObjectName(name);
-    button->setAutoRaise(true);
-    button->setIcon(style()->standardIcon(QStyle::StandardPixmap(icon)));
-    button->setToolTip(toolTip);
-    button->setAccessibleName(toolTip);
-    return button;
-}
-
 void StepCard::setExpanded(bool expanded)
 {
     const bool shows = expanded && m_config;
-    m_expander->setChecked(shows);
     m_expander->setArrowType(shows ? Qt::DownArrow : Qt::RightArrow);
     if (m_config)
         m_config->setVisible(shows);
@@ -106,8 +105,10 @@ void StepCard::setMovable(bool up, bool down, bool listIsOpen)
 void StepCard::updateTexts()
 {
     m_enabled->setText(m_step->displayName());
-    m_summary->setText(m_step->summaryText() == m_step->displayName() ? QString()
-                                                                      : m_step->summaryText());
+    // Summaries tend to start with the name in bold, which the check box shows already.
+    QString summary = m_step->summaryText();
+    summary.remove("<b>" + m_step->displayName() + ":</b>");
+    m_summary->setText(summary.trimmed());
 }
 
 } // namespace Workbench

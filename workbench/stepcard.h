@@ -32,7 +32,6 @@ signals:
     void removeRequested();
 
 private:
-    QToolButton *makeButton(const QString &name, const QString &toolTip, int icon);
     void updateTexts();
 
     ProjectExplorer::BuildStep *m_step;
