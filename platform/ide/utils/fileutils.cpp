@@ -6,6 +6,8 @@
 #include <QMessageBox>
 #include <QSaveFile>
 
+#include <algorithm>
+
 namespace Utils {
 
 static QString tr(const char *text)
@@ -103,29 +105,25 @@ bool FileUtils::CopyAskingForOverwrite::copyFile(const FilePath &source,
     return true;
 }
 
-static bool makeDir(const FilePath &dir, const FilePath &source, QString *error)
-{
-    return QDir().mkpath(dir.toFSPathString())
-           || copyFails(source,
-                        dir,
-                        tr("The folder \"%1\" cannot be created.").arg(dir.toUserOutput()),
-                        error);
-}
-
 bool FileUtils::copyRecursively(const FilePath &source,
                                 const FilePath &destination,
                                 QString *error,
                                 CopyHelper helper)
 {
-    if (!source.isDir())
-        return makeDir(destination.absoluteFilePath().parentDir(), source, error)
-               && helper(source, destination, error);
+    if (!source.exists())
+        return copyFails(source, destination, tr("There is no such file."), error);
 
+    const FilePath folder =
+        source.isDir() ? destination : destination.absoluteFilePath().parentDir();
+    const QDir sourceDir(source.toFSPathString());
     const QStringList names =
-        QDir(source.toFSPathString())
-            .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
-    if (!makeDir(destination, source, error))
-        return false;
+        sourceDir.entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
+    if (!QDir().mkpath(folder.toFSPathString())) {
+        const QString reason = tr("The folder \"%1\" cannot be created.");
+        return copyFails(source, destination, reason.arg(folder.toUserOutput()), error);
+    }
+    if (!source.isDir())
+        return helper(source, destination, error);
     return std::all_of(names.begin(), names.end(), [&](const QString &name) {
         return copyRecursively(source / name, destination / name, error, helper);
     });
