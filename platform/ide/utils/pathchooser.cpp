@@ -86,7 +86,11 @@ PathChooser::PathChooser(QWidget *parent)
     });
 }
 
-PathChooser::~PathChooser() = default;
+PathChooser::~PathChooser()
+{
+    // The focused line edit finishes editing when QWidget's destructor takes the focus away.
+    d->lineEdit->disconnect(this);
+}
 
 void PathChooser::setExpectedKind(Kind kind)
 {
