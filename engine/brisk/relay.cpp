@@ -12,10 +12,10 @@
 #include <unistd.h>
 
 // A full buffer makes its source wait.
-static constexpr std::size_t BUFFER_LIMIT = 64 * 1024;
+static constexpr std::size_t BUFFER_LIMIT = 0x10000;
 // What may still come out of a terminal after its process ended. Processes that were left behind
 // may write for ever, and nobody waits for those.
-static constexpr std::size_t DRAIN_LIMIT = 1024 * 1024;
+static constexpr std::size_t DRAIN_LIMIT = 0x100000;
 static constexpr int END_OF_INPUT_INTERVAL_MS = 100;
 
 static sigset_t handledSignals()

@@ -9,14 +9,16 @@ function value(line) {
 }
 
 # The names of the organisational units, in the order of the certificate, go to units[].
-# RFC 2253 writes a name's parts from the last to the first and escapes with a backslash.
+# RFC 2253 writes a name's parts from the last to the first and escapes with a backslash. Control
+# characters are written as \0A and the like; they stay so, or a line would not be one.
 function readUnits(name,    parts, i) {
     gsub(/\\\\/, "\001", name)
     gsub(/\\,/, "\002", name)
     gsub(/\\\+/, "\003", name)
     for (i = split(name, parts, /[,+]/); i > 0; --i) {
         if (sub(/^OU=/, "", parts[i])) {
-            gsub(/\\/, "", parts[i])
+            while (match(parts[i], /\\[^0-9A-F]/))
+                parts[i] = substr(parts[i], 1, RSTART - 1) substr(parts[i], RSTART + 1)
             gsub(/\001/, "\\", parts[i])
             gsub(/\002/, ",", parts[i])
             gsub(/\003/, "+", parts[i])

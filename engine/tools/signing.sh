@@ -127,7 +127,7 @@ install_signatures() { # PACKAGE...
     done
     for package; do
         for staged in "$package".*.p7s.new; do
-            [ ! -f "$staged" ] || mv -f -- "$staged" "${staged%.new}"
+            [ ! -f "$staged" ] || mv -fT -- "$staged" "${staged%.new}"
         done
         printf 'Signed: %s\n' "$package"
     done
@@ -142,7 +142,7 @@ stage_signatures() {
     made=0
     while [ "$made" -lt "$round" ]; do
         made=$((made + 1))
-        cp -- "$work/$index.$made" "$package.$number.p7s.new" || return 1
+        cp -T -- "$work/$index.$made" "$package.$number.p7s.new" || return 1
         number=$((number + 1))
     done
 }

@@ -1,0 +1,13 @@
+#include "temporarysdk.h"
+
+#include <QProcess>
+
+TemporarySdk::TemporarySdk()
+{
+    QProcess process;
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral(MAKE_DEMO_SDK),
+                  {QStringLiteral("--brisk"), QStringLiteral(BRISK_EXECUTABLE), path()});
+    if (!process.waitForFinished(60'000) || process.exitCode() != 0)
+        qFatal("no demo SDK: %s", process.readAll().constData());
+}
