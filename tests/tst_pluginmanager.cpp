@@ -36,8 +36,9 @@ static const QStringList CALLS_ON_SHUTDOWN{"leaf.aboutToShutdown",
 
 static QStringList takeCalls()
 {
-    const QStringList calls = qApp->property("calls").toStringList();
-    qApp->setProperty("calls", {});
+    QCoreApplication *app = QCoreApplication::instance();
+    const QStringList calls = app->property("calls").toStringList();
+    app->setProperty("calls", {});
     return calls;
 }
 

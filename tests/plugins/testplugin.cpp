@@ -13,7 +13,8 @@ int *missingSymbol = &symbolOfNoLibrary;
 static void note(const char *function)
 {
     const QString call = QString::fromUtf8(TEST_PLUGIN_ID) + '.' + QString::fromUtf8(function);
-    qApp->setProperty("calls", qApp->property("calls").toStringList() << call);
+    QCoreApplication *app = QCoreApplication::instance();
+    app->setProperty("calls", app->property("calls").toStringList() << call);
 }
 
 TestPlugin::~TestPlugin()
