@@ -470,7 +470,7 @@ void EngineTest::customerSignAsksForTheBinariesKey()
     QFETCH(QString, error);
     const QString path = addPackage("a.rpm");
     const Files before = packageFiles();
-    const QString keys = m_sdk.path() + "/home/.kilnsdk/";
+    const QString keys = m_sdk.path() + "/workspace/home/.kilnsdk/";
 
     const Run result = run(CUSTOMER_TARGET,
                            {"customer-sign",
