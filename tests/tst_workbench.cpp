@@ -1,0 +1,553 @@
+#include "settingsscope.h"
+#include "temporarysdk.h"
+
+#include <commandline.h>
+#include <mainwindow.h>
+#include <promptanswerer.h>
+#include <session.h>
+
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/target.h>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QProcess>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <csignal>
+#include <functional>
+
+using namespace Workbench;
+using ProjectExplorer::BuildStepList;
+
+namespace {
+
+constexpr char EXTERNAL_TARGET[] = "VeyraOS-5.1-x86_64";
+constexpr char CUSTOMER_TARGET[] = "VeyraOS-4.0-x86_64";
+constexpr char BARE_TARGET[] = "VeyraOS-3.4-x86_64";
+constexpr int RUN_TIMEOUT = 60'000;
+
+// A package that builds in no time: what is told here is about signing.
+constexpr char QUICK_SPEC[] = "Name: quick\n"
+                              "Version: 1\n"
+                              "Release: 1\n"
+                              "Summary: Nothing\n"
+                              "License: BSD\n"
+                              "BuildArch: noarch\n"
+                              "%description\n"
+                              "Nothing.\n"
+                              "%files\n";
+
+void writeFile(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
+    file.write(contents);
+}
+
+struct Transcript
+{
+    int exitCode = -1;
+    QString output;
+    QString errors;
+};
+
+// One SDK and one project in its workspace, both new.
+class Ground
+{
+public:
+    Ground()
+    {
+        QVERIFY(QDir().mkpath(project() + "/rpm"));
+        writeFile(project() + "/rpm/quick.spec", QUICK_SPEC);
+    }
+
+    QString path() const { return m_sdk.path(); }
+    QString project() const { return path() + "/workspace/quick"; }
+    QString package() const { return project() + "/RPMS/noarch/quick-1-1.noarch.rpm"; }
+    QStringList signatures() const
+    {
+        return QDir(project() + "/RPMS/noarch").entryList({"*.p7s"}, QDir::Files);
+    }
+    QString key(const QString &name) const { return path() + "/workspace/keys/" + name; }
+
+    // The program's settings file, as the program will read it.
+    void set(const QString &settingsKey, const QVariant &value) const
+    {
+        QSettings(path() + "/settings/Sealkit/Workbench.conf", QSettings::IniFormat)
+            .setValue(settingsKey, value);
+    }
+    void useKey(const QString &name) const
+    {
+        set("Sealkit.GlobalSignKey", key(name + "_key.pem"));
+        set("Sealkit.GlobalSignCert", key(name + "_cert.pem"));
+    }
+    // Replaces a tool of the usual target by a shell script.
+    void replaceTool(const QString &tool, const QByteArray &script) const
+    {
+        const QString file = path() + "/engine/targets/" + EXTERNAL_TARGET + "/bin/" + tool;
+        QFile::remove(file);
+        writeFile(file, "#!/bin/sh\n" + script);
+        QFile::setPermissions(file, QFile::permissions(file) | QFile::ExeOwner);
+    }
+
+    QStringList deployArguments() const
+    {
+        return {"--settings", path() + "/settings", "--sdk", path(), "--deploy", project()};
+    }
+    Transcript deploy(const QStringList &furtherArguments = {}) const
+    {
+        QProcess workbench;
+        workbench.start(WORKBENCH_EXECUTABLE, deployArguments() + furtherArguments);
+        if (!workbench.waitForFinished(RUN_TIMEOUT))
+            workbench.kill();
+        return {workbench.exitStatus() == QProcess::NormalExit ? workbench.exitCode() : -1,
+                QString::fromUtf8(workbench.readAllStandardOutput()),
+                QString::fromUtf8(workbench.readAllStandardError())};
+    }
+
+    // What the engine's own tool says about the package.
+    int verify() const
+    {
+        QProcess brisk;
+        brisk.setWorkingDirectory(path() + "/workspace");
+        brisk.start(path() + "/bin/brisk",
+                    {"engine",
+                     "exec",
+                     "-tt",
+                     "sb2",
+                     "-t",
+                     EXTERNAL_TARGET,
+                     "rpmsign-external",
+                     "verify",
+                     "--root-cert",
+                     key("demo_root.pem"),
+                     package()});
+        brisk.waitForFinished(RUN_TIMEOUT);
+        return brisk.exitCode();
+    }
+
+    // Command lines of living processes that have to do with this SDK.
+    QStringList processes() const
+    {
+        QStringList found;
+        for (const QString &id : QDir("/proc").entryList(QDir::Dirs)) {
+            QFile file("/proc/" + id + "/cmdline");
+            if (!file.open(QIODevice::ReadOnly))
+                continue;
+            const QString commandLine = QString::fromUtf8(file.readAll().replace('\0', ' '));
+            if (commandLine.contains(path()))
+                found << commandLine;
+        }
+        return found;
+    }
+
+private:
+    TemporarySdk m_sdk;
+};
+
+} // namespace
+
+class WorkbenchTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void readsCommandLine_data();
+    void readsCommandLine();
+    void readsPassphraseFile_data();
+    void readsPassphraseFile();
+    void dealsWithDialogs_data();
+    void dealsWithDialogs();
+
+    void deploys_data();
+    void deploys();
+    void refusesChangedPackage();
+    void interruptLeavesNothingBehind();
+
+    void windowConfiguresSteps();
+    void quitEndsTheRun();
+
+private:
+    SettingsScope m_settings;
+};
+
+void WorkbenchTest::readsCommandLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode"); // -1: goes on
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("nothing") << QStringList{} << -1 << "";
+    QTest::newRow("two projects") << QStringList{"a", "b"} << -1 << "";
+    QTest::newRow("deploy") << QStringList{"--deploy", "a"} << -1 << "";
+    QTest::newRow("deploy and a project")
+        << QStringList{"--deploy", "a", "b"} << 2 << "exactly one";
+    QTest::newRow("deploy nothing") << QStringList{"--deploy"} << 2 << "deploy";
+    QTest::newRow("unknown option") << QStringList{"--nonsense"} << 2 << "nonsense";
+    QTest::newRow("help") << QStringList{"--help"} << 0 << "Usage: ";
+    QTest::newRow("pass phrase for a window")
+        << QStringList{"--passphrase-file", "x"} << 2 << "needs --deploy";
+}
+
+void WorkbenchTest::readsCommandLine()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    QFETCH(QString, message);
+    const auto parsed = parseCommandLine(QStringList{"workbench"} + arguments);
+    const auto *exit = std::get_if<EarlyExit>(&parsed);
+    QCOMPARE(exit ? exit->exitCode : -1, exitCode);
+    if (exit)
+        QVERIFY2(exit->message.contains(message), qPrintable(exit->message));
+}
+
+void WorkbenchTest::readsPassphraseFile_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<QString>("passphrase"); // null: refused
+
+    QTest::newRow("no line end") << QByteArray("demo") << "demo";
+    QTest::newRow("line feed") << QByteArray("demo\n") << "demo";
+    QTest::newRow("more lines") << QByteArray("demo\r\nother\n") << "demo";
+    QTest::newRow("blanks stay") << QByteArray(" de mo \n") << " de mo ";
+    QTest::newRow("other scripts") << QByteArray("\u043f\u0430\u0440\u043e\u043b\u044c\n")
+                                   << QString::fromUtf8("\u043f\u0430\u0440\u043e\u043b\u044c");
+    QTest::newRow("empty file") << QByteArray() << QString();
+    QTest::newRow("empty line") << QByteArray("\ndemo\n") << QString();
+}
+
+void WorkbenchTest::readsPassphraseFile()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(QString, passphrase);
+    QTemporaryDir folder;
+    writeFile(folder.filePath("phrase"), contents);
+    const auto parsed = parseCommandLine(
+        {"workbench", "--deploy", "p", "--passphrase-file", folder.filePath("phrase")});
+    const auto *line = std::get_if<CommandLine>(&parsed);
+    QCOMPARE(line ? line->passphrase.value_or(QString()) : QString(), passphrase);
+    if (!line)
+        QCOMPARE(std::get<EarlyExit>(parsed).exitCode, 2);
+}
+
+void WorkbenchTest::dealsWithDialogs_data()
+{
+    QTest::addColumn<bool>("hasPassphrase");
+    QTest::addColumn<bool>("refusesAnswer");
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QString>("explanation");
+
+    QTest::newRow("answered") << true << false << true << QString();
+    QTest::newRow("declined") << false << false << false
+                              << "A tool asked: \"Enter pass phrase for k:\". Declined: no display "
+                                 "to ask on; use --passphrase-file.";
+    QTest::newRow("answer not taken") << true << true << false
+                                      << "A tool asked: \"Enter pass phrase for k:\". Declined: "
+                                         "the pass phrase from the file cannot be used.";
+}
+
+void WorkbenchTest::dealsWithDialogs()
+{
+    QFETCH(bool, hasPassphrase);
+    QFETCH(bool, refusesAnswer);
+    QFETCH(bool, accepted);
+    QFETCH(QString, explanation);
+
+    PromptAnswerer answerer(hasPassphrase ? std::optional<QString>("s3cret") : std::nullopt);
+    QStringList explanations;
+    connect(&answerer, &PromptAnswerer::declined, this, [&](const QString &text) {
+        explanations << text;
+    });
+
+    QDialog dialog;
+    auto *edit = new QLineEdit;
+    edit->setEchoMode(QLineEdit::Password);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    auto *layout = new QFormLayout(&dialog);
+    layout->addRow("Password:", edit);
+    layout->addRow(new QLabel("Enter pass phrase for k:"));
+    layout->addRow(buttons);
+    if (!refusesAnswer)
+        connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
+
+    QCOMPARE(dialog.exec() == QDialog::Accepted, accepted);
+    QCOMPARE(explanations, explanation.isEmpty() ? QStringList() : QStringList{explanation});
+    if (accepted)
+        QCOMPARE(edit->text(), "s3cret");
+
+    explanations.clear();
+    QMessageBox question(
+        QMessageBox::Question, "t", "Overwrite?", QMessageBox::Yes | QMessageBox::No);
+    QCOMPARE(question.exec(), int(QMessageBox::No));
+    QCOMPARE(explanations,
+             QStringList{"A dialog asked: \"Overwrite?\". Declined: no display to ask on."});
+}
+
+using Prepare = std::function<void(const Ground &)>;
+Q_DECLARE_METATYPE(Prepare)
+
+// Opens the project as the window would, changes its steps and saves it.
+static void configure(const Ground &ground,
+                      const QString &target,
+                      const std::function<void(BuildStepList *)> &change)
+{
+    Session session;
+    QString error;
+    QVERIFY2(session.openSdk(ground.path(), &error), qPrintable(error));
+    session.loadPlugins();
+    QCOMPARE(Session::pluginErrors(), QStringList());
+    const auto *project = session.openProject(ground.project(), target, &error);
+    QVERIFY2(project, qPrintable(error));
+    change(project->activeTarget()->activeDeployConfiguration()->stepList());
+    session.save();
+    session.shutdown();
+}
+
+void WorkbenchTest::deploys_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<Prepare>("prepare");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("inOutput");
+    QTest::addColumn<QString>("inErrors");
+    QTest::addColumn<int>("signatureCount");
+
+    const QString failed = "The deploy failed.";
+    const Prepare nothing = [](const Ground &) {};
+
+    QTest::newRow("regular key") << QStringList{} << nothing << 0
+                                 << "Package sign completed successfully."
+                                 << "" << 1;
+
+    const Prepare encrypted = [](const Ground &ground) {
+        ground.useKey("encrypted");
+        writeFile(ground.path() + "/right", "demo\n");
+        writeFile(ground.path() + "/wrong", "nonsense-phrase\n");
+    };
+    QTest::newRow("encrypted key, right pass phrase")
+        << QStringList{"--passphrase-file", "right"} << encrypted << 0
+        << "Package sign completed successfully."
+        << "" << 1;
+    QTest::newRow("encrypted key, wrong pass phrase")
+        << QStringList{"--passphrase-file", "wrong"} << encrypted << 1 << "wrong pass phrase"
+        << failed << 0;
+    QTest::newRow("encrypted key, nobody to ask")
+        << QStringList{} << encrypted << 1 << "Declined: no display to ask on" << failed << 0;
+
+    QTest::newRow("key outside the workspace")
+        << QStringList{} << Prepare([](const Ground &ground) {
+               ground.set("Sealkit.GlobalSignKey", ground.path() + "/ca/elsewhere.pem");
+           })
+        << 1 << "Error: key and certificate must be inside workspace folder" << failed << 0;
+    QTest::newRow("no RPM build step") << QStringList{} << Prepare([](const Ground &ground) {
+        configure(ground, EXTERNAL_TARGET, [](BuildStepList *list) { list->removeStep(0); });
+    }) << 1 << "Error: No previous \"" << failed
+                                       << 0;
+    QTest::newRow("sign step switched off") << QStringList{} << Prepare([](const Ground &ground) {
+        configure(
+            ground, EXTERNAL_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
+    }) << 1 << "finished successfully"
+                                            << "no enabled sign step" << 0;
+    QTest::newRow("package that does not build")
+        << QStringList{} << Prepare([](const Ground &ground) {
+               writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
+           })
+        << 1 << "Error while building" << failed << 0;
+    QTest::newRow("tool that fails") << QStringList{} << Prepare([](const Ground &ground) {
+        ground.replaceTool("rpmsign-external", "echo refused; exit 3\n");
+    }) << 1 << "refused" << failed << 0;
+    QTest::newRow("no brisk") << QStringList{} << Prepare([](const Ground &ground) {
+        QFile::remove(ground.path() + "/bin/brisk");
+    }) << 1 << "[E]" << failed << 0;
+    QTest::newRow("target without tools")
+        << QStringList{"--target", BARE_TARGET} << nothing << 1 << ""
+        << "no enabled sign step" << 0;
+    QTest::newRow("customer-sign, switched on")
+        << QStringList{"--target", CUSTOMER_TARGET} << Prepare([](const Ground &ground) {
+               // The default keys are taken from the shared home, and keys have to be in the
+               // workspace: both hold where the one is inside the other.
+               QDir().rename(ground.path() + "/home", ground.path() + "/workspace/home");
+               QSettings(ground.path() + "/sdk.ini", QSettings::IniFormat)
+                   .setValue("BuildEngine/SharedHome", "workspace/home");
+               configure(ground, CUSTOMER_TARGET, [](BuildStepList *list) {
+                   list->at(1)->setEnabled(true);
+               });
+           })
+        << 0 << "Package sign completed successfully."
+        << "" << 2;
+
+    QTest::newRow("unknown target")
+        << QStringList{"--target", "Moon"} << nothing << 1 << "" << EXTERNAL_TARGET << 0;
+    QTest::newRow("no SDK") << QStringList{"--sdk", "/nonexistent"} << nothing << 1 << ""
+                            << "/nonexistent" << 0;
+    QTest::newRow("no project") << QStringList{} << Prepare([](const Ground &ground) {
+        QFile::remove(ground.project() + "/rpm/quick.spec");
+    }) << 1 << ""
+                                << "no package description" << 0;
+}
+
+void WorkbenchTest::deploys()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(Prepare, prepare);
+    QFETCH(int, exitCode);
+    QFETCH(QString, inOutput);
+    QFETCH(QString, inErrors);
+    QFETCH(int, signatureCount);
+
+    const Ground ground;
+    prepare(ground);
+    if (arguments.value(0) == "--passphrase-file")
+        arguments[1].prepend(ground.path() + '/');
+    const Transcript transcript = ground.deploy(arguments);
+
+    const QString all = transcript.output + transcript.errors;
+    const QString end = all.right(900); // what fits into a failure message
+    QVERIFY2(transcript.exitCode == exitCode, qPrintable(end));
+    QVERIFY2(transcript.output.contains(inOutput), qPrintable(end));
+    QVERIFY2(transcript.errors.contains(inErrors), qPrintable(end));
+    QCOMPARE(transcript.errors.contains("workbench: "), exitCode != 0);
+    QVERIFY2(!all.contains("nonsense-phrase"), "the pass phrase leaks");
+    QCOMPARE(ground.signatures().size(), signatureCount);
+    QTRY_COMPARE(ground.processes(), QStringList());
+}
+
+void WorkbenchTest::refusesChangedPackage()
+{
+    const Ground ground;
+    QCOMPARE(ground.deploy().exitCode, 0);
+    QCOMPARE(ground.verify(), 0);
+
+    QFile package(ground.package());
+    QVERIFY(package.open(QIODevice::ReadWrite));
+    package.seek(package.size() - 1);
+    char last = 0;
+    package.getChar(&last);
+    package.seek(package.size() - 1);
+    package.putChar(char(last ^ 1));
+    package.close();
+    QVERIFY(ground.verify() != 0);
+}
+
+void WorkbenchTest::interruptLeavesNothingBehind()
+{
+    const Ground ground;
+    ground.replaceTool("rpmsign-external",
+                       "trap '' TERM HUP INT\n"
+                       "echo hanging\n"
+                       "while :; do sleep 1; done\n");
+    QProcess workbench;
+    workbench.start(WORKBENCH_EXECUTABLE, ground.deployArguments());
+    QByteArray output;
+    QTRY_VERIFY_WITH_TIMEOUT((output += workbench.readAllStandardOutput()).contains("[I]\thanging"),
+                             RUN_TIMEOUT);
+    workbench.terminate();
+    QVERIFY(workbench.waitForFinished(RUN_TIMEOUT));
+    QCOMPARE(workbench.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(workbench.exitCode(), 128 + SIGTERM);
+    QTRY_COMPARE(ground.processes(), QStringList());
+    QCOMPARE(ground.signatures(), QStringList());
+}
+
+static QStringList stepNames(const QWidget &window)
+{
+    QStringList names;
+    for (const QCheckBox *box : window.findChildren<QCheckBox *>("enabled"))
+        names << box->text();
+    return names;
+}
+
+void WorkbenchTest::windowConfiguresSteps()
+{
+    const Ground ground;
+    CommandLine line;
+    line.sdk = ground.path();
+    line.projects = {ground.project()};
+    {
+        Session session;
+        MainWindow window(&session);
+        window.show();
+        window.open(line);
+        QCOMPARE(stepNames(window).size(), 2);
+        const auto boxes = window.findChildren<QCheckBox *>("enabled");
+        QVERIFY(boxes.at(1)->isChecked());
+        QTest::mouseClick(boxes.at(1), Qt::LeftButton, {}, {8, boxes.at(1)->height() / 2});
+        QVERIFY(!boxes.at(1)->isChecked());
+
+        // Another kit has other steps; going back shows the first again.
+        auto *kits = window.findChild<QComboBox *>("kits");
+        QTest::keyClick(kits, Qt::Key_Down);
+        QTRY_VERIFY(stepNames(window).contains("RPM Sign (customer-sign)"));
+        QTest::keyClick(kits, Qt::Key_Up);
+        QTRY_VERIFY(stepNames(window).contains("RPM Sign (rpmsign-external)"));
+
+        // The sign step above the build step, and the build step away.
+        QTest::mouseClick(window.findChildren<QToolButton *>("up").at(1), Qt::LeftButton);
+        QCoreApplication::processEvents();
+        const auto *project = session.openProject(ground.project(), {}, &line.target);
+        const BuildStepList *list =
+            project->activeTarget()->activeDeployConfiguration()->stepList();
+        QCOMPARE(list->at(0)->displayName(), "RPM Sign (rpmsign-external)");
+        QTest::mouseClick(window.findChildren<QToolButton *>("remove").at(0), Qt::LeftButton);
+        QTRY_COMPARE(list->count(), 1);
+        window.closeAtOnce();
+        session.shutdown();
+    }
+    Session session;
+    MainWindow window(&session);
+    line.projects.clear(); // the list of open projects is remembered
+    window.open(line);
+    QCOMPARE(stepNames(window), QStringList{"RPM Sign (rpmsign-external)"});
+    QVERIFY(!window.findChild<QCheckBox *>("enabled")->isChecked());
+    session.shutdown();
+}
+
+void WorkbenchTest::quitEndsTheRun()
+{
+    const Ground ground;
+    ground.replaceTool("rpmsign-external", "echo hanging; while :; do sleep 1; done\n");
+    CommandLine line;
+    line.sdk = ground.path();
+    line.projects = {ground.project()};
+    Session session;
+    MainWindow window(&session);
+    window.show();
+    window.open(line);
+
+    QSignalSpy finished(ProjectExplorer::BuildManager::instance(),
+                        &ProjectExplorer::BuildManager::buildQueueFinished);
+    connect(ProjectExplorer::BuildManager::instance(),
+            &ProjectExplorer::BuildManager::outputAdded,
+            &window,
+            [&window](const QString &text) {
+                if (text.contains("hanging"))
+                    window.close();
+            });
+    QTimer::singleShot(0, &window, [&window] {
+        for (QAction *action : window.findChildren<QAction *>()) {
+            if (action->text() == "&Deploy")
+                action->trigger();
+        }
+    });
+    QTimer::singleShot(RUN_TIMEOUT, &window, [] { QCoreApplication::exit(1); });
+    QCOMPARE(QCoreApplication::exec(), 0);
+    QCOMPARE(finished.size(), 1);
+    QVERIFY(!window.isVisible());
+    session.shutdown();
+    QTRY_COMPARE(ground.processes(), QStringList());
+}
+
+QTEST_MAIN(WorkbenchTest)
+#include "tst_workbench.moc"
