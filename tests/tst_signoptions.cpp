@@ -258,6 +258,13 @@ void SignOptionsTest::choices_data()
         << options("true",
                    "sdk/package-signing/regular_key.pem",
                    "sdk/package-signing/regular_cert.pem");
+    QTest::newRow("the regular path is stored as it is, not as it is shown")
+        << none << "move ws/../moved; apply"
+        << "on; Regular key: (moved/.veyraos-regular-keys/regular_key.pem); "
+           "Regular certificate: (moved/.veyraos-regular-keys/regular_cert.pem)"
+        << options("true",
+                   "ws/../moved/.veyraos-regular-keys/regular_key.pem",
+                   "ws/../moved/.veyraos-regular-keys/regular_cert.pem");
     QTest::newRow("earlier version") << earlier << "apply" << showsKey + showsCert << regular;
     QTest::newRow("earlier version, custom chosen")
         << earlier << "key custom; apply"
@@ -283,6 +290,10 @@ void SignOptionsTest::choices()
 void SignOptionsTest::customStaysDisabledWithoutTheCheckBox()
 {
     SignOptionsPage page;
+    OpenPage(page).checkBox()->setChecked(false);
+    QVERIFY(OpenPage(page).comboBox("key")->isEnabled()); // only a click counts
+    OpenPage(page).checkBox()->setChecked(true);
+
     perform("check", page);
     for (const QString file : {"key", "certificate"}) {
         OpenPage(page).comboBox(file)->setCurrentIndex(1); // nobody can click it any more
