@@ -1,0 +1,635 @@
+#include "signdialog.h"
+
+#include "buildengineinfo.h"
+#include "constants.h"
+#include "customersealkit.h"
+#include "rpmsignexternal.h"
+#include "ui_signdialog.h"
+#include "utils.h"
+
+#include <coreplugin/fileutils.h>
+#include <coreplugin/messagemanager.h>
+#include <utils/pathchooser.h>
+#include <utils/utilsicons.h>
+
+#include <QDebug>
+#include <QDir>
+#include <QFontDatabase>
+#include <QPointer>
+#include <QProgressBar>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStatusBar>
+
+#include <utility>
+
+using Utils::FancyLineEdit;
+using Utils::FilePath;
+using Utils::PathChooser;
+
+namespace Sealkit::Internal {
+
+constexpr int REQUEST_TAB = 2;
+
+/// A run of tools, or several in a row: locks the dialog while it lives. Runs within a run belong
+/// to the outermost one. False after a tool has run means that the dialog is gone.
+class SignDialog::Run
+{
+public:
+    explicit Run(SignDialog *dialog);
+    ~Run();
+    Q_DISABLE_COPY_MOVE(Run)
+
+    explicit operator bool() const { return !m_dialog.isNull(); }
+
+private:
+    const QPointer<SignDialog> m_dialog;
+    QPointer<QWidget> m_focus;
+    QPointer<QWidget> m_focusMeanwhile;
+};
+
+SignDialog::Run::Run(SignDialog *dialog)
+    : m_dialog(dialog)
+{
+    if (m_dialog->m_runs++ > 0)
+        return;
+    m_focus = m_dialog->focusWidget();
+    m_dialog->processButtonOperation(true);
+    m_focusMeanwhile = m_dialog->focusWidget();
+}
+
+SignDialog::Run::~Run()
+{
+    if (!m_dialog || --m_dialog->m_runs > 0)
+        return;
+    m_dialog->processButtonOperation(false);
+    // The lock took the keyboard focus away; the user may have moved it on since.
+    if (m_focus && m_focus->isVisible() && m_dialog->focusWidget() == m_focusMeanwhile)
+        m_focus->setFocus();
+    if (!m_dialog->m_scheduled.isEmpty())
+        QMetaObject::invokeMethod(m_dialog, &SignDialog::doScheduled, Qt::QueuedConnection);
+}
+
+static void showInGraphicalShell(QWidget *parent, const FilePath &path)
+{
+    Core::FileUtils::showInGraphicalShell(parent, path);
+}
+
+static QPixmap stateIcon(bool good)
+{
+    return (good ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap();
+}
+
+static QString pathOf(const PathChooser *chooser)
+{
+    return chooser->filePath().toFSPathString();
+}
+
+static void initPathChooser(PathChooser *chooser,
+                            const QString &initialBrowsePath,
+                            const QString &placeholderText,
+                            const QString &filter,
+                            const QString &title,
+                            const char *historyKey,
+                            const FancyLineEdit::ValidationFunction &validator)
+{
+    chooser->setExpectedKind(PathChooser::File);
+    chooser->setInitialBrowsePathBackup(FilePath::fromString(initialBrowsePath));
+    chooser->setPromptDialogFilter(filter);
+    chooser->setPromptDialogTitle(title);
+    // Histories are stored under the key in the user's language.
+    chooser->setHistoryCompleter(Utils::keyFromString(SignDialog::tr(historyKey)));
+    chooser->setValidationFunction(validator);
+    chooser->lineEdit()->setPlaceholderText(placeholderText);
+    chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
+    chooser->buttonAtIndex(0)->setText({});
+}
+
+static QProgressBar *createBusyIndicator()
+{
+    auto *indicator = new QProgressBar;
+    indicator->setObjectName(QStringLiteral("busyIndicator"));
+    indicator->setRange(0, 0);
+    indicator->setTextVisible(false);
+    indicator->setFixedSize(80, 12);
+    indicator->hide();
+    return indicator;
+}
+
+SignDialog::SignDialog(QWidget *parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui_SignDialog>())
+{
+    m_ui->setupUi(this);
+    m_ui->clientSignatureTextBrowser->hide();
+    initPathChoosers();
+    connectButtons();
+    initStatusBar();
+    initBuildEngine();
+    m_buttons = {m_ui->addSignaturePushButton,
+                 m_ui->removeSignaturePushButton,
+                 m_ui->dumpPushButton,
+                 m_ui->verifySignaturePushButton,
+                 m_ui->genReqButton};
+    initKeyGeneration();
+    initRegularKeysLink();
+    connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
+
+    const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    m_ui->developerSignatureTextBrowser->setFont(dumpFont);
+    m_ui->clientSignatureTextBrowser->setFont(dumpFont);
+    // Enter in a field is for the field, not for whichever button comes first.
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->setAutoDefault(false);
+}
+
+SignDialog::~SignDialog()
+{
+    QSettings settings;
+    // Without a target, because the engine did not start, the last one stays remembered.
+    if (!m_current.name.isEmpty())
+        settings.setValue(Constants::SIGN_DATA_HISTORY_TARGET_NAME, m_current.name);
+    settings.setValue(Constants::KEY_GENERATION_HISTORY_ALGORYTHM,
+                      m_ui->generationKeyAlgoComboBox->currentIndex());
+    settings.setValue(Constants::KEY_GENERATION_HISTORY_ENCRYPT,
+                      m_ui->generationKeyEncryptCheckBox->isChecked());
+}
+
+void SignDialog::initPathChoosers()
+{
+    const auto validator = [this](bool mustExist) -> FancyLineEdit::ValidationFunction {
+        return [this, mustExist](FancyLineEdit *edit, QString *error) -> bool {
+            return edit->text().isEmpty() || verifyPath(edit->text(), mustExist, error);
+        };
+    };
+
+    initPathChooser(m_ui->rpmPathChooser,
+                    QDir::homePath(),
+                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
+                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                    Constants::SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY,
+                    validator(true));
+    connect(m_ui->rpmPathChooser, &PathChooser::rawPathChanged, this, &SignDialog::invalidate);
+
+    const QString keyHint = tr(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT);
+    const QString certificateHint = tr(Constants::SIGN_DATA_CERT_PLACEHOLDERTEXT);
+    const struct
+    {
+        PathChooser *chooser;
+        QString placeholderText;
+        const char *historyKey;
+        bool mustExist = true;
+    } pemFields[] = {
+        {m_ui->binaryKeyPathChooser, keyHint, Constants::SIGN_DATA_BINARY_KEY_COMPLETER_KEY},
+        {m_ui->developerKeyPathChooser, keyHint, Constants::SIGN_DATA_DEVELOPER_KEY_COMPLETER_KEY},
+        {m_ui->developerCertificatePathChooser,
+         certificateHint,
+         Constants::SIGN_DATA_DEVELOPER_CERTIFICATE_COMPLETER_KEY},
+        {m_ui->clientKeyPathChooser, keyHint, Constants::SIGN_DATA_CLIENT_KEY_COMPLETER_KEY},
+        {m_ui->clientCertificatePathChooser,
+         certificateHint,
+         Constants::SIGN_DATA_CLIENT_CERTIFICATE_COMPLETER_KEY},
+        {m_ui->caCertificatePathChooser,
+         tr("Select root certificate"),
+         Constants::SIGN_DATA_CA_CERTIFICATE_COMPLETER_KEY},
+        {m_ui->generatedKeyPathChooser,
+         tr("Specify path to save key file or select existing key file"),
+         Constants::KEY_GENERATION_COMPLETER_KEY,
+         false},
+        {m_ui->generatedReqPathChooser,
+         tr("Specify path to save Certificate Signing Request file"),
+         Constants::KEY_GENERATION_COMPLETER_CSR,
+         false},
+    };
+    for (const auto &field : pemFields) {
+        initPathChooser(field.chooser,
+                        QDir::homePath(),
+                        field.placeholderText,
+                        tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
+                        tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
+                        field.historyKey,
+                        validator(field.mustExist));
+        if (!field.mustExist)
+            field.chooser->setExpectedKind(PathChooser::SaveFile);
+    }
+    m_ui->caCertificatePathChooser->setToolTip(
+        tr("Path to PEM-encoded bundle with root certificates. If not set, default value will be "
+           "used."));
+}
+
+void SignDialog::connectButtons()
+{
+    const auto onClick = [this](QPushButton *button, Action action) {
+        connect(button, &QPushButton::clicked, this, action);
+    };
+    onClick(m_ui->addSignaturePushButton, &SignDialog::addSignature);
+    onClick(m_ui->removeSignaturePushButton, &SignDialog::removeSignature);
+    onClick(m_ui->verifySignaturePushButton, &SignDialog::verifySignature);
+    onClick(m_ui->dumpPushButton, &SignDialog::dumpSignature);
+    onClick(m_ui->genReqButton, &SignDialog::generateRequest);
+}
+
+void SignDialog::initStatusBar()
+{
+    m_statusBar = new QStatusBar(this);
+    m_busyIndicator = createBusyIndicator();
+    m_statusBar->addPermanentWidget(m_busyIndicator);
+    m_ui->statusBarLayout->addWidget(m_statusBar);
+    // A tool's words can be longer than the bar.
+    connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, &QWidget::setToolTip);
+}
+
+void SignDialog::initBuildEngine()
+{
+    auto *engineInfo = new BuildEngineInfo(this);
+    m_workspace = engineInfo->sharedSrcPath();
+    m_statusBar->showMessage(tr("Updating targets..."));
+    connect(
+        engineInfo,
+        &BuildEngineInfo::targetsChanged,
+        engineInfo,
+        [this](const QStringList &targets) { setTargets(targets); },
+        Qt::DirectConnection);
+}
+
+void SignDialog::initKeyGeneration()
+{
+    m_ui->generationKeyAlgoComboBox->insertItem(RSA, tr("RSA (2048)"));
+    m_ui->generationKeyAlgoComboBox->insertItem(GOST, tr("GOST R 34.10-2012 (256)"));
+
+    const QSettings settings;
+    m_ui->generationKeyAlgoComboBox->setCurrentIndex(
+        settings.value(Constants::KEY_GENERATION_HISTORY_ALGORYTHM, 0).toInt());
+    m_ui->generationKeyEncryptCheckBox->setChecked(
+        settings.value(Constants::KEY_GENERATION_HISTORY_ENCRYPT, true).toBool());
+}
+
+void SignDialog::initRegularKeysLink()
+{
+    const QString folder = QDir::toNativeSeparators(getDefaultKeysDir(m_workspace));
+    QString text = m_ui->regularKeysLabel->text();
+    m_ui->regularKeysLabel->setText(
+        text.replace(QStringLiteral("%folder_link%"), folder.toHtmlEscaped()));
+    connect(m_ui->regularKeysLabel,
+            &QLabel::linkActivated,
+            this,
+            [this, key = getDefaultKey(m_workspace)] { showInGraphicalShell(this, key); });
+}
+
+SignData SignDialog::data() const
+{
+    return {.binariesKey = pathOf(m_ui->binaryKeyPathChooser),
+            .clientKey = pathOf(m_ui->clientKeyPathChooser),
+            .clientCertificate = pathOf(m_ui->clientCertificatePathChooser),
+            .certificate = pathOf(m_ui->developerCertificatePathChooser),
+            .key = pathOf(m_ui->developerKeyPathChooser),
+            .rootCertificate = pathOf(m_ui->caCertificatePathChooser)};
+}
+
+QString SignDialog::package() const
+{
+    return pathOf(m_ui->rpmPathChooser);
+}
+
+KeyGenerationData SignDialog::keyGenerationData() const
+{
+    return {.companyName = m_ui->generateCompanyNameLineEdit->text(),
+            .requestPath = m_ui->generatedReqPathChooser->filePath(),
+            .auxiliaryPath = {},
+            .encrypt = m_ui->generationKeyEncryptCheckBox->isChecked(),
+            .keyPath = m_ui->generatedKeyPathChooser->filePath(),
+            .algorithm = KeyAlgorithm(m_ui->generationKeyAlgoComboBox->currentIndex())};
+}
+
+/// Whether a field may hold \a path; otherwise \a error is a text for the user.
+bool SignDialog::verifyPath(const QString &path, bool mustExist, QString *error) const
+{
+    if (!isFileChildOf(path, m_workspace)) {
+        *error =
+            tr("The path must be inside workspace folder:\n%1").arg(m_workspace.toUserOutput());
+        return false;
+    }
+    if (!mustExist || QFileInfo::exists(path))
+        return true;
+    *error = tr("File does not exist");
+    return false;
+}
+
+void SignDialog::setTargets(const QStringList &targets)
+{
+    {
+        // One announcement at the end instead of one for each state on the way.
+        const QSignalBlocker blocker(m_ui->m_comboBoxBuildTargets);
+        m_ui->m_comboBoxBuildTargets->clear();
+        m_ui->m_comboBoxBuildTargets->addItems(targets);
+        const QString saved =
+            QSettings().value(Constants::SIGN_DATA_HISTORY_TARGET_NAME, QString()).toString();
+        m_ui->m_comboBoxBuildTargets->setCurrentIndex(qMax(0, int(targets.indexOf(saved))));
+    }
+    const QPointer<SignDialog> self(this);
+    followTarget();
+    if (!self)
+        return;
+    m_statusBar->clearMessage();
+    connect(m_ui->m_comboBoxBuildTargets, &QComboBox::currentTextChanged, this, [this] {
+        schedule(&SignDialog::followTarget);
+    });
+}
+
+void SignDialog::setTargetName(const QString &name)
+{
+    if (name == m_current.name)
+        return;
+
+    const Run run(this);
+    if (!m_targetTools.contains(name)) {
+        const TargetToolsInfo probed(name);
+        if (!run)
+            return;
+        m_targetTools.insert(name, probed);
+    }
+    m_current = m_targetTools.value(name);
+    showToolsOfTarget();
+    updateOpensslInfo();
+    if (run)
+        refreshPackageState();
+}
+
+void SignDialog::followTarget()
+{
+    setTargetName(m_ui->m_comboBoxBuildTargets->currentText());
+}
+
+void SignDialog::showToolsOfTarget()
+{
+    const bool hasRpmsignExternal = m_current.hasRpmsignExternal;
+    const bool hasCustomerSign = m_current.hasCustomerSign;
+    const bool canInspect = hasRpmsignExternal || m_current.hasNxvcertCli;
+    const bool needsBinaryKey = !hasRpmsignExternal && hasCustomerSign;
+
+    m_ui->addSignaturePushButton->setVisible(hasRpmsignExternal || hasCustomerSign);
+    m_ui->removeSignaturePushButton->setVisible(canInspect);
+    m_ui->verifySignaturePushButton->setVisible(canInspect);
+    m_ui->dumpPushButton->setVisible(canInspect);
+    m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
+    m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
+    {
+        // The caller looks at the package itself, once.
+        const QSignalBlocker blocker(m_ui->rpmPathChooser);
+        for (PathChooser *chooser : {m_ui->rpmPathChooser,
+                                     m_ui->binaryKeyPathChooser,
+                                     m_ui->developerKeyPathChooser,
+                                     m_ui->developerCertificatePathChooser,
+                                     m_ui->clientKeyPathChooser,
+                                     m_ui->clientCertificatePathChooser,
+                                     m_ui->caCertificatePathChooser,
+                                     m_ui->generatedKeyPathChooser,
+                                     m_ui->generatedReqPathChooser})
+            chooser->triggerChanged();
+    }
+    m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
+}
+
+/// The back end of the current target. Null, after a message, when the target cannot sign.
+SignTool *SignDialog::signTool()
+{
+    if (SignTool *tool = m_signTools.value(m_current.name))
+        return tool;
+
+    SignTool *tool = nullptr;
+    if (m_current.hasRpmsignExternal) {
+        tool = new RpmsignExternal(this);
+    } else if (m_current.hasCustomerSign) {
+        tool = new CustomerSealkit(this);
+    } else {
+        Core::MessageManager::writeDisrupting(
+            QStringLiteral("Error: unable to find signing tools for the selected target"));
+        return nullptr;
+    }
+    m_signTools.insert(m_current.name, tool);
+    return tool;
+}
+
+void SignDialog::addSignature()
+{
+    if (package().isEmpty())
+        return;
+    SignTool *tool = signTool();
+    if (!tool)
+        return;
+
+    const Run run(this);
+    const Command::Result result = tool->addSignature(m_current.name, {package()}, data());
+    if (!run)
+        return;
+    m_ui->signStateLabel->setPixmap(stateIcon(result.succeeded()));
+    refreshPackageState();
+}
+
+void SignDialog::removeSignature()
+{
+    if (package().isEmpty())
+        return;
+    SignTool *tool = signTool();
+    if (!tool)
+        return;
+
+    const Run run(this);
+    tool->removeSignature(m_current.name, {package()});
+    if (run)
+        refreshPackageState();
+}
+
+void SignDialog::verifySignature()
+{
+    m_ui->verifyLabel->clear();
+    m_ui->verifyIconLabel->clear();
+    if (package().isEmpty())
+        return;
+    SignTool *tool = signTool();
+    if (!tool) {
+        m_ui->verifyLabel->setText(tr("Package can't be verified"));
+        m_ui->verifyIconLabel->setPixmap(stateIcon(false));
+        return;
+    }
+
+    const Run run(this);
+    const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
+    if (!run)
+        return;
+    m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
+                                                  : tr("Could not verify signatures"));
+    m_ui->verifyIconLabel->setPixmap(stateIcon(result.succeeded()));
+}
+
+void SignDialog::dumpSignature()
+{
+    if (package().isEmpty())
+        return;
+    m_ui->developerSignatureTextBrowser->clear();
+    m_ui->clientSignatureTextBrowser->clear();
+    m_ui->developerSignatureShortLabel->clear();
+    m_ui->clientSignatureShortLabel->clear();
+    SignTool *tool = signTool();
+    if (!tool) {
+        m_ui->developerSignatureTextBrowser->setPlainText(tr("Package can't be dumped"));
+        return;
+    }
+
+    const Run run(this);
+    const Command::Result result = tool->dumpSignature(m_current.name, {package()});
+    if (!run)
+        return;
+    // The tool writes for a terminal, which takes "\r\n" for the end of a line.
+    const QString dump = QString::fromUtf8(result.stdOut).remove(QLatin1Char('\r'));
+    showSignatures(midDumpOutput(dump));
+}
+
+void SignDialog::showSignatures(const QStringList &blocks)
+{
+    if (blocks.isEmpty()) {
+        m_ui->developerSignatureTextBrowser->setText(tr("No signatures found in package"));
+        return;
+    }
+    m_ui->developerSignatureTextBrowser->setText(blocks.first());
+    m_ui->developerSignatureTextBrowser->show();
+    m_ui->developerSignatureShortLabel->setText(parseDumpForSort(blocks.first()));
+
+    const bool hasClient = blocks.size() > 1;
+    if (hasClient) {
+        m_ui->clientSignatureTextBrowser->setText(blocks.at(1));
+        m_ui->clientSignatureShortLabel->setText(parseDumpForSort(blocks.at(1)));
+    }
+    m_ui->clientSignatureTextBrowser->setVisible(hasClient);
+}
+
+void SignDialog::refreshPackageState()
+{
+    const Run run(this);
+    verifySignature();
+    if (run)
+        dumpSignature();
+}
+
+void SignDialog::invalidate()
+{
+    schedule(&SignDialog::refreshPackageState);
+}
+
+/// Names the first empty field in a text for the user; empty when all are filled in.
+QString SignDialog::missingForRequest() const
+{
+    const KeyGenerationData request = keyGenerationData();
+    if (request.companyName.isEmpty())
+        return tr("Company name field cannot be empty");
+    if (request.keyPath.isEmpty())
+        return tr("Key field cannot be empty");
+    if (request.requestPath.isEmpty())
+        return tr("Request field cannot be empty");
+    return {};
+}
+
+void SignDialog::generateRequest()
+{
+    const Run run(this);
+    m_statusBar->clearMessage();
+    updateOpensslInfo();
+    if (!run)
+        return;
+
+    if (const QString missing = missingForRequest(); !missing.isEmpty()) {
+        m_statusBar->showMessage(missing);
+        m_ui->generateLabel->setPixmap(stateIcon(false));
+        return;
+    }
+    SignTool *tool = signTool();
+    if (!tool)
+        return;
+    const Command::Result result = tool->generateRequest(m_current.name, keyGenerationData());
+    if (!run)
+        return;
+    m_ui->generateLabel->setPixmap(stateIcon(result.succeeded()));
+    if (!result.succeeded()) {
+        m_statusBar->showMessage(
+            tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));
+    }
+}
+
+void SignDialog::onTabChanged(int index)
+{
+    if (index == REQUEST_TAB)
+        schedule(&SignDialog::updateOpensslInfo);
+}
+
+void SignDialog::updateOpensslInfo()
+{
+    if (m_targetTools.contains(m_current.name)) {
+        const Run run(this);
+        TargetToolsInfo info = m_targetTools.value(m_current.name);
+        info.updateOpensslState();
+        if (!run)
+            return;
+        m_targetTools.insert(info.name, info);
+        m_current = info;
+    }
+    updateOpensslLabel();
+}
+
+void SignDialog::updateOpensslLabel()
+{
+    QTextEdit *label = m_ui->opensslStatusLabel;
+    label->clear();
+    if (m_current.hasOpenssl)
+        return;
+    label->setTextColor(QColor::fromString(QLatin1String("red")));
+    label->setText(tr("OpenSSL not found in target '%1', please install it.").arg(m_current.name));
+    label->setTextColor(QApplication::palette().color(QPalette::Text));
+    label->append(tr("Available in: Tools - Options - Veyra OS - Manage Build Targets"));
+}
+
+void SignDialog::processButtonOperation(bool running)
+{
+    for (QPushButton *button : std::as_const(m_buttons))
+        button->setEnabled(!running);
+    m_ui->m_comboBoxBuildTargets->setEnabled(!running);
+    // Whoever types a package's path goes on typing: each letter is a new path to look at.
+    const bool typing = m_ui->rpmPathChooser->lineEdit()->hasFocus();
+    m_ui->rpmPathChooser->setEnabled(!running || typing);
+    m_busyIndicator->setVisible(running);
+}
+
+/// Has \a action called from the event loop, once however often it is asked for, as soon as no tool
+/// runs. Nor does it run tools inside a widget's signal, which the widget would not survive if the
+/// dialog went meanwhile.
+void SignDialog::schedule(Action action)
+{
+    if (!m_scheduled.contains(action))
+        m_scheduled << action;
+    QMetaObject::invokeMethod(this, &SignDialog::doScheduled, Qt::QueuedConnection);
+}
+
+void SignDialog::doScheduled()
+{
+    const QPointer<SignDialog> self(this);
+    while (self && m_runs == 0 && !m_scheduled.isEmpty())
+        (this->*m_scheduled.takeFirst())();
+}
+
+// "Subject: CN=Regular\nGroup: developer\nSubgroup: regular\n" gives
+// "Subject: CN=Regular\nGroup: developer\n"
+QString parseDumpForSort(const QString &dump)
+{
+    static const QRegularExpression line(QStringLiteral(
+        "(?:Subject:(.*))|(?:Group:(.*))|(?:Subgroup:(.*))|(?:Key ID:(.*))|(?:Signature:(.*))"));
+    QString summary;
+    for (auto matches = line.globalMatch(dump); matches.hasNext();) {
+        const QString match = matches.next().captured();
+        qDebug() << match;
+        if (match.startsWith(QLatin1String("Subject")) || match.startsWith(QLatin1String("Group")))
+            summary += match + QLatin1Char('\n');
+    }
+    return summary;
+}
+
+} // namespace Sealkit::Internal

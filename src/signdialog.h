@@ -1,0 +1,92 @@
+#pragma once
+
+#include "signdata.h"
+#include "targettoolsinfo.h"
+
+#include <utils/filepath.h>
+
+#include <QDialog>
+#include <QHash>
+
+#include <memory>
+
+class QProgressBar;
+class QPushButton;
+class QStatusBar;
+class Ui_SignDialog;
+
+namespace Sealkit::Internal {
+
+class SignTool;
+
+/// Signs, unsigns, verifies and dumps a package of the user's choice, and makes keys with their
+/// certificate signing requests. The tools run while the event loop turns; what the user chooses
+/// meanwhile is shown after the run.
+class SignDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit SignDialog(QWidget *parent);
+    ~SignDialog() override;
+
+    /// The keys and certificates as they stand in the fields, hidden ones included.
+    SignData data() const;
+
+private slots:
+    void onTabChanged(int index);
+
+private:
+    class Run;
+    using Action = void (SignDialog::*)();
+
+    void initPathChoosers();
+    void connectButtons();
+    void initStatusBar();
+    void initBuildEngine();
+    void initKeyGeneration();
+    void initRegularKeysLink();
+
+    QString package() const;
+    KeyGenerationData keyGenerationData() const;
+    bool verifyPath(const QString &path, bool mustExist, QString *error) const;
+    QString missingForRequest() const;
+
+    void setTargets(const QStringList &targets);
+    void setTargetName(const QString &name);
+    void followTarget();
+    void showToolsOfTarget();
+    SignTool *signTool();
+
+    void addSignature();
+    void removeSignature();
+    void verifySignature();
+    void dumpSignature();
+    void refreshPackageState();
+    void showSignatures(const QStringList &blocks);
+    void generateRequest();
+
+    void updateOpensslInfo();
+    void updateOpensslLabel();
+    void invalidate();
+
+    void processButtonOperation(bool running);
+    void schedule(Action action);
+    void doScheduled();
+
+    TargetToolsInfo m_current;
+    QHash<QString, TargetToolsInfo> m_targetTools;
+    QHash<QString, SignTool *> m_signTools;
+    Utils::FilePath m_workspace;
+    const std::unique_ptr<Ui_SignDialog> m_ui;
+    QList<QPushButton *> m_buttons;
+    QStatusBar *m_statusBar = nullptr;
+    QProgressBar *m_busyIndicator = nullptr;
+    int m_runs = 0;
+    QList<Action> m_scheduled;
+};
+
+/// The subject and group lines of a signature's dump.
+QString parseDumpForSort(const QString &dump);
+
+} // namespace Sealkit::Internal
