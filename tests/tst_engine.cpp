@@ -536,7 +536,7 @@ void EngineTest::dumpTellsSubjectAndUnits()
     const QString path = addPackage("a.rpm");
     QCOMPARE(rpmsign({"sign", "-k", key("client_key.pem"), "-c", certificate, path}).exitCode, 0);
     const QString dump = rpmsign({"dump", path}).out;
-    QCOMPARE(dump.left(dump.indexOf("Key ID")), path + '\n' + lines);
+    QCOMPARE(dump.left(dump.indexOf("Key ID")), lines);
 }
 
 void EngineTest::wordsAndExitCodes_data()

@@ -169,13 +169,18 @@ delete_signatures() { # PACKAGE...
     done
 }
 
+print_absolute() { # PATH
+    case $1 in
+    /*) printf '%s\n' "$1" ;;
+    *) printf '%s/%s\n' "$PWD" "$1" ;;
+    esac
+}
+
+# Of several packages, each one's path comes before its signatures.
 dump_signatures() { # PACKAGE...
     require_packages "$@"
     for package; do
-        case $package in
-        /*) printf '%s\n' "$package" ;;
-        *) printf '%s/%s\n' "$PWD" "$package" ;;
-        esac
+        [ $# -eq 1 ] || print_absolute "$package"
         number=1
         while find_signature "$package" "$number"; do
             openssl cms -cmsout -print -noout -inform DER -in "$signature" \
