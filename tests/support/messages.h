@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+/// What has been written to the General Messages since this object was made.
+class Messages : public QObject
+{
+public:
+    Messages();
+
+    /// All messages; those that disrupt begin with "!".
+    QStringList take();
+
+private:
+    QStringList m_messages;
+};

@@ -1,0 +1,137 @@
+#include "workplace.h"
+
+#include <brisk/sdk.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/kitmanager.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
+#include <veyraos/kilnkits.h>
+#include <veyraos/veyraosplugin.h>
+
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QMetaEnum>
+
+using namespace ProjectExplorer;
+using Utils::FilePath;
+
+Workplace::Workplace()
+    : m_hostPlugin(std::make_unique<Kiln::Internal::VeyraOSPlugin>())
+{
+    QString error;
+    if (!Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error))
+        qFatal("%s", qPrintable(error));
+    Kiln::Internal::registerKits();
+    copyRegularKeys();
+}
+
+/// As the plugin does when it is initialized.
+void Workplace::copyRegularKeys() const
+{
+    const QString keys = m_sdk.workspace() + "/.veyraos-regular-keys";
+    QDir().mkpath(keys);
+    for (const char *name : {"/regular_key.pem", "/regular_cert.pem"}) {
+        if (!QFile::copy(m_sdk.path() + "/package-signing" + name, keys + name))
+            qFatal("The regular keys cannot be copied");
+    }
+}
+
+Workplace::~Workplace()
+{
+    closeProjects();
+    KitManager::deregisterAllKits();
+    Brisk::Sdk::close();
+}
+
+FilePath Workplace::workspace() const
+{
+    return FilePath::fromString(m_sdk.workspace());
+}
+
+Kit *Workplace::kit(const QString &targetName) const
+{
+    const QList<Kit *> kits = KitManager::kits();
+    for (Kit *kit : kits) {
+        if (kit->displayName() == targetName)
+            return kit;
+    }
+    return nullptr;
+}
+
+Project *Workplace::openProject(const QString &targetName)
+{
+    const FilePath folder = workspace() / QStringLiteral("project%1").arg(++m_projectCount);
+    QDir().mkpath((folder / "rpm").toFSPathString());
+    const FilePath spec = folder / "rpm" / "project.spec";
+    QFile file(spec.toFSPathString());
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("%s", qPrintable(file.errorString()));
+
+    auto *project = new Project(spec);
+    project->addTargetForKit(kit(targetName));
+    ProjectManager::addProject(project);
+    return project;
+}
+
+void Workplace::closeProjects()
+{
+    const QList<Project *> projects = ProjectManager::projects();
+    for (Project *project : projects)
+        ProjectManager::removeProject(project);
+}
+
+QStringList Workplace::makePackages(const Project *project, const QStringList &names)
+{
+    const QString folder = (project->projectDirectory() / "RPMS").toFSPathString();
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+    QStringList paths;
+    for (const QString &name : names) {
+        QFile file(folder + '/' + name);
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("%s", qPrintable(file.errorString()));
+        // The magic number of a package, then anything.
+        file.write("\xed\xab\xee\xdb" + name.toUtf8());
+        paths << file.fileName();
+    }
+    return paths;
+}
+
+BuildStepList *deploySteps(const Project *project)
+{
+    return project->activeTarget()->activeDeployConfiguration()->stepList();
+}
+
+QStringList stepIds(const BuildStepList *stepList)
+{
+    QStringList ids;
+    const QList<BuildStep *> steps = stepList->steps();
+    for (const BuildStep *step : steps)
+        ids << step->id().toString();
+    return ids;
+}
+
+QStringList runStep(BuildStep *step)
+{
+    QStringList output;
+    const auto connection =
+        QObject::connect(step,
+                         &BuildStep::addOutput,
+                         [&output](const QString &text, BuildStep::OutputFormat format) {
+                             const auto formats = QMetaEnum::fromType<BuildStep::OutputFormat>();
+                             output << QLatin1String(formats.valueToKey(int(format))) + ": " + text;
+                         });
+    QEventLoop loop;
+    Tasking::TaskTree tree({step->recipe()});
+    QObject::connect(
+        &tree, &Tasking::TaskTree::done, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    tree.start();
+    if (tree.isRunning())
+        loop.exec();
+    QObject::disconnect(connection);
+    return output;
+}

@@ -1,0 +1,395 @@
+#include "command.h"
+#include "messages.h"
+#include "promptanswers.h"
+#include "settingsscope.h"
+#include "signdata.h"
+#include "signtool.h"
+#include "straywarnings.h"
+
+#include <coreplugin/icore.h>
+
+#include <QSettings>
+#include <QTest>
+
+#include <csignal>
+#include <optional>
+
+using namespace Sealkit::Internal;
+using Command::Result;
+using Target = Command::brisk::engine::target;
+
+/// A back end that runs whatever it is told to.
+class ScriptedTool : public SignTool
+{
+public:
+    ScriptedTool()
+        : SignTool(nullptr)
+    {
+    }
+
+    Result run(const QStringList &actions)
+    {
+        return Command::exec(m_handler, QStringList{FAKE_TOOL} + actions);
+    }
+
+    Result addSignature(const QString &, const QStringList &, const SignData &) override
+    {
+        return {};
+    }
+    Result removeSignature(const QString &, const QStringList &) override { return {}; }
+    Result verifySignature(const QString &, const QStringList &, const SignData &) override
+    {
+        return {};
+    }
+    Result dumpSignature(const QString &, const QStringList &) override { return {}; }
+    Result generateRequest(const QString &, const KeyGenerationData &) override { return {}; }
+};
+
+class CommandTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QSettings().setValue("Kiln.BriskPath", "/b/brisk"); }
+    void init() { failOnStrayWarnings(); }
+
+    void composes_data();
+    void composes();
+
+    void reportsHowARunEnds_data();
+    void reportsHowARunEnds();
+    void reportsAProgramThatCannotStart();
+    void survivesAnEmptyCommandLine();
+    void keepsBothStreamsWhole();
+    void deliversLastWordsOfAProgramThatEndsWhileAnswered();
+    void readsNothingWithoutAHandler();
+    void killsWhenTheHandlerSaysSo();
+    void killsWhenTheIdeCloses();
+    void runsWithinARun();
+
+    void cutsOutputIntoLines_data();
+    void cutsOutputIntoLines();
+    void recognisesPrompts_data();
+    void recognisesPrompts();
+    void answersPrompts();
+    void stopsAtADeclinedPrompt_data();
+    void stopsAtADeclinedPrompt();
+    void survivesItsToolBeingDeletedWhileAsking();
+
+private:
+    SettingsScope m_settings;
+};
+
+void CommandTest::composes_data()
+{
+    QTest::addColumn<QStringList>("commandLine");
+    QTest::addColumn<QString>("words");
+
+    const QString target = QStringLiteral("T 1");
+    const QString none;
+    const QStringList files{QStringLiteral("a.rpm"), QStringLiteral("b c.rpm")};
+    SignData data;
+    SignData dataWithClient;
+    dataWithClient.binariesKey = QStringLiteral("b.pem");
+    dataWithClient.key = QStringLiteral("k.pem");
+    dataWithClient.certificate = QStringLiteral("c.pem");
+    dataWithClient.clientCertificate = QStringLiteral("cc.pem");
+    dataWithClient.clientKey = QStringLiteral("unused");
+    dataWithClient.rootCertificate = QStringLiteral("unused");
+
+    const auto key = QStringLiteral("k.pem");
+    const auto certificate = QStringLiteral("c.pem");
+    const auto root = QStringLiteral("r.pem");
+    const auto request = QStringLiteral("q.csr");
+    const auto config = QStringLiteral("q.conf");
+
+    QTest::newRow("start") << Command::compose<Command::brisk::engine::start>()
+                           << "/b/brisk|engine|start";
+
+    const auto row = [](const char *name, const QStringList &commandLine, const QString &words) {
+        QTest::newRow(name) << commandLine
+                            << QStringLiteral("/b/brisk|engine|exec|-tt|sb2|-t|T 1|") + words;
+    };
+    using Nxvcert = Target::nxvcert_cli;
+    row("nxvcert remove",
+        Command::compose<Nxvcert::remove>(target, files),
+        "nxvcert-cli|delete|a.rpm|b c.rpm");
+    row("nxvcert dump",
+        Command::compose<Nxvcert::dump>(target, files),
+        "nxvcert-cli|dump|a.rpm|b c.rpm");
+    row("nxvcert help", Command::compose<Nxvcert::help>(target), "nxvcert-cli|--help");
+    row("nxvcert verify",
+        Command::compose<Nxvcert::verify>(target, root, files),
+        "nxvcert-cli|verify|--root-cert-file-path|r.pem|a.rpm|b c.rpm");
+    row("nxvcert verify, default root",
+        Command::compose<Nxvcert::verify>(target, none, files),
+        "nxvcert-cli|verify|--root-cert-file-path||a.rpm|b c.rpm");
+
+    using Openssl = Target::openssl;
+    row("openssl version", Command::compose<Openssl::version>(target), "openssl version");
+    row("GOST key",
+        Command::compose<Openssl::generateKeyGost>(target, key, false),
+        "openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem");
+    row("GOST key, encrypted",
+        Command::compose<Openssl::generateKeyGost>(target, key, true),
+        "openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem|"
+        "-aes256");
+    row("RSA key",
+        Command::compose<Openssl::generateKeyRSA>(target, key, false),
+        "openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem");
+    row("RSA key, encrypted",
+        Command::compose<Openssl::generateKeyRSA>(target, key, true),
+        "openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem|-aes256");
+    row("request",
+        Command::compose<Openssl::generateRequest>(target, key, request, config),
+        "openssl|req|-new|-utf8|-batch|-config|q.conf|-key|k.pem|-out|q.csr");
+
+    using Rpmsign = Target::rpmsign_external;
+    row("rpmsign remove",
+        Command::compose<Rpmsign::remove>(target, files),
+        "rpmsign-external|delete|a.rpm|b c.rpm");
+    row("rpmsign dump",
+        Command::compose<Rpmsign::dump>(target, QStringList()),
+        "rpmsign-external|dump");
+    row("rpmsign version",
+        Command::compose<Rpmsign::version>(target),
+        "rpmsign-external|--version");
+    row("rpmsign sign",
+        Command::compose<Rpmsign::sign>(target, key, certificate, files),
+        "rpmsign-external|sign|-k|k.pem|-c|c.pem|a.rpm|b c.rpm");
+    row("rpmsign verify",
+        Command::compose<Rpmsign::verify>(target, root, files),
+        "rpmsign-external|verify|--root-cert|r.pem|a.rpm|b c.rpm");
+    row("rpmsign verify, default root",
+        Command::compose<Rpmsign::verify>(target, none, files),
+        "rpmsign-external|verify|a.rpm|b c.rpm");
+
+    using Customer = Target::customer_sign;
+    row("customer help", Command::compose<Customer::help>(target), "customer-sign|--help");
+    row("customer sign",
+        Command::compose<Customer::sign>(target, dataWithClient, files),
+        "customer-sign|--binaries-key|b.pem|--packages-key|k.pem|--packages-cert|c.pem|"
+        "--packages-client-cert|cc.pem|a.rpm|b c.rpm");
+    row("customer sign, nothing given",
+        Command::compose<Customer::sign>(target, data, files),
+        "customer-sign|--binaries-key||--packages-key||--packages-cert||a.rpm|b c.rpm");
+}
+
+void CommandTest::composes()
+{
+    QFETCH(const QStringList, commandLine);
+    QFETCH(const QString, words);
+    QCOMPARE(commandLine, words.split('|'));
+}
+
+void CommandTest::reportsHowARunEnds_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("crashed");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("success") << "exit:0" << false << 0;
+    QTest::newRow("failure") << "exit:3" << false << 3;
+    QTest::newRow("crash") << "signal:11" << true << 11;
+}
+
+void CommandTest::reportsHowARunEnds()
+{
+    QFETCH(const QString, action);
+    QFETCH(const bool, crashed);
+    QFETCH(const int, exitCode);
+
+    Messages messages;
+    const Result result = ScriptedTool().run({action});
+    QCOMPARE(result.crashed, crashed);
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(messages.take(),
+             QStringList{QStringLiteral("[$] %1\t%2 %3").arg(exitCode).arg(FAKE_TOOL, action)});
+}
+
+void CommandTest::reportsAProgramThatCannotStart()
+{
+    Messages messages;
+    const Result result = Command::exec([](auto &&...) { return true; }, {"/no/such tool", "x"});
+    QVERIFY(!result.succeeded());
+    QCOMPARE(result.stdOut + result.stdErr, QByteArray());
+
+    const QStringList lines = messages.take();
+    QCOMPARE(lines.size(), 2);
+    QVERIFY2(lines.at(0).startsWith("![E]\t"), qPrintable(lines.at(0)));
+    QCOMPARE(lines.at(1), QStringLiteral("[$] %1\t/no/such tool x").arg(result.exitCode));
+}
+
+void CommandTest::survivesAnEmptyCommandLine()
+{
+    Messages messages;
+    QCOMPARE(Command::exec({}, {}), Result());
+    QCOMPARE(messages.take().size(), 2);
+}
+
+void CommandTest::keepsBothStreamsWhole()
+{
+    const Result result = ScriptedTool().run({"lines:20000", "err:no end", "out:x"});
+    QVERIFY(result.succeeded());
+    QCOMPARE(result.stdOut.size(), 20000 * 80 + 1);
+    QCOMPARE(result.stdErr, QByteArray("no end"));
+}
+
+void CommandTest::deliversLastWordsOfAProgramThatEndsWhileAnswered()
+{
+    // The answer is larger than a pipe, so writing it lasts until the program has gone.
+    QByteArray received;
+    bool answered = false;
+    const auto handler = [&](const QByteArray &out, const QByteArray &err, QByteArray &input) {
+        received += out + err;
+        if (!answered)
+            input = QByteArray(1 << 20, 'y');
+        answered = true;
+        return true;
+    };
+    const Result result = Command::exec(
+        handler, {FAKE_TOOL, "out:first", "sleep:200", "out:last", "err:words", "exit:4"});
+    QCOMPARE(result.exitCode, 4);
+    QCOMPARE(received, QByteArray("firstlastwords"));
+    QCOMPARE(result.stdOut, QByteArray("firstlast"));
+    QCOMPARE(result.stdErr, QByteArray("words"));
+}
+
+void CommandTest::readsNothingWithoutAHandler()
+{
+    const Result result = Command::exec({}, {FAKE_TOOL, "lines:5000", "exit:2"});
+    QCOMPARE(result, (Result{false, 2, {}, {}}));
+}
+
+void CommandTest::killsWhenTheHandlerSaysSo()
+{
+    const auto handler = [](const QByteArray &out, const QByteArray &, QByteArray &) {
+        return out.isEmpty();
+    };
+    const Result result = Command::exec(handler, {FAKE_TOOL, "ignore-term", "out:x", "hang"});
+    QVERIFY(result.crashed);
+    QCOMPARE(result.exitCode, SIGKILL);
+}
+
+void CommandTest::killsWhenTheIdeCloses()
+{
+    QTimer::singleShot(50, [] { emit Core::ICore::instance()->coreAboutToClose(); });
+    QVERIFY(Command::exec({}, {FAKE_TOOL, "hang"}).crashed);
+}
+
+void CommandTest::runsWithinARun()
+{
+    Result inner;
+    QTimer::singleShot(20, [&inner] { inner = ScriptedTool().run({"out:inner", "exit:5"}); });
+    const Result outer = ScriptedTool().run({"out:outer", "sleep:150", "out:!", "exit:6"});
+    QCOMPARE(inner, (Result{false, 5, {}, "inner"}));
+    QCOMPARE(outer, (Result{false, 6, {}, "outer!"}));
+}
+
+void CommandTest::cutsOutputIntoLines_data()
+{
+    QTest::addColumn<QByteArray>("chunk");
+    QTest::addColumn<QStringList>("lines");
+
+    QTest::newRow("nothing") << QByteArray() << QStringList();
+    QTest::newRow("only line ends") << QByteArray("\r\n\n\r") << QStringList();
+    QTest::newRow("blank lines between") << QByteArray("a\r\n\r\nb") << QStringList{"a", "b"};
+    QTest::newRow("no line end at the end") << QByteArray("a\nb") << QStringList{"a", "b"};
+    QTest::newRow("blanks stay") << QByteArray(" a \n \n") << QStringList{" a ", " "};
+    QTest::newRow("UTF-8") << QByteArray("\xd0\xaf\n\xe5\xad\x97") << QStringList{"Я", "字"};
+    QTest::newRow("markup stays") << QByteArray("<b>%1</b>\n") << QStringList{"<b>%1</b>"};
+}
+
+void CommandTest::cutsOutputIntoLines()
+{
+    QFETCH(const QByteArray, chunk);
+    QFETCH(const QStringList, lines);
+
+    ScriptedTool tool;
+    Messages messages;
+    QByteArray input;
+    QVERIFY(tool.handleIO(chunk, chunk, input));
+    QCOMPARE(input, QByteArray());
+
+    QStringList expected;
+    for (const QString &line : lines)
+        expected << "[I]\t" + line;
+    for (const QString &line : lines)
+        expected << "![E]\t" + line;
+    QCOMPARE(messages.take(), expected);
+}
+
+void CommandTest::recognisesPrompts_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("isPrompt");
+
+    QTest::newRow("binaries key") << "Enter passphrase for binaries key /k.pem:" << true;
+    QTest::newRow("new key") << "Enter PEM pass phrase:" << true;
+    QTest::newRow("new key again") << "Verifying - Enter PEM pass phrase:" << true;
+    QTest::newRow("existing key") << "Enter pass phrase for /k.pem:" << true;
+    QTest::newRow("other case") << "enter pass phrase for /k.pem:" << false;
+    QTest::newRow("other passphrase") << "Enter passphrase for key:" << false;
+    QTest::newRow("within a line") << " Enter pass phrase:" << false;
+    QTest::newRow("repeated for an existing key") << "Verifying - Enter pass phrase:" << false;
+}
+
+void CommandTest::recognisesPrompts()
+{
+    QFETCH(const QString, line);
+    QTEST(isPasswordReq(line), "isPrompt");
+}
+
+void CommandTest::answersPrompts()
+{
+    const QString first = QStringLiteral(" p\"a's $&\\% Я ");
+    PromptAnswers user({first, QStringLiteral("second")});
+    Messages messages;
+    const Result result = ScriptedTool().run({"out:hello\\n",
+                                              "prompt:Enter PEM pass phrase",
+                                              "prompt:Verifying - Enter PEM pass phrase"});
+    QVERIFY(result.succeeded());
+    QCOMPARE(user.prompts(),
+             (QStringList{"Enter PEM pass phrase: ", "Verifying - Enter PEM pass phrase: "}));
+
+    QStringList lines = messages.take();
+    QVERIFY(lines.takeLast().startsWith("[$] 0\t"));
+    QCOMPARE(lines, (QStringList{"[I]\thello", "[I]\tgot [" + first + "]", "[I]\tgot [second]"}));
+}
+
+void CommandTest::stopsAtADeclinedPrompt_data()
+{
+    QTest::addColumn<QStringList>("answers");
+    QTest::addColumn<int>("prompts");
+
+    QTest::newRow("first") << QStringList() << 1;
+    QTest::newRow("second") << QStringList{"x"} << 2;
+}
+
+void CommandTest::stopsAtADeclinedPrompt()
+{
+    QFETCH(const QStringList, answers);
+
+    PromptAnswers user(answers);
+    const Result result = ScriptedTool().run({"ignore-term",
+                                              "prompt:Enter pass phrase for a",
+                                              "prompt:Enter pass phrase for b",
+                                              "hang"});
+    QVERIFY(result.crashed);
+    QTEST(int(user.prompts().size()), "prompts");
+}
+
+void CommandTest::survivesItsToolBeingDeletedWhileAsking()
+{
+    auto *tool = new ScriptedTool;
+    std::optional<PromptAnswers> user;
+    QTimer::singleShot(100, [tool, &user] {
+        delete tool;
+        user.emplace(QStringList{"answer"});
+    });
+    QVERIFY(tool->run({"prompt:Enter pass phrase", "hang"}).crashed);
+    QCOMPARE(user->prompts(), QStringList{"Enter pass phrase: "});
+}
+
+QTEST_MAIN(CommandTest)
+#include "tst_command.moc"
