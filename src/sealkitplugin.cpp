@@ -2,9 +2,15 @@
 
 #include "constants.h"
 #include "projectlistener.h"
+#include "signdialog.h"
+#include "signoptionspage.h"
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/actionmanager.h>
+#include <coreplugin/actionmanager/command.h>
+#include <coreplugin/coreconstants.h>
 #include <coreplugin/dialogs/ioptionspage.h>
 #include <coreplugin/icore.h>
 #include <coreplugin/messagemanager.h>
@@ -13,10 +19,12 @@
 #include <utils/icon.h>
 #include <utils/qtcsettings.h>
 
+#include <QAction>
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
 #include <QLocale>
+#include <QMainWindow>
 #include <QTranslator>
 
 using Core::MessageManager;
@@ -32,6 +40,8 @@ bool SealkitPlugin::initialize(const QStringList & /*arguments*/, QString * /*er
 {
     registerOptionsCategory();
     loadTranslations();
+    addSignPackagesAction();
+    new SignOptionsPage(this);
     watchBuildEngines();
     return true;
 }
@@ -67,6 +77,23 @@ void SealkitPlugin::loadTranslations()
             Core::ICore::resourcePath(QStringLiteral("translations")).toFSPathString())) {
         QCoreApplication::installTranslator(translator);
     }
+}
+
+void SealkitPlugin::addSignPackagesAction()
+{
+    auto *action = new QAction(tr("&Sign Packages"), this);
+    connect(action, &QAction::triggered, this, &SealkitPlugin::showSignDialog);
+    Core::Command *command = Core::ActionManager::registerAction(
+        action, Constants::SIGN_DIALOG_ACTION_ID, Core::Context(Core::Constants::C_GLOBAL));
+    Core::ActionManager::createMenu(Constants::KILN_TOOLS_MENU)->addAction(command);
+}
+
+void SealkitPlugin::showSignDialog()
+{
+    if (!m_signDialog)
+        m_signDialog = std::make_unique<SignDialog>(Core::ICore::mainWindow());
+    m_signDialog->show();
+    Core::ICore::raiseWindow(m_signDialog.get());
 }
 
 void SealkitPlugin::watchBuildEngines()

@@ -12,6 +12,7 @@
 namespace Sealkit::Internal {
 
 class ProjectListener;
+class SignDialog;
 
 /// Makes what the plugin brings into the IDE, and lets go of it.
 class SealkitPlugin : public ExtensionSystem::IPlugin
@@ -35,9 +36,12 @@ public slots:
 private:
     void registerOptionsCategory();
     void loadTranslations();
+    void addSignPackagesAction();
+    void showSignDialog();
     void watchBuildEngines();
     bool copyDefault(const char *fileName, const Utils::FilePath &destination);
 
+    std::unique_ptr<SignDialog> m_signDialog; ///< made on first use, then kept
     std::unique_ptr<ProjectListener> m_projectListener;
     DeployStepFactory<CustomerSignStep> m_customerSignStepFactory;
     DeployStepFactory<RpmsignExternalStep> m_rpmsignExternalStepFactory;
