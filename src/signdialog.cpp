@@ -590,11 +590,12 @@ void SignDialog::updateOpensslLabel()
 
 void SignDialog::processButtonOperation(bool running)
 {
+    // Whoever types a package's path goes on typing: each letter is a new path to look at.
+    // Asked first, for a widget that is disabled hands the focus to its neighbour.
+    const bool typing = m_ui->rpmPathChooser->lineEdit()->hasFocus();
     for (QPushButton *button : std::as_const(m_buttons))
         button->setEnabled(!running);
     m_ui->m_comboBoxBuildTargets->setEnabled(!running);
-    // Whoever types a package's path goes on typing: each letter is a new path to look at.
-    const bool typing = m_ui->rpmPathChooser->lineEdit()->hasFocus();
     m_ui->rpmPathChooser->setEnabled(!running || typing);
     m_busyIndicator->setVisible(running);
 }
