@@ -2,6 +2,7 @@
 
 #include <veyraos/kilnconstants.h>
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace Sealkit::Constants {
@@ -79,12 +80,24 @@ const char SIGN_DATA_CLIENT_CERTIFICATE_COMPLETER_KEY[] =
 const char SIGN_DATA_BINARY_KEY_COMPLETER_KEY[] = "KilnRpmSign.Data.Completer.BinaryKey";
 
 // Path choosers
-const char SIGN_DATA_CERT_PLACEHOLDERTEXT[] = "Select certificate (*.pem)";
-const char SIGN_DATA_KEY_PLACEHOLDERTEXT[] = "Select key file (*.pem)";
-const char SIGN_DATA_RPM_PROMPT_DIALOG_TITLE[] = "Select RPM package";
-const char SIGN_DATA_RPM_PROMPT_DIALOG_FILTER[] = "RPM package (*.rpm)";
-const char SIGN_DATA_PEM_PROMPT_DIALOG_TITLE[] = "Select Privacy-Enhanced Mail container";
-const char SIGN_DATA_PEM_PROMPT_DIALOG_FILTER[] = "Privacy-Enhanced Mail container (*.pem)";
+const char SIGN_DATA_CERT_PLACEHOLDERTEXT[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "Select certificate (*.pem)");
+const char SIGN_DATA_KEY_PLACEHOLDERTEXT[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "Select key file (*.pem)");
+const char SIGN_DATA_RPM_PROMPT_DIALOG_TITLE[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "Select RPM package");
+const char SIGN_DATA_RPM_PROMPT_DIALOG_FILTER[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "RPM package (*.rpm)");
+const char SIGN_DATA_PEM_PROMPT_DIALOG_TITLE[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "Select Privacy-Enhanced Mail container");
+const char SIGN_DATA_PEM_PROMPT_DIALOG_FILTER[] =
+    QT_TRANSLATE_NOOP("Sealkit::Constants", "Privacy-Enhanced Mail container (*.pem)");
+
+/// One of the path choosers' texts in the user's language.
+inline QString translated(const char *text)
+{
+    return QCoreApplication::translate("Sealkit::Constants", text);
+}
 
 const char SIGN_DIALOG_ACTION_ID[] = "Sealkit.SignDialog";
 

@@ -165,15 +165,16 @@ void SignDialog::initPathChoosers()
 
     initPathChooser(m_ui->rpmPathChooser,
                     QDir::homePath(),
-                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
-                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
-                    tr(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
+                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
                     Constants::SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY,
                     validator(true));
     connect(m_ui->rpmPathChooser, &PathChooser::rawPathChanged, this, &SignDialog::invalidate);
 
-    const QString keyHint = tr(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT);
-    const QString certificateHint = tr(Constants::SIGN_DATA_CERT_PLACEHOLDERTEXT);
+    const QString keyHint = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT);
+    const QString certificateHint =
+        Constants::translated(Constants::SIGN_DATA_CERT_PLACEHOLDERTEXT);
     const struct
     {
         PathChooser *chooser;
@@ -206,8 +207,8 @@ void SignDialog::initPathChoosers()
         initPathChooser(field.chooser,
                         QDir::homePath(),
                         field.placeholderText,
-                        tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
-                        tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
+                        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
+                        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
                         field.historyKey,
                         validator(field.mustExist));
         if (!field.mustExist)

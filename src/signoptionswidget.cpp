@@ -79,14 +79,17 @@ void SignOptionsWidget::initPathChooser(PathChooser *chooser,
 {
     chooser->setToolTip(toolTip);
     chooser->setExpectedKind(PathChooser::File);
-    chooser->setPromptDialogFilter(tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER));
-    chooser->setPromptDialogTitle(tr(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE));
+    chooser->setPromptDialogFilter(
+        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER));
+    chooser->setPromptDialogTitle(
+        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE));
     chooser->setHistoryCompleter(historyKey);
     // The chooser's path is what will be stored; the text can have a "~" in it.
     chooser->setValidationFunction([this, chooser](FancyLineEdit *, QString *error) -> bool {
         return verifyPath(chooser->filePath().toFSPathString(), error);
     });
-    chooser->lineEdit()->setPlaceholderText(tr(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT));
+    chooser->lineEdit()->setPlaceholderText(
+        Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT));
 }
 
 void SignOptionsWidget::store() const
