@@ -537,6 +537,7 @@ void EngineTest::dumpTellsSubjectAndUnits()
     QCOMPARE(rpmsign({"sign", "-k", key("client_key.pem"), "-c", certificate, path}).exitCode, 0);
     const QString dump = rpmsign({"dump", path}).out;
     QCOMPARE(dump.left(dump.indexOf("Key ID")), lines);
+    QVERIFY(dump.endsWith('\n' + path + '\n'));
 }
 
 void EngineTest::wordsAndExitCodes_data()

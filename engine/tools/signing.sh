@@ -176,7 +176,8 @@ print_absolute() { # PATH
     esac
 }
 
-# Of several packages, each one's path comes before its signatures.
+# Of several packages, each one's path comes before its signatures. Of a single one it comes last: the
+# dump then begins with its first signature.
 dump_signatures() { # PACKAGE...
     require_packages "$@"
     for package; do
@@ -189,6 +190,7 @@ dump_signatures() { # PACKAGE...
             number=$((number + 1))
         done
     done
+    [ $# -gt 1 ] || print_absolute "$package"
 }
 
 # Checks every signature of every package. An empty ROOTS stands for the target's own bundle.
