@@ -1,0 +1,542 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>CustomerSignStepWidget</name>
+    <message>
+        <source>Command:</source>
+        <translation>Befehl:</translation>
+    </message>
+    <message>
+        <source>Binaries key:</source>
+        <translation>Schlüssel für Binärdateien:</translation>
+    </message>
+    <message>
+        <source>Packages key:</source>
+        <translation>Schlüssel für Pakete:</translation>
+    </message>
+    <message>
+        <source>Packages certificate:</source>
+        <translation>Zertifikat für Pakete:</translation>
+    </message>
+    <message>
+        <source>Packages client certificate:</source>
+        <translation>Client-Zertifikat für Pakete:</translation>
+    </message>
+    <message>
+        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;If this option is disabled, packages debuginfo and debugsource will not be signed&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
+        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Ist diese Option ausgeschaltet, werden debuginfo- und debugsource-Pakete nicht signiert&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
+    </message>
+    <message>
+        <source>Sign debug package</source>
+        <translation>Debug-Pakete signieren</translation>
+    </message>
+</context>
+<context>
+    <name>QObject</name>
+    <message>
+        <source>Error: key and certificate can&apos;t be empty</source>
+        <translation>Fehler: Schlüssel und Zertifikat müssen angegeben sein</translation>
+    </message>
+    <message>
+        <source>Error: key and certificate must be inside workspace folder: %1</source>
+        <translation>Fehler: Schlüssel und Zertifikat müssen im Arbeitsbereich liegen: %1</translation>
+    </message>
+    <message>
+        <source>Error: keys and certificate can&apos;t be empty</source>
+        <translation>Fehler: Beide Schlüssel und das Zertifikat müssen angegeben sein</translation>
+    </message>
+    <message>
+        <source>Error: keys and certificate must be inside workspace folder: %1</source>
+        <translation>Fehler: Beide Schlüssel und das Zertifikat müssen im Arbeitsbereich liegen: %1</translation>
+    </message>
+    <message>
+        <source>No Build Engine found</source>
+        <translation>Keine Build-Engine gefunden</translation>
+    </message>
+    <message>
+        <source>Could not open %1 for writing: %2.</source>
+        <translation>%1 konnte nicht zum Schreiben geöffnet werden: %2.</translation>
+    </message>
+    <message>
+        <source>Could not write data to %1: %2.</source>
+        <translation>In %1 konnte nicht geschrieben werden: %2.</translation>
+    </message>
+    <message>
+        <source>Error: the kit has no build engine</source>
+        <translation>Fehler: Das Kit hat keine Build-Engine</translation>
+    </message>
+    <message>
+        <source>Error: the kit has no build target</source>
+        <translation>Fehler: Das Kit hat kein Build-Ziel</translation>
+    </message>
+</context>
+<context>
+    <name>RpmsignExternalWidget</name>
+    <message>
+        <source>Global keys are used</source>
+        <translation>Globale Schlüssel werden verwendet</translation>
+    </message>
+    <message>
+        <source>Key:</source>
+        <translation>Schlüssel:</translation>
+    </message>
+    <message>
+        <source>Certificate:</source>
+        <translation>Zertifikat:</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Constants</name>
+    <message>
+        <source>Select certificate (*.pem)</source>
+        <translation>Zertifikat auswählen (*.pem)</translation>
+    </message>
+    <message>
+        <source>Select key file (*.pem)</source>
+        <translation>Schlüsseldatei auswählen (*.pem)</translation>
+    </message>
+    <message>
+        <source>Select RPM package</source>
+        <translation>RPM-Paket auswählen</translation>
+    </message>
+    <message>
+        <source>RPM package (*.rpm)</source>
+        <translation>RPM-Paket (*.rpm)</translation>
+    </message>
+    <message>
+        <source>Select Privacy-Enhanced Mail container</source>
+        <translation>PEM-Container auswählen</translation>
+    </message>
+    <message>
+        <source>Privacy-Enhanced Mail container (*.pem)</source>
+        <translation>PEM-Container (*.pem)</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::CustomerSignStep</name>
+    <message>
+        <source>RPM Sign (customer-sign)</source>
+        <translation>RPM Sign (customer-sign)</translation>
+    </message>
+    <message>
+        <source>Signing RPM package...</source>
+        <translation>RPM-Paket wird signiert ...</translation>
+    </message>
+    <message>
+        <source>Error: No previous &quot;%1&quot; step found</source>
+        <translation>Fehler: Davor gibt es keinen Schritt „%1“</translation>
+    </message>
+    <message>
+        <source>Error: no package for sign found</source>
+        <translation>Fehler: Kein zu signierendes Paket gefunden</translation>
+    </message>
+    <message>
+        <source>Package sign completed successfully.</source>
+        <translation>Das Paket wurde erfolgreich signiert.</translation>
+    </message>
+    <message>
+        <source>Package sign stopped by user</source>
+        <translation>Das Signieren wurde vom Benutzer abgebrochen</translation>
+    </message>
+    <message>
+        <source>Sign RPM package</source>
+        <translation>RPM-Paket signieren</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::CustomerSignStepWidget</name>
+    <message>
+        <source>Select binaries key</source>
+        <translation>Schlüssel für Binärdateien auswählen</translation>
+    </message>
+    <message>
+        <source>Select packages key</source>
+        <translation>Schlüssel für Pakete auswählen</translation>
+    </message>
+    <message>
+        <source>Select packages certificate</source>
+        <translation>Zertifikat für Pakete auswählen</translation>
+    </message>
+    <message>
+        <source>Select packages client certificate</source>
+        <translation>Client-Zertifikat für Pakete auswählen</translation>
+    </message>
+    <message>
+        <source>The path must be inside shared folders:
+%1
+%2</source>
+        <translation>Der Pfad muss in einem der gemeinsamen Ordner liegen:
+%1
+%2</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::PasswordDialogPrivate</name>
+    <message>
+        <source>Password:</source>
+        <translation>Passwort:</translation>
+    </message>
+    <message>
+        <source>Password can&apos;t be empty</source>
+        <translation>Das Passwort darf nicht leer sein</translation>
+    </message>
+    <message>
+        <source>Password contains invalid newline characters</source>
+        <translation>Das Passwort enthält unzulässige Zeilenumbrüche</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::RpmsignExternal</name>
+    <message>
+        <source>Filed to generate CSR</source>
+        <translation>Die Zertifikatsanforderung (CSR) konnte nicht erzeugt werden</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::RpmsignExternalStep</name>
+    <message>
+        <source>RPM Sign (rpmsign-external)</source>
+        <translation>RPM Sign (rpmsign-external)</translation>
+    </message>
+    <message>
+        <source>Signing RPM package...</source>
+        <translation>RPM-Paket wird signiert ...</translation>
+    </message>
+    <message>
+        <source>Error: No previous &quot;%1&quot; step found</source>
+        <translation>Fehler: Davor gibt es keinen Schritt „%1“</translation>
+    </message>
+    <message>
+        <source>Error: no package for sign found</source>
+        <translation>Fehler: Kein zu signierendes Paket gefunden</translation>
+    </message>
+    <message>
+        <source>Package sign completed successfully.</source>
+        <translation>Das Paket wurde erfolgreich signiert.</translation>
+    </message>
+    <message>
+        <source>Failed to verify signature dump</source>
+        <translation>Die Signaturen konnten nicht ausgelesen werden</translation>
+    </message>
+    <message>
+        <source>Note: Packages %1 signed with developer key, use is possible only for development purposes. Read more: %2</source>
+        <translation>Hinweis: Paket %1 ist mit einem Entwicklerschlüssel signiert und nur für die Entwicklung verwendbar. Mehr dazu: %2</translation>
+    </message>
+    <message>
+        <source>Note: Packages %1 is not signed. Deployment to the device is not possible. Read more: %2</source>
+        <translation>Hinweis: Paket %1 ist nicht signiert und kann nicht auf das Gerät gebracht werden. Mehr dazu: %2</translation>
+    </message>
+    <message>
+        <source>Package sign stopped by user</source>
+        <translation>Das Signieren wurde vom Benutzer abgebrochen</translation>
+    </message>
+    <message>
+        <source>Sign RPM package</source>
+        <translation>RPM-Paket signieren</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::RpmsignExternalWidget</name>
+    <message>
+        <source>User private key for signing the package</source>
+        <translation>Privater Schlüssel des Benutzers zum Signieren des Pakets</translation>
+    </message>
+    <message>
+        <source>Certificate to be used in signature</source>
+        <translation>Zertifikat für die Signatur</translation>
+    </message>
+    <message>
+        <source>Default key</source>
+        <translation>Standardschlüssel</translation>
+    </message>
+    <message>
+        <source>Custom key</source>
+        <translation>Eigener Schlüssel</translation>
+    </message>
+    <message>
+        <source>The path must be inside workspace folder:
+%1</source>
+        <translation>Der Pfad muss im Arbeitsbereich liegen:
+%1</translation>
+    </message>
+    <message>
+        <source>Custom keys are used</source>
+        <translation>Eigene Schlüssel werden verwendet</translation>
+    </message>
+    <message>
+        <source>Global keys are used</source>
+        <translation>Globale Schlüssel werden verwendet</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SealkitPlugin</name>
+    <message>
+        <source>&amp;Sign Packages</source>
+        <translation>Pakete &amp;signieren</translation>
+    </message>
+    <message>
+        <source>[E] Failed to copy regular keys:	%1</source>
+        <translation>[E] Die regulären Schlüssel konnten nicht kopiert werden:	%1</translation>
+    </message>
+    <message>
+        <source>[W] Please make sure that the &apos;%1&apos; is writable and restart the ide</source>
+        <translation>[W] Bitte sicherstellen, dass „%1“ beschreibbar ist, und die IDE neu starten</translation>
+    </message>
+    <message>
+        <source>[W] OR</source>
+        <translation>[W] ODER</translation>
+    </message>
+    <message>
+        <source>[W] Specify the path to the default signature keys in the settings</source>
+        <translation>[W] Den Pfad zu den Standardschlüsseln für Signaturen in den Einstellungen angeben</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SignDialog</name>
+    <message>
+        <source>Select root certificate</source>
+        <translation>Wurzelzertifikat auswählen</translation>
+    </message>
+    <message>
+        <source>Specify path to save key file or select existing key file</source>
+        <translation>Pfad für eine neue Schlüsseldatei angeben oder vorhandene auswählen</translation>
+    </message>
+    <message>
+        <source>Specify path to save Certificate Signing Request file</source>
+        <translation>Pfad für die Zertifikatsanforderung (CSR) angeben</translation>
+    </message>
+    <message>
+        <source>Path to PEM-encoded bundle with root certificates. If not set, default value will be used.</source>
+        <translation>Pfad zu einer PEM-Datei mit Wurzelzertifikaten. Ohne Angabe wird der Standardwert verwendet.</translation>
+    </message>
+    <message>
+        <source>Updating targets...</source>
+        <translation>Ziele werden aktualisiert ...</translation>
+    </message>
+    <message>
+        <source>RSA (2048)</source>
+        <translation>RSA (2048)</translation>
+    </message>
+    <message>
+        <source>GOST R 34.10-2012 (256)</source>
+        <translation>GOST R 34.10-2012 (256)</translation>
+    </message>
+    <message>
+        <source>The path must be inside workspace folder:
+%1</source>
+        <translation>Der Pfad muss im Arbeitsbereich liegen:
+%1</translation>
+    </message>
+    <message>
+        <source>File does not exist</source>
+        <translation>Die Datei existiert nicht</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be verified</source>
+        <translation>Das Paket kann nicht geprüft werden</translation>
+    </message>
+    <message>
+        <source>Signatures successfully verified</source>
+        <translation>Die Signaturen sind gültig</translation>
+    </message>
+    <message>
+        <source>Could not verify signatures</source>
+        <translation>Die Signaturen konnten nicht bestätigt werden</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be dumped</source>
+        <translation>Die Signaturen des Pakets können nicht ausgelesen werden</translation>
+    </message>
+    <message>
+        <source>No signatures found in package</source>
+        <translation>Das Paket enthält keine Signaturen</translation>
+    </message>
+    <message>
+        <source>Company name field cannot be empty</source>
+        <translation>Der Firmenname muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Key field cannot be empty</source>
+        <translation>Der Schlüssel muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Request field cannot be empty</source>
+        <translation>Die Anforderung muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Failed to generate request: %1</source>
+        <translation>Die Anforderung konnte nicht erzeugt werden: %1</translation>
+    </message>
+    <message>
+        <source>OpenSSL not found in target &apos;%1&apos;, please install it.</source>
+        <translation>OpenSSL fehlt im Ziel „%1“, bitte installieren.</translation>
+    </message>
+    <message>
+        <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
+        <translation>Zu finden unter: Extras - Einstellungen - Veyra OS - Manage Build Targets</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SignOptionsPage</name>
+    <message>
+        <source>Sign packages</source>
+        <translation>Pakete signieren</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SignOptionsWidget</name>
+    <message>
+        <source>The path to the key file that will be used by default to sign rpm packages</source>
+        <translation>Pfad der Schlüsseldatei, mit der RPM-Pakete standardmäßig signiert werden</translation>
+    </message>
+    <message>
+        <source>The path to the certificate file that will be used by default to sign rpm packages</source>
+        <translation>Pfad der Zertifikatsdatei, mit der RPM-Pakete standardmäßig signiert werden</translation>
+    </message>
+    <message>
+        <source>Regular key</source>
+        <translation>Regulärer Schlüssel</translation>
+    </message>
+    <message>
+        <source>Custom key</source>
+        <translation>Eigener Schlüssel</translation>
+    </message>
+    <message>
+        <source>Regular certificate</source>
+        <translation>Reguläres Zertifikat</translation>
+    </message>
+    <message>
+        <source>Custom certificate</source>
+        <translation>Eigenes Zertifikat</translation>
+    </message>
+    <message>
+        <source>The path must be inside workspace folder:
+%1</source>
+        <translation>Der Pfad muss im Arbeitsbereich liegen:
+%1</translation>
+    </message>
+</context>
+<context>
+    <name>SignDialog</name>
+    <message>
+        <source>Sign Packages</source>
+        <translation>Pakete signieren</translation>
+    </message>
+    <message>
+        <source>Target</source>
+        <translation>Ziel</translation>
+    </message>
+    <message>
+        <source>RPM package</source>
+        <translation>RPM-Paket</translation>
+    </message>
+    <message>
+        <source>Sign</source>
+        <translation>Signieren</translation>
+    </message>
+    <message>
+        <source>Binary key</source>
+        <translation>Schlüssel für Binärdateien</translation>
+    </message>
+    <message>
+        <source>Developer key</source>
+        <translation>Entwicklerschlüssel</translation>
+    </message>
+    <message>
+        <source>Developer certificate</source>
+        <translation>Entwicklerzertifikat</translation>
+    </message>
+    <message>
+        <source>Client key</source>
+        <translation>Client-Schlüssel</translation>
+    </message>
+    <message>
+        <source>Client certificate</source>
+        <translation>Client-Zertifikat</translation>
+    </message>
+    <message>
+        <source>Add signature</source>
+        <translation>Signatur hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove signature</source>
+        <translation>Signatur entfernen</translation>
+    </message>
+    <message>
+        <source>NOTE: Move keys to workspace folder, if you change it</source>
+        <translation>HINWEIS: Wer den Ordner des Arbeitsbereichs wechselt, muss die Schlüssel dorthin mitnehmen</translation>
+    </message>
+    <message>
+        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;For the &lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; profile, the key and certificate can be found in the &lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;folder&lt;/span&gt;&lt;/a&gt;&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
+        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Für das Profil &lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; liegen Schlüssel und Zertifikat in diesem &lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;Ordner&lt;/span&gt;&lt;/a&gt;&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
+    </message>
+    <message>
+        <source>Verify</source>
+        <translation>Prüfen</translation>
+    </message>
+    <message>
+        <source>CA certificate</source>
+        <translation>CA-Zertifikat</translation>
+    </message>
+    <message>
+        <source>Verify signature</source>
+        <translation>Signatur prüfen</translation>
+    </message>
+    <message>
+        <source>Dump signature</source>
+        <translation>Signatur anzeigen</translation>
+    </message>
+    <message>
+        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Developer signature dump&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
+        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Inhalt der Entwicklersignatur&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Client signature dump&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
+        <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Inhalt der Client-Signatur&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
+    </message>
+    <message>
+        <source>Certificate generation</source>
+        <translation>Zertifikat erzeugen</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>Schlüssel</translation>
+    </message>
+    <message>
+        <source>Encrypt</source>
+        <translation>Verschlüsseln</translation>
+    </message>
+    <message>
+        <source>Request</source>
+        <translation>Anforderung</translation>
+    </message>
+    <message>
+        <source>Company name</source>
+        <translation>Firmenname</translation>
+    </message>
+    <message>
+        <source>Generate</source>
+        <translation>Erzeugen</translation>
+    </message>
+</context>
+<context>
+    <name>SignOptionsWidget</name>
+    <message>
+        <source>Enable sign step by default</source>
+        <translation>Signierschritt standardmäßig einschalten</translation>
+    </message>
+    <message>
+        <source>Default key and certificate</source>
+        <translation>Standardschlüssel und -zertifikat</translation>
+    </message>
+    <message>
+        <source>&amp;Key:</source>
+        <translation>&amp;Schlüssel:</translation>
+    </message>
+    <message>
+        <source>Ce&amp;rtificate:</source>
+        <translation>&amp;Zertifikat:</translation>
+    </message>
+</context>
+</TS>
