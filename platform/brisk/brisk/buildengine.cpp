@@ -25,7 +25,7 @@ QStringList BuildEngine::buildTargetOrigins() const
 {
     const QDir targets((m_directory / QLatin1String("targets")).toFSPathString());
     QStringList names = targets.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    QCollator collator(QLocale(QLocale::English)); // the C locale has no numeric mode
+    QCollator collator{QLocale(QLocale::English)}; // the C locale has no numeric mode
     collator.setNumericMode(true);
     std::ranges::sort(names, [&collator](const QString &a, const QString &b) {
         return collator.compare(a, b) > 0;
