@@ -3,6 +3,7 @@
 
 #include <commandline.h>
 #include <mainwindow.h>
+#include <outputpane.h>
 #include <promptanswerer.h>
 #include <session.h>
 
@@ -19,6 +20,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
+#include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
@@ -171,6 +173,7 @@ private slots:
     void dealsWithDialogs_data();
     void dealsWithDialogs();
 
+    void outputFollowsItsEnd();
     void deploys_data();
     void deploys();
     void refusesChangedPackage();
@@ -313,6 +316,25 @@ static void configure(const Ground &ground,
     change(project->activeTarget()->activeDeployConfiguration()->stepList());
     session.save();
     session.shutdown();
+}
+
+void WorkbenchTest::outputFollowsItsEnd()
+{
+    OutputPane pane;
+    pane.resize(300, 250);
+    pane.show();
+    QScrollBar *bar = pane.verticalScrollBar();
+    for (int i = 0; i < 60; ++i) {
+        pane.appendMessage(QString("a line that wraps ").repeated(i % 7));
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(bar->value(), bar->maximum());
+
+    // The reader has gone back to the start, and is left there.
+    bar->setValue(0);
+    pane.appendMessage("more");
+    QCoreApplication::processEvents();
+    QCOMPARE(bar->value(), 0);
 }
 
 void WorkbenchTest::deploys_data()

@@ -20,6 +20,16 @@ OutputPane::OutputPane(QWidget *parent)
     setMaximumBlockCount(MAXIMUM_LINES);
     setUndoRedoEnabled(false);
     setTabChangesFocus(true);
+
+    // Lines are laid out, and the range grows, long after they were appended.
+    QScrollBar *bar = verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this, [this, bar](int value) {
+        m_follows = value == bar->maximum();
+    });
+    connect(bar, &QScrollBar::rangeChanged, this, [this, bar](int, int maximum) {
+        if (m_follows)
+            bar->setValue(maximum);
+    });
 }
 
 static QTextCharFormat charFormat(BuildStep::OutputFormat format, const QPalette &palette)
@@ -46,13 +56,9 @@ static QTextCharFormat charFormat(BuildStep::OutputFormat format, const QPalette
 
 void OutputPane::append(const QString &text, BuildStep::OutputFormat format)
 {
-    QScrollBar *bar = verticalScrollBar();
-    const bool follows = bar->value() == bar->maximum();
     QTextCursor cursor(document());
     cursor.movePosition(QTextCursor::End);
     cursor.insertText(QString(text).replace("\r\n", "\n"), charFormat(format, palette()));
-    if (follows)
-        bar->setValue(bar->maximum());
 }
 
 void OutputPane::appendMessage(const QString &message)

@@ -17,6 +17,9 @@ public:
 
     void append(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);
     void appendMessage(const QString &message);
+
+private:
+    bool m_follows = true;
 };
 
 } // namespace Workbench
