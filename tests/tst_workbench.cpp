@@ -321,14 +321,18 @@ static void configure(const Ground &ground,
 void WorkbenchTest::outputFollowsItsEnd()
 {
     OutputPane pane;
-    pane.resize(300, 250);
+    pane.resize(300, 100);
     pane.show();
     QScrollBar *bar = pane.verticalScrollBar();
-    for (int i = 0; i < 60; ++i) {
-        pane.appendMessage(QString("a line that wraps ").repeated(i % 7));
-        QCoreApplication::processEvents();
+    for (int words = 0; words < 60; ++words) {
+        // Whether and where a line wraps makes a difference, also to the lines after it.
+        pane.clear();
+        for (int i = 0; i < 20; ++i) {
+            pane.appendMessage(QString("wrapped ").repeated(words + i % 3));
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(bar->value(), bar->maximum());
     }
-    QCOMPARE(bar->value(), bar->maximum());
 
     // The reader has gone back to the start, and is left there.
     bar->setValue(0);
