@@ -225,9 +225,8 @@ static QString workingDirectory()
     return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
 }
 
-/// Hands on what the program has printed since the last call. True when that led to an answer,
-/// during whose writing more may have arrived.
-static bool converse(QProcess &process, const Handler &handler, Result &result)
+/// Hands on what the program has printed since the last call, and the answer to it.
+static void converse(QProcess &process, Handler &handler, Result &result)
 {
     const QByteArray stdOutChunk = process.readAllStandardOutput();
     const QByteArray stdErrChunk = process.readAllStandardError();
@@ -237,14 +236,15 @@ static bool converse(QProcess &process, const Handler &handler, Result &result)
     QByteArray input;
     if (!handler(stdOutChunk, stdErrChunk, input)) {
         process.kill();
-        return false;
+        // Its last words are kept, but nobody is asked again for a program that is gone.
+        handler = [](const QByteArray &, const QByteArray &, QByteArray &) { return true; };
+        return;
     }
     // The program can have ended while the handler waited for the user.
     if (input.isEmpty() || process.state() != QProcess::Running)
-        return false;
+        return;
     process.write(input);
     process.waitForBytesWritten(int(WRITE_TIMEOUT.count()));
-    return true;
 }
 
 static bool hasUnreadOutput(QProcess &process)
@@ -255,23 +255,41 @@ static bool hasUnreadOutput(QProcess &process)
     return hasErrors || process.bytesAvailable() > 0;
 }
 
-static void runToEnd(QProcess &process, const Handler &handler, Result &result)
+/// Takes a copy of the handler: its owner may go while the program runs.
+static void runToEnd(QProcess &process, Handler handler, Result &result)
 {
     while (process.state() != QProcess::NotRunning) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         if (!handler)
             continue;
-        // No event announces what was read in passing while an answer was written.
-        while (converse(process, handler, result) && hasUnreadOutput(process)) {
-        }
+        // What was read in passing, while a handler waited or an answer was written, is not
+        // announced by an event any more.
+        do {
+            converse(process, handler, result);
+        } while (hasUnreadOutput(process));
     }
-    // The program's last words, when it ended while its input was written or a handler waited.
-    if (handler && hasUnreadOutput(process))
-        converse(process, handler, result);
 }
+
+/// Tells whether the IDE closes; from then on a run would only keep it from ending.
+class ClosingWatch : public QObject
+{
+public:
+    ClosingWatch()
+    {
+        connect(Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [this] {
+            isClosing = true;
+        });
+    }
+
+    bool isClosing = false;
+};
 
 Result exec(const Handler &handler, const QStringList &commandLine)
 {
+    static const ClosingWatch closingWatch;
+    if (closingWatch.isClosing)
+        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}};
+
     QProcess process;
     process.setWorkingDirectory(workingDirectory());
     process.setProgram(commandLine.value(0));
@@ -282,8 +300,7 @@ Result exec(const Handler &handler, const QStringList &commandLine)
     Result result;
     process.start(QIODevice::ReadWrite);
     if (process.waitForStarted(-1)) {
-        // A copy: the handler's owner may go while the program runs.
-        runToEnd(process, Handler(handler), result);
+        runToEnd(process, handler, result);
     } else {
         Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(process.errorString()));
     }

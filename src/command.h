@@ -150,7 +150,8 @@ using Handler = std::function<bool(
 /// user's home) while the event loop turns: whoever calls this may be gone when it returns.
 /// Writes one line on the run to the General Messages, and one with the reason if the program
 /// cannot be started; the result is then what QProcess reports for a process that never ran.
-/// Without a handler the output is not read. When the IDE closes, the program is killed.
+/// Without a handler the output is not read. When the IDE closes, the program is
+/// killed, and no other is started any more: such a run counts as crashed.
 Result exec(const Handler &handler, const QStringList &commandLine);
 
 template<typename Tag, typename... Args>

@@ -64,7 +64,7 @@ private slots:
     void deliversLastWordsOfAProgramThatEndsWhileAnswered();
     void readsNothingWithoutAHandler();
     void killsWhenTheHandlerSaysSo();
-    void killsWhenTheIdeCloses();
+    void readsOnAfterAHandlerThatWaited();
     void runsWithinARun();
 
     void cutsOutputIntoLines_data();
@@ -75,6 +75,8 @@ private slots:
     void stopsAtADeclinedPrompt_data();
     void stopsAtADeclinedPrompt();
     void survivesItsToolBeingDeletedWhileAsking();
+
+    void killsWhenTheIdeCloses(); // the last one: nothing runs any more after it
 
 private:
     SettingsScope m_settings;
@@ -263,18 +265,40 @@ void CommandTest::readsNothingWithoutAHandler()
 
 void CommandTest::killsWhenTheHandlerSaysSo()
 {
-    const auto handler = [](const QByteArray &out, const QByteArray &, QByteArray &) {
-        return out.isEmpty();
+    // While it makes up its mind, the program goes on.
+    int calls = 0;
+    const auto handler = [&calls](const QByteArray &out, const QByteArray &, QByteArray &) {
+        if (out.isEmpty())
+            return true;
+        ++calls;
+        QTest::qWait(200);
+        return false;
     };
-    const Result result = Command::exec(handler, {FAKE_TOOL, "ignore-term", "out:x", "hang"});
+    const Result result =
+        Command::exec(handler, {FAKE_TOOL, "ignore-term", "out:x", "sleep:50", "out:y", "hang"});
     QVERIFY(result.crashed);
     QCOMPARE(result.exitCode, SIGKILL);
+    QCOMPARE(result.stdOut, QByteArray("xy"));
+    QCOMPARE(calls, 1);
 }
 
-void CommandTest::killsWhenTheIdeCloses()
+void CommandTest::readsOnAfterAHandlerThatWaited()
 {
-    QTimer::singleShot(50, [] { emit Core::ICore::instance()->coreAboutToClose(); });
-    QVERIFY(Command::exec({}, {FAKE_TOOL, "hang"}).crashed);
+    // All output is there while the handler waits, and no event tells of it afterwards.
+    QByteArray received;
+    const auto handler = [&received](const QByteArray &out, const QByteArray &, QByteArray &input) {
+        received += out;
+        if (out.contains("first"))
+            QTest::qWait(300);
+        if (out.contains("second"))
+            input = "answer\n";
+        return true;
+    };
+    QTimer watchdog;
+    watchdog.callOnTimeout([] { QFAIL("The program waits for an answer that never comes"); });
+    watchdog.start(5000);
+    Command::exec(handler, {FAKE_TOOL, "out:first", "sleep:100", "prompt:second"});
+    QCOMPARE(received, QByteArray("firstsecond: \ngot [answer]\n"));
 }
 
 void CommandTest::runsWithinARun()
@@ -389,6 +413,18 @@ void CommandTest::survivesItsToolBeingDeletedWhileAsking()
     });
     QVERIFY(tool->run({"prompt:Enter pass phrase", "hang"}).crashed);
     QCOMPARE(user->prompts(), QStringList{"Enter pass phrase: "});
+}
+
+void CommandTest::killsWhenTheIdeCloses()
+{
+    QTimer::singleShot(50, [] { emit Core::ICore::instance()->coreAboutToClose(); });
+    QVERIFY(Command::exec({}, {FAKE_TOOL, "hang"}).crashed);
+
+    Messages messages;
+    const Result later = Command::exec({}, {FAKE_TOOL, "hang"});
+    QVERIFY(later.crashed);
+    QVERIFY(later.exitCode != 0);
+    QCOMPARE(messages.take(), QStringList());
 }
 
 QTEST_MAIN(CommandTest)
