@@ -48,6 +48,36 @@ void CustomerSignStepWidget::initPathChooser(PathChooser *chooser,
     });
 }
 
+QList<PathChooser *> CustomerSignStepWidget::pathChoosers() const
+{
+    return {m_ui->binariesKeyPathChooser,
+            m_ui->packagesKeyPathChooser,
+            m_ui->packagesCertPathChooser,
+            m_ui->packagesClientCertPathChooser};
+}
+
+void CustomerSignStepWidget::validatePaths()
+{
+    const QList<PathChooser *> choosers = pathChoosers();
+    for (PathChooser *chooser : choosers)
+        chooser->lineEdit()->validate();
+}
+
+void CustomerSignStepWidget::setSharedHomePath(const FilePath &path)
+{
+    m_sharedHomePath = path;
+    const QList<PathChooser *> choosers = pathChoosers();
+    for (PathChooser *chooser : choosers)
+        chooser->setInitialBrowsePathBackup(path);
+    validatePaths();
+}
+
+void CustomerSignStepWidget::setSharedSrcPath(const FilePath &path)
+{
+    m_sharedSrcPath = path;
+    validatePaths();
+}
+
 bool CustomerSignStepWidget::verifyPath(const QString &path, QString *error) const
 {
     if (isFileChildOf(path, m_sharedHomePath) || isFileChildOf(path, m_sharedSrcPath))

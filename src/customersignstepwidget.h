@@ -2,6 +2,7 @@
 
 #include <utils/filepath.h>
 
+#include <QList>
 #include <QWidget>
 
 #include <memory>
@@ -33,8 +34,8 @@ public:
     /// This widget leaves the step's summary alone.
     void formatAndSetSummaryText(const QString & /*text*/) {}
 
-    void setSharedHomePath(const Utils::FilePath &path) { m_sharedHomePath = path; }
-    void setSharedSrcPath(const Utils::FilePath &path) { m_sharedSrcPath = path; }
+    void setSharedHomePath(const Utils::FilePath &path);
+    void setSharedSrcPath(const Utils::FilePath &path);
 
     void setBinariesKey(const QString &path);
     void setPackagesKey(const QString &path);
@@ -57,6 +58,8 @@ signals:
 
 private:
     void initPathChooser(Utils::PathChooser *chooser, const QString &title, bool allowEmpty);
+    QList<Utils::PathChooser *> pathChoosers() const;
+    void validatePaths();
 
     const std::unique_ptr<Ui_CustomerSignStepWidget> m_ui;
     Utils::FilePath m_sharedHomePath;

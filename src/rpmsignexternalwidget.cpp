@@ -58,6 +58,15 @@ bool RpmsignExternalWidget::verifyPath(const QString &path, QString *error) cons
     return false;
 }
 
+void RpmsignExternalWidget::setSharedSrcPath(const FilePath &path)
+{
+    m_sharedSrcPath = path;
+    for (PathChooser *chooser : {m_ui->keyPathChooser, m_ui->certificatePathChooser}) {
+        chooser->setInitialBrowsePathBackup(path);
+        chooser->lineEdit()->validate();
+    }
+}
+
 void RpmsignExternalWidget::setKey(const QString &path)
 {
     if (!path.isEmpty())

@@ -29,7 +29,7 @@ public:
     ~RpmsignExternalWidget() override;
 
     void setSharedHomePath(const Utils::FilePath &path) { m_sharedHomePath = path; }
-    void setSharedSrcPath(const Utils::FilePath &path) { m_sharedSrcPath = path; }
+    void setSharedSrcPath(const Utils::FilePath &path);
     void formatAndSetSummaryText(const QString &text);
 
     /// Whether \a path lies in the workspace; otherwise \a error is a text for the user.
