@@ -72,7 +72,7 @@ SetupResult CustomerSignStep::doRun()
     const Utils::FilePath workspace =
         m_buildEngine ? m_buildEngine->sharedSrcPath() : Utils::FilePath();
     QString error;
-    if (!hasBuildTarget(target()->kit(), &error)
+    if (!hasBuildTarget(m_buildEngine, target()->kit(), &error)
         || !m_signData.isValid<CustomerSealkit>(workspace, &error)) {
         emit addOutput(error, OutputFormat::ErrorMessage);
         return SetupResult::StopWithError;
@@ -103,8 +103,7 @@ SetupResult CustomerSignStep::doRun()
 bool CustomerSignStep::runSign(const QStringList &packages)
 {
     const QString targetName = KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
-    // A copy: the step may be gone before its tool is.
-    return m_tools.addSignature(targetName, packages, SignData(m_signData)).succeeded();
+    return m_tools.addSignature(targetName, packages, m_signData).succeeded();
 }
 
 void CustomerSignStep::doCancel()

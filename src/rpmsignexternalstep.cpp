@@ -84,7 +84,7 @@ SetupResult RpmsignExternalStep::doRun()
     const Utils::FilePath workspace =
         m_keys.buildEngine ? m_keys.buildEngine->sharedSrcPath() : Utils::FilePath();
     QString error;
-    if (!hasBuildTarget(target()->kit(), &error)
+    if (!hasBuildTarget(m_keys.buildEngine, target()->kit(), &error)
         || !data.isValid<RpmsignExternal>(workspace, &error)) {
         emit addOutput(error, OutputFormat::ErrorMessage);
         return SetupResult::StopWithError;

@@ -7,6 +7,9 @@
 
 namespace Sealkit::Internal {
 
+class CustomerSealkit;
+class RpmsignExternal;
+
 /// The keys and certificates of a sign or verify run: host paths as the user chose them, empty when
 /// not given.
 struct SignData
@@ -26,6 +29,11 @@ struct SignData
 
     friend bool operator==(const SignData &, const SignData &) = default;
 };
+
+template<>
+bool SignData::isValid<RpmsignExternal>(const Utils::FilePath &workspace, QString *error) const;
+template<>
+bool SignData::isValid<CustomerSealkit>(const Utils::FilePath &workspace, QString *error) const;
 
 enum KeyAlgorithm : int { RSA = 0, GOST = 1 };
 

@@ -39,13 +39,15 @@ void forwardOutput(const SignTool *tool, BuildStep *step)
     });
 }
 
-bool hasBuildTarget(const ProjectExplorer::Kit *kit, QString *error)
+bool hasBuildTarget(const Brisk::BuildEngine *engine,
+                    const ProjectExplorer::Kit *kit,
+                    QString *error)
 {
-    if (!KilnSdkKitAspectFactory::buildEngine(kit)) {
+    if (!engine) {
         *error = QObject::tr("Error: the kit has no build engine");
         return false;
     }
-    if (!KilnSdkKitAspectFactory::buildTarget(kit).isValid()) {
+    if (KilnSdkKitAspectFactory::buildTarget(kit).name.isEmpty()) {
         *error = QObject::tr("Error: the kit has no build target");
         return false;
     }

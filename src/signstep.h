@@ -6,6 +6,10 @@
 
 class QObject;
 
+namespace Brisk {
+class BuildEngine;
+}
+
 namespace ProjectExplorer {
 class BuildStep;
 class Kit;
@@ -25,8 +29,10 @@ Tasking::Group signRecipe(QObject *step,
 /// Shows what \a tool prints in the output of \a step, line by line.
 void forwardOutput(const SignTool *tool, ProjectExplorer::BuildStep *step);
 
-/// Whether the kit names an engine and a target that are there; otherwise \a error is a text for
-/// the user.
-bool hasBuildTarget(const ProjectExplorer::Kit *kit, QString *error);
+/// Whether \a engine, the one that the step was made for, is still there and has the kit's target;
+/// otherwise \a error is a text for the user.
+bool hasBuildTarget(const Brisk::BuildEngine *engine,
+                    const ProjectExplorer::Kit *kit,
+                    QString *error);
 
 } // namespace Sealkit::Internal

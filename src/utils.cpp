@@ -3,6 +3,7 @@
 #include "constants.h"
 
 #include <brisk/sdk.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
