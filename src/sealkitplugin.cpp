@@ -110,6 +110,10 @@ void SealkitPlugin::watchBuildEngines()
 
 void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool printUserLog)
 {
+    // An engine without a workspace: the keys must not land in the working directory.
+    if (sharedSrcPath.isEmpty())
+        return;
+
     const QDir workspace(sharedSrcPath.absoluteFilePath().toFSPathString());
     qDebug() << "[SealkitPlugin] Copy keys to:" << workspace.path();
 
