@@ -1,5 +1,6 @@
 #include "customersealkit.h"
 #include "messages.h"
+#include "recordingbrisk.h"
 #include "rpmsignexternal.h"
 #include "settingsscope.h"
 #include "signdata.h"
@@ -16,55 +17,6 @@
 using namespace Sealkit::Internal;
 using Command::Result;
 using Utils::FilePath;
-
-/// Stands in for brisk: notes each call's words and ends with the next of the given exit codes.
-class RecordingBrisk
-{
-public:
-    RecordingBrisk()
-    {
-        const QString script = m_folder.filePath("brisk");
-        write(script,
-              "#!/bin/sh\n"
-              "cd \"${0%/*}\" || exit\n"
-              "{ shift 6; printf '%s|' \"$@\"; echo; } >> calls\n"
-              "[ ! -e left ] || cp left \"$(cat left-at)\"\n"
-              "read -r code < codes || code=0\n"
-              "sed -i 1d codes\n"
-              "exit \"$code\"\n");
-        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QSettings().setValue("Kiln.BriskPath", script);
-    }
-
-    void endWith(const QByteArray &codes) const { write(m_folder.filePath("codes"), codes); }
-
-    /// The next calls leave a file.
-    void leaveBehind(const QString &path, const QByteArray &content) const
-    {
-        write(m_folder.filePath("left-at"), path.toUtf8());
-        write(m_folder.filePath("left"), content);
-    }
-
-    QStringList takeCalls() const
-    {
-        QFile file(m_folder.filePath("calls"));
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        const QString calls = QString::fromUtf8(file.readAll());
-        file.remove();
-        return calls.split("|\n", Qt::SkipEmptyParts);
-    }
-
-private:
-    static void write(const QString &path, const QByteArray &content)
-    {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-
-    QTemporaryDir m_folder;
-};
 
 class BackEndsTest : public QObject
 {

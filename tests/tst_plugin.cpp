@@ -5,12 +5,21 @@
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/actionmanager.h>
+#include <coreplugin/actionmanager/command.h>
 #include <coreplugin/dialogs/ioptionspage.h>
 #include <extensionsystem/pluginmanager.h>
 #include <extensionsystem/pluginspec.h>
 #include <projectexplorer/buildstep.h>
 
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
 #include <QDir>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPointer>
 #include <QSettings>
 #include <QTest>
 
@@ -32,6 +41,8 @@ private slots:
 
     void loads();
     void registersItsSteps();
+    void putsItsDialogIntoTheToolsMenu();
+    void titlesItsOptionsCategory();
     void copiesTheRegularKeys();
     void copiesTheRegularKeysIntoANewWorkspace();
     void tellsWhyKeysCannotBeCopied();
@@ -99,6 +110,46 @@ void PluginTest::registersItsSteps()
     QCOMPARE(steps,
              (QStringList{"Sealkit.RpmSignStep=RPM Sign (customer-sign)",
                           "Sealkit.RpmSignExternalStep=RPM Sign (rpmsign-external)"}));
+}
+
+void PluginTest::putsItsDialogIntoTheToolsMenu()
+{
+    const QMenu *menu = Core::ActionManager::actionContainer("Kiln.Tools.Menu")->menu();
+    QAction *action = Core::ActionManager::command("Sealkit.SignDialog")->action();
+    QVERIFY(menu->actions().contains(action));
+    QCOMPARE(action->text(), "&Sign Packages");
+
+    const auto dialogs = [] {
+        QList<QDialog *> visible;
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        for (QWidget *widget : widgets) {
+            if (auto *dialog = qobject_cast<QDialog *>(widget); dialog && dialog->isVisible())
+                visible << dialog;
+        }
+        return visible;
+    };
+    action->trigger();
+    QCOMPARE(dialogs().size(), 1);
+    const QPointer<QDialog> dialog = dialogs().first();
+    QCOMPARE(dialog->windowTitle(), "Sign Packages");
+
+    auto *companyName = dialog->findChild<QLineEdit *>("generateCompanyNameLineEdit");
+    companyName->setText("kept");
+    dialog->close();
+    action->trigger();
+    QCOMPARE(dialogs(), QList<QDialog *>{dialog});
+    QCOMPARE(companyName->text(), "kept");
+    dialog->close();
+}
+
+void PluginTest::titlesItsOptionsCategory()
+{
+    const QList<Core::IOptionsPage *> pages = Core::IOptionsPage::allOptionsPages();
+    QCOMPARE(pages.size(), 1);
+    QCOMPARE(pages.first()->id(), Utils::Id("Z.SignOptions"));
+    QCOMPARE(pages.first()->displayName(), "Sign packages");
+    QCOMPARE(pages.first()->displayCategory(), Brisk::Sdk::osVariant());
+    QVERIFY(!pages.first()->categoryIconPath().isEmpty());
 }
 
 void PluginTest::copiesTheRegularKeys()

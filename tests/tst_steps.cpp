@@ -326,11 +326,13 @@ void StepsTest::rpmsignWidgetMarksPathsOutside()
     const std::unique_ptr<QWidget> widget(step->doCreateConfigWidget());
     auto *chooser = widget->findChild<PathChooser *>("keyPathChooser");
 
-    chooser->lineEdit()->setText("/elsewhere/k.pem");
-    QVERIFY(!chooser->isValid());
-    QCOMPARE(chooser->errorMessage(),
-             "The path must be inside workspace folder:\n"
-                 + m_workplace.workspace().toUserOutput());
+    for (const char *path : {"", "/elsewhere/k.pem"}) {
+        chooser->lineEdit()->setText(path);
+        QVERIFY(!chooser->isValid());
+        QCOMPARE(chooser->errorMessage(),
+                 "The path must be inside workspace folder:\n"
+                     + m_workplace.workspace().toUserOutput());
+    }
     chooser->lineEdit()->setText(m_workplace.sdk().workspace() + "/k.pem");
     QVERIFY(chooser->isValid());
 }
@@ -384,9 +386,10 @@ void StepsTest::customerLooksForTheBuildStepOnce()
     QCOMPARE(ownMessages(runStep(step)), (QStringList{START, NO_BUILD_STEP}));
 
     // One that is made while the list has an RPM build step anywhere finds it.
-    const CustomerSignStep late(steps, CustomerSignStep::stepId());
+    CustomerSignStep late(steps, CustomerSignStep::stepId());
+    QCOMPARE(ownMessages(runStep(&late)), (QStringList{START, COMPLETED}));
     steps->removeStep(0);
-    QCOMPARE(ownMessages(runStep(step)), (QStringList{START, NO_BUILD_STEP}));
+    QCOMPARE(ownMessages(runStep(&late)), (QStringList{START, NO_BUILD_STEP}));
 }
 
 void StepsTest::customerKeepsItsMap()
@@ -523,17 +526,21 @@ void StepsTest::failsWithTheTool_data()
     QTest::addColumn<QString>("keyName");
     QTest::addColumn<QString>("brisk");
     QTest::addColumn<QStringList>("answers");
+    QTest::addColumn<int>("prompts");
 
+    const QStringList none;
     QTest::newRow("tool missing") << BARE_TARGET << "client_key.pem"
-                                  << "" << QStringList();
+                                  << "" << none << 0;
     QTest::newRow("brisk missing") << RPMSIGN_TARGET << "client_key.pem"
-                                   << "/none" << QStringList();
+                                   << "/none" << none << 0;
     QTest::newRow("key missing") << RPMSIGN_TARGET << "none.pem"
-                                 << "" << QStringList();
+                                 << "" << none << 0;
+    QTest::newRow("key of another certificate") << RPMSIGN_TARGET << "client_key.pem"
+                                                << "" << none << 0;
     QTest::newRow("wrong pass phrase") << RPMSIGN_TARGET << "encrypted_key.pem"
-                                       << "" << QStringList{"wrong"};
+                                       << "" << QStringList{"wrong"} << 1;
     QTest::newRow("prompt declined") << RPMSIGN_TARGET << "encrypted_key.pem"
-                                     << "" << QStringList();
+                                     << "" << none << 1;
 }
 
 void StepsTest::failsWithTheTool()
@@ -552,6 +559,7 @@ void StepsTest::failsWithTheTool()
 
     PromptAnswers user(answers);
     QCOMPARE(ownMessages(runStep(step)), QStringList{START});
+    QTEST(int(user.prompts().size()), "prompts");
     const QFileInfo package(packages.first());
     QCOMPARE(package.dir().entryList(QDir::Files), QStringList{"a.rpm"});
 }
