@@ -12,7 +12,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QSettings>
+#include <QTranslator>
 
 using namespace ProjectExplorer;
 using Utils::FilePath;
@@ -22,6 +25,16 @@ namespace Workbench {
 constexpr char SDK_KEY[] = "Workbench/Sdk";
 constexpr char PROJECTS_KEY[] = "Workbench/Projects";
 
+// Dialogs of plugins have buttons whose texts are Qt's, and shall speak one language.
+static void loadQtTranslation()
+{
+    const QVariant language = QSettings().value("General/OverrideLanguage");
+    const QLocale locale = language.isValid() ? QLocale(language.toString()) : QLocale();
+    auto *translator = new QTranslator(QCoreApplication::instance());
+    if (translator->load(locale, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(translator);
+}
+
 void setUpApplication(const QString &settingsFolder)
 {
     QCoreApplication::setOrganizationName("Sealkit");
@@ -29,6 +42,7 @@ void setUpApplication(const QString &settingsFolder)
     if (!settingsFolder.isEmpty())
         QSettings::setPath(
             QSettings::NativeFormat, QSettings::UserScope, QDir(settingsFolder).absolutePath());
+    loadQtTranslation();
 }
 
 static FilePath besideProgram(const QString &path)
