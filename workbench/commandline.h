@@ -13,6 +13,9 @@ struct CommandLine
 {
     /// A deploy run without a window; there is exactly one project then.
     bool deploy = false;
+    /// Where to put the pictures of the user guide; empty: none are taken. There is exactly one
+    /// project then.
+    QString picturesFolder;
     QStringList projects;
     /// Folder of the SDK; empty means the one used last.
     QString sdk;

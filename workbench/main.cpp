@@ -2,6 +2,7 @@
 #include "headlessdeploy.h"
 #include "interrupts.h"
 #include "mainwindow.h"
+#include "pictures.h"
 #include "session.h"
 
 #include <QApplication>
@@ -47,13 +48,16 @@ int main(int argc, char *argv[])
         return endEarly(*exit);
 
     const auto &commandLine = std::get<CommandLine>(parsed);
-    if (commandLine.deploy)
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // a transcript needs no display
+    if (commandLine.deploy || !commandLine.picturesFolder.isEmpty())
+        // Neither needs a display, and pictures shall not depend on one.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     else if (!hasDisplay())
         return endEarly({1, "workbench: There is no display for a window; see --deploy."});
 
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     setUpApplication(commandLine.settingsFolder);
+    if (!commandLine.picturesFolder.isEmpty())
+        return Pictures(commandLine).run();
     return commandLine.deploy ? HeadlessDeploy(commandLine).run() : runWindow(commandLine);
 }
