@@ -51,6 +51,8 @@ private slots:
     void summarizesDumps();
     void offersWhatTheTargetHas_data();
     void offersWhatTheTargetHas();
+    void tabKeyFollowsTheEye_data();
+    void tabKeyFollowsTheEye();
     void judgesPaths_data();
     void judgesPaths();
     void linksToTheRegularKeys();
@@ -315,6 +317,42 @@ void SignDialogTest::offersWhatTheTargetHas()
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
     QCOMPARE(dump("developerSignatureTextBrowser"),
              canSign ? "No signatures found in package" : "Package can't be dumped");
+}
+
+void SignDialogTest::tabKeyFollowsTheEye_data()
+{
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("last");
+    QTest::newRow("sign") << 0 << "regularKeysLabel";
+    QTest::newRow("verify") << 1 << "developerSignatureTextBrowser";
+    QTest::newRow("request") << 2 << "genReqButton";
+}
+
+void SignDialogTest::tabKeyFollowsTheEye()
+{
+    QFETCH(int, tab);
+    openDialog();
+    m_dialog->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_dialog));
+    child<QTabWidget>("tabWidget")->setCurrentIndex(tab);
+    waitUntilIdle();
+
+    QList<QWidget *> visited{child<QComboBox>("m_comboBoxBuildTargets")};
+    visited.first()->setFocus();
+    for (int keys = 0; keys < 50; ++keys) {
+        QTest::keyClick(visited.last(), Qt::Key_Tab);
+        QWidget *next = QApplication::focusWidget();
+        if (next == visited.last()) // a link in it
+            continue;
+        if (next == visited.first())
+            break;
+        const QRect from(visited.last()->mapToGlobal(QPoint()), visited.last()->size());
+        const QRect to(next->mapToGlobal(QPoint()), next->size());
+        QVERIFY2(to.top() > from.bottom() || to.left() > from.right(),
+                 qPrintable(visited.last()->objectName() + " -> " + next->objectName()));
+        visited << next;
+    }
+    QTEST(visited.last()->objectName(), "last");
 }
 
 void SignDialogTest::judgesPaths_data()
