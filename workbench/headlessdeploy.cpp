@@ -53,11 +53,27 @@ HeadlessDeploy::HeadlessDeploy(const CommandLine &commandLine)
     connect(&m_answerer, &PromptAnswerer::declined, this, &printLine);
     connect(&m_interrupts, &Interrupts::interrupted, this, &HeadlessDeploy::interrupt);
     connect(&m_session, &Session::problemFound, this, &printError);
+    connect(Core::MessageManager::instance(),
+            &Core::MessageManager::messageWritten,
+            this,
+            &HeadlessDeploy::printMessage);
     connect(
-        Core::MessageManager::instance(), &Core::MessageManager::messageWritten, this, &printLine);
-    connect(BuildManager::instance(), &BuildManager::outputAdded, this, [](const QString &text) {
+        BuildManager::instance(), &BuildManager::outputAdded, this, &HeadlessDeploy::printOutput);
+}
+
+void HeadlessDeploy::printMessage(const QString &message)
+{
+    printLine(message);
+    // "[I]" and "[E]" mark what a tool printed.
+    const bool isToolLine = message.startsWith("[I]\t") || message.startsWith("[E]\t");
+    m_lastToolLine = isToolLine ? message.mid(4) + '\n' : QString();
+}
+
+void HeadlessDeploy::printOutput(const QString &text)
+{
+    if (text != m_lastToolLine)
         print(stdout, text);
-    });
+    m_lastToolLine.clear();
 }
 
 int HeadlessDeploy::run()

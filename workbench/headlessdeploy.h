@@ -28,6 +28,9 @@ private:
     bool open();
     void deploy();
     void interrupt(int signalNumber);
+    void printMessage(const QString &message);
+    /// A tool's line comes twice, as a message and then as its step's output: it is printed once.
+    void printOutput(const QString &text);
 
     const CommandLine m_commandLine;
     PromptAnswerer m_answerer;
@@ -35,6 +38,7 @@ private:
     Session m_session;
     ProjectExplorer::BuildStepList *m_stepList = nullptr;
     int m_signalNumber = 0;
+    QString m_lastToolLine;
 };
 
 } // namespace Workbench
