@@ -192,7 +192,7 @@ void CommandTest::reportsHowARunEnds_data()
 
     QTest::newRow("success") << "exit:0" << false << 0;
     QTest::newRow("failure") << "exit:3" << false << 3;
-    QTest::newRow("crash") << "signal:11" << true << 11;
+    QTest::newRow("ended by a signal") << "signal:9" << true << 9;
 }
 
 void CommandTest::reportsHowARunEnds()
