@@ -30,9 +30,6 @@ using namespace Sealkit::Internal;
 using Utils::FilePath;
 using Utils::PathChooser;
 
-const QString RPMSIGN_TARGET = QStringLiteral("VeyraOS-5.1-x86_64");
-const QString CUSTOMER_TARGET = QStringLiteral("VeyraOS-4.0-x86_64");
-const QString BARE_TARGET = QStringLiteral("VeyraOS-3.4-x86_64");
 constexpr int RUN_TIMEOUT = 20'000;
 
 class SignDialogTest : public QObject

@@ -35,9 +35,6 @@ using ProjectExplorer::BuildStepList;
 
 namespace {
 
-constexpr char EXTERNAL_TARGET[] = "VeyraOS-5.1-x86_64";
-constexpr char CUSTOMER_TARGET[] = "VeyraOS-4.0-x86_64";
-constexpr char BARE_TARGET[] = "VeyraOS-3.4-x86_64";
 constexpr int RUN_TIMEOUT = 60'000;
 
 // A package that builds in no time: what is told here is about signing.
@@ -98,7 +95,7 @@ public:
     // Replaces a tool of the usual target by a shell script.
     void replaceTool(const QString &tool, const QByteArray &script) const
     {
-        const QString file = path() + "/engine/targets/" + EXTERNAL_TARGET + "/bin/" + tool;
+        const QString file = path() + "/engine/targets/" + RPMSIGN_TARGET + "/bin/" + tool;
         QFile::remove(file);
         writeFile(file, "#!/bin/sh\n" + script);
         QFile::setPermissions(file, QFile::permissions(file) | QFile::ExeOwner);
@@ -130,7 +127,7 @@ public:
                      "-tt",
                      "sb2",
                      "-t",
-                     EXTERNAL_TARGET,
+                     RPMSIGN_TARGET,
                      "rpmsign-external",
                      "verify",
                      "--root-cert",
@@ -378,12 +375,12 @@ void WorkbenchTest::deploys_data()
            })
         << 1 << "Error: key and certificate must be inside workspace folder" << failed << 0;
     QTest::newRow("no RPM build step") << QStringList{} << Prepare([](const Ground &ground) {
-        configure(ground, EXTERNAL_TARGET, [](BuildStepList *list) { list->removeStep(0); });
+        configure(ground, RPMSIGN_TARGET, [](BuildStepList *list) { list->removeStep(0); });
     }) << 1 << "Error: No previous \"" << failed
                                        << 0;
     QTest::newRow("sign step switched off") << QStringList{} << Prepare([](const Ground &ground) {
         configure(
-            ground, EXTERNAL_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
+            ground, RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
     }) << 1 << "finished successfully"
                                             << "no enabled sign step" << 0;
     QTest::newRow("package that does not build")
@@ -415,7 +412,7 @@ void WorkbenchTest::deploys_data()
         << "" << 2;
 
     QTest::newRow("unknown target")
-        << QStringList{"--target", "Moon"} << nothing << 1 << "" << EXTERNAL_TARGET << 0;
+        << QStringList{"--target", "Moon"} << nothing << 1 << "" << RPMSIGN_TARGET << 0;
     QTest::newRow("no SDK") << QStringList{"--sdk", "/nonexistent"} << nothing << 1 << ""
                             << "/nonexistent" << 0;
     QTest::newRow("no project") << QStringList{} << Prepare([](const Ground &ground) {

@@ -7,7 +7,6 @@
 /// cannot do.
 inline void failOnStrayWarnings()
 {
-    static const QRegularExpression stray(
-        QStringLiteral("^(?!This plugin does not support )"));
+    static const QRegularExpression stray(QStringLiteral("^(?!This plugin does not support )"));
     QTest::failOnWarning(stray);
 }

@@ -1,5 +1,7 @@
 #include "workplace.h"
 
+#include "files.h"
+
 #include <brisk/sdk.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -65,11 +67,8 @@ Kit *Workplace::kit(const QString &targetName) const
 Project *Workplace::openProject(const QString &targetName)
 {
     const FilePath folder = workspace() / QStringLiteral("project%1").arg(++m_projectCount);
-    QDir().mkpath((folder / "rpm").toFSPathString());
     const FilePath spec = folder / "rpm" / "project.spec";
-    QFile file(spec.toFSPathString());
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("%s", qPrintable(file.errorString()));
+    writeFile(spec.toFSPathString(), {});
 
     auto *project = new Project(spec);
     project->addTargetForKit(kit(targetName));
@@ -88,15 +87,11 @@ QStringList Workplace::makePackages(const Project *project, const QStringList &n
 {
     const QString folder = (project->projectDirectory() / "RPMS").toFSPathString();
     QDir(folder).removeRecursively();
-    QDir().mkpath(folder);
     QStringList paths;
     for (const QString &name : names) {
-        QFile file(folder + '/' + name);
-        if (!file.open(QIODevice::WriteOnly))
-            qFatal("%s", qPrintable(file.errorString()));
+        paths << folder + '/' + name;
         // The magic number of a package, then anything.
-        file.write("\xed\xab\xee\xdb" + name.toUtf8());
-        paths << file.fileName();
+        writeFile(paths.last(), "\xed\xab\xee\xdb" + name.toUtf8());
     }
     return paths;
 }

@@ -21,10 +21,6 @@ namespace Kiln::Internal {
 class VeyraOSPlugin;
 }
 
-const QString RPMSIGN_TARGET = QStringLiteral("VeyraOS-5.1-x86_64");
-const QString CUSTOMER_TARGET = QStringLiteral("VeyraOS-4.0-x86_64");
-const QString BARE_TARGET = QStringLiteral("VeyraOS-3.4-x86_64");
-
 /// A demo SDK with one kit per target, and the host plugin, for tests that work with projects. What
 /// is open goes with this object.
 class Workplace
