@@ -1,3 +1,7 @@
+#include "files.h"
+#include "processes.h"
+#include "testrow.h"
+
 #include <projectexplorer/abstractprocessstep.h>
 #include <projectexplorer/buildmanager.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -9,14 +13,11 @@
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
 
-#include <QFile>
+#include <QDir>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QPointer>
-#include <QRegularExpression>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 
 using namespace ProjectExplorer;
@@ -33,7 +34,7 @@ constexpr char STEP_ID[] = "Test.Step";
 class TestStep : public AbstractProcessStep
 {
 public:
-    explicit TestStep(BuildStepList *list, Utils::Id id)
+    TestStep(BuildStepList *list, Utils::Id id)
         : AbstractProcessStep(list, id)
     {
     }
@@ -50,10 +51,9 @@ public:
         map.insert("Values", QVariant::fromValue(values));
     }
     /// Runs this text in a shell.
-    void setScript(const QString &script) { setProgram("/bin/sh", {"-c", script}); }
-    void setProgram(const QString &program, const QStringList &arguments)
+    void setScript(const QString &script)
     {
-        setCommandLineProvider([=] { return CommandLine{program, arguments}; });
+        setCommandLineProvider([=] { return CommandLine{"/bin/sh", {"-c", script}}; });
         makeRecipe = [this] { return GroupItems{defaultProcessTask()}; };
     }
     void setHandler(const std::function<SetupResult()> &handler)
@@ -93,11 +93,11 @@ public:
     }
 };
 
-Kit *registerKit(const char *id)
+void registerKit(const char *id)
 {
     auto kit = std::make_unique<Kit>(id);
     RunDeviceTypeKitAspect::setDeviceTypeId(kit.get(), DEVICE_TYPE);
-    return KitManager::registerKit(std::move(kit));
+    KitManager::registerKit(std::move(kit));
 }
 
 BuildStepList *stepListOf(const Target *target)
@@ -127,20 +127,6 @@ void spinAndDo(const std::function<void()> &action)
     loop.exec();
 }
 
-bool isProcessAlive(const QString &pid)
-{
-    QFile stat("/proc/" + pid + "/stat");
-    if (!stat.open(QIODevice::ReadOnly))
-        return false;
-    return !stat.readAll().contains(") Z ");
-}
-
-QString read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
 } // namespace
 
 class ProjectExplorerTest : public QObject
@@ -154,7 +140,6 @@ private slots:
     void targetsOfUnknownKitsStay();
     void unreadableSettingsAreKeptAside_data();
     void unreadableSettingsAreKeptAside();
-    void unknownStepsAreLeftOut();
     void stepsRunInOrder_data();
     void stepsRunInOrder();
     void cancelInAHandler();
@@ -168,15 +153,15 @@ private slots:
 
 private:
     Target *openProject();
-    void run(BuildStepList *list);
+    void run(const Target *target, bool expectedSuccess);
     Utils::FilePath specPath() const
     {
         return Utils::FilePath::fromString(m_directory->filePath("rpm/app.spec"));
     }
 
     std::unique_ptr<QTemporaryDir> m_directory;
-    std::unique_ptr<TestStepFactory> m_stepFactory;
-    std::unique_ptr<TestDeployConfigurationFactory> m_deployFactory;
+    const TestStepFactory m_stepFactory;
+    TestDeployConfigurationFactory m_deployFactory;
     QStringList m_output;
     QList<bool> m_results;
 };
@@ -185,23 +170,21 @@ void ProjectExplorerTest::init()
 {
     m_directory = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir(m_directory->path()).mkdir("rpm"));
-    m_stepFactory = std::make_unique<TestStepFactory>();
-    m_deployFactory = std::make_unique<TestDeployConfigurationFactory>();
     registerKit("kit.a");
     registerKit("kit.b");
     m_output.clear();
     m_results.clear();
-    connect(BuildManager::instance(),
+    const auto *manager = BuildManager::instance();
+    connect(manager,
             &BuildManager::outputAdded,
             this,
             [this](const QString &text, OutputFormat format) {
                 static const QStringList prefixes{"out: ", "err: ", "", "! "};
                 m_output.append(prefixes.at(int(format)) + text);
             });
-    connect(BuildManager::instance(),
-            &BuildManager::buildQueueFinished,
-            this,
-            [this](bool success) { m_results.append(success); });
+    connect(manager, &BuildManager::buildQueueFinished, this, [this](bool success) {
+        m_results.append(success);
+    });
 }
 
 void ProjectExplorerTest::cleanup()
@@ -220,11 +203,11 @@ Target *ProjectExplorerTest::openProject()
     return project->activeTarget();
 }
 
-void ProjectExplorerTest::run(BuildStepList *list)
+void ProjectExplorerTest::run(const Target *target, bool expectedSuccess)
 {
-    QVERIFY(BuildManager::buildList(list));
+    QVERIFY(BuildManager::buildList(stepListOf(target)));
     QTRY_VERIFY(!BuildManager::isBuilding());
-    QCOMPARE(m_results.size(), 1);
+    QCOMPARE(m_results, QList<bool>{expectedSuccess});
 }
 
 void ProjectExplorerTest::whatTheUserConfiguredComesBack()
@@ -234,7 +217,7 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
     project.addTargetForKit(KitManager::kit("kit.a"));
     Target *target = project.addTargetForKit(KitManager::kit("kit.b"));
     project.setActiveTarget(target);
-    target->addDeployConfiguration(m_deployFactory->create(target));
+    target->addDeployConfiguration(m_deployFactory.create(target));
     target->setActiveDeployConfiguration(target->deployConfigurations().constLast());
     QCOMPARE(target->activeDeployConfiguration()->displayName(), QString("Test Deploy 2"));
 
@@ -263,12 +246,11 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
 void ProjectExplorerTest::targetsOfUnknownKitsStay()
 {
     QString error;
-    {
-        Project project(specPath());
-        project.addTargetForKit(KitManager::kit("kit.a"));
-        stepOf(project.addTargetForKit(KitManager::kit("kit.b")))->values = {{"Key", "kept"}};
-        QVERIFY(project.saveSettings(&error));
-    }
+    const Utils::Store kept{{"Key", "kept"}};
+    Project before(specPath());
+    before.addTargetForKit(KitManager::kit("kit.a"));
+    stepOf(before.addTargetForKit(KitManager::kit("kit.b")))->values = kept;
+    QVERIFY(before.saveSettings(&error));
     KitManager::deregisterAllKits();
     registerKit("kit.a");
 
@@ -280,7 +262,6 @@ void ProjectExplorerTest::targetsOfUnknownKitsStay()
     registerKit("kit.b");
     Project restored(specPath());
     QVERIFY(restored.restoreSettings(&error));
-    const Utils::Store kept{{"Key", "kept"}};
     QCOMPARE(stepOf(restored.target(KitManager::kit("kit.b")))->values, kept);
     QCOMPARE(stepOf(project.addTargetForKit(KitManager::kit("kit.b")))->values, kept);
 }
@@ -288,10 +269,10 @@ void ProjectExplorerTest::targetsOfUnknownKitsStay()
 void ProjectExplorerTest::unreadableSettingsAreKeptAside_data()
 {
     QTest::addColumn<QByteArray>("contents");
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("cut off") << QByteArray("{\"FormatVersion\": 1, ");
-    QTest::newRow("of another kind") << QByteArray("[]");
-    QTest::newRow("from a later version") << QByteArray("{\"FormatVersion\": 2}");
+    addRow("empty", QByteArray());
+    addRow("cut off", QByteArray("{\"FormatVersion\": 1, "));
+    addRow("of another kind", QByteArray("[]"));
+    addRow("from a later version", QByteArray("{\"FormatVersion\": 2}"));
 }
 
 void ProjectExplorerTest::unreadableSettingsAreKeptAside()
@@ -301,46 +282,26 @@ void ProjectExplorerTest::unreadableSettingsAreKeptAside()
     Project project(specPath());
     const QString path = project.settingsFilePath().toFSPathString();
     for (const QString &backup : {path + ".bak", path + ".bak2"}) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(contents);
-        file.close();
-
+        writeFile(path, contents);
         QString error;
         QVERIFY(!project.restoreSettings(&error));
         QVERIFY2(error.contains(backup), qPrintable(error));
-        QCOMPARE(read(backup), QString(contents));
+        QVERIFY(QFile::exists(backup));
+        QCOMPARE(readFile(backup), contents);
         QVERIFY(project.saveSettings(&error));
         QVERIFY(Project(specPath()).restoreSettings(&error));
     }
 }
 
-void ProjectExplorerTest::unknownStepsAreLeftOut()
-{
-    const Target *target = openProject();
-    stepListOf(target)->appendStep(STEP_ID);
-    const Utils::Store map = stepListOf(target)->toMap();
-    QVERIFY(stepListOf(target)->fromMap(map));
-    QCOMPARE(stepListOf(target)->count(), 2);
-    m_stepFactory.reset();
-    QVERIFY(!stepListOf(target)->fromMap(map));
-    QVERIFY(stepListOf(target)->isEmpty());
-}
+using Prepare = std::function<void(TestStep *)>;
 
 void ProjectExplorerTest::stepsRunInOrder_data()
 {
-    QTest::addColumn<std::function<void(TestStep *)>>("prepareFirst");
+    QTest::addColumn<Prepare>("prepareFirst");
     QTest::addColumn<bool>("success");
     QTest::addColumn<QStringList>("expected"); // between the headline and the last line
 
-    const QString second = "Running step \"Test Step\"...\n";
-    const auto row = [](const char *name,
-                        const std::function<void(TestStep *)> &prepareFirst,
-                        bool success,
-                        const QStringList &expected) {
-        QTest::newRow(name) << prepareFirst << success << expected;
-    };
-    const auto withHandler = [](OutputFormat format, SetupResult result) {
+    const auto withHandler = [](OutputFormat format, SetupResult result) -> Prepare {
         return [format, result](TestStep *step) {
             step->setHandler([step, format, result] {
                 emit step->addOutput("text", format);
@@ -348,89 +309,74 @@ void ProjectExplorerTest::stepsRunInOrder_data()
             });
         };
     };
+    const Prepare disabled = [](TestStep *step) { step->setEnabled(false); };
+    const Prepare refusing = [](TestStep *step) { step->onInit = [] { return false; }; };
+    const Prepare hiding = [](TestStep *step) {
+        step->makeRecipe = [] {
+            return GroupItems{onGroupSetup([] { return SetupResult::StopWithError; }),
+                              onGroupDone([] { return DoneResult::Success; })};
+        };
+    };
+    const Prepare succeeding = withHandler(OutputFormat::Stdout, SetupResult::Continue);
+    const Prepare failing = withHandler(OutputFormat::Stderr, SetupResult::StopWithError);
+    const Prepare complaining = withHandler(OutputFormat::ErrorMessage, SetupResult::Continue);
     const QString first = "Running step \"First\"...\n";
+    const QString second = "Running step \"Test Step\"...\n";
     const QStringList failure{"! Error while building/deploying project app (kit: kit.a)\n",
                               "! When executing step \"First\"\n"};
+    const QString hidden = "! Error: step \"First\" stopped with an error.\n";
 
-    row("success",
-        withHandler(OutputFormat::Stdout, SetupResult::Continue),
-        true,
-        {first, "out: text\n", second});
-    row("a disabled step is left out",
-        [](TestStep *step) { step->setEnabled(false); },
-        true,
-        {second});
-    row(
-        "init refuses",
-        [](TestStep *step) { step->onInit = [] { return false; }; },
-        false,
-        failure);
-    row("a failing step ends the run",
-        withHandler(OutputFormat::Stderr, SetupResult::StopWithError),
-        false,
-        QStringList{first, "err: text\n"} + failure);
-    row("an error message fails the run",
-        withHandler(OutputFormat::ErrorMessage, SetupResult::Continue),
-        false,
-        {first, "! text\n", second});
-    row("a done handler hides the error",
-        [](TestStep *step) {
-            step->makeRecipe = [] {
-                return GroupItems{onGroupSetup([] { return SetupResult::StopWithError; }),
-                                  onGroupDone([] { return DoneResult::Success; })};
-            };
-        },
-        false,
-        {first, "! Error: step \"First\" stopped with an error.\n", second});
+    addRow("success", succeeding, true, QStringList{first, "out: text\n", second});
+    addRow("a disabled step is left out", disabled, true, QStringList{second});
+    addRow("init refuses", refusing, false, failure);
+    addRow(
+        "a failing step ends the run", failing, false, QStringList{first, "err: text\n"} + failure);
+    addRow("an error message fails it", complaining, false, QStringList{first, "! text\n", second});
+    addRow("a done handler hides the error", hiding, false, QStringList{first, hidden, second});
 }
 
 void ProjectExplorerTest::stepsRunInOrder()
 {
-    QFETCH(std::function<void(TestStep *)>, prepareFirst);
+    QFETCH(Prepare, prepareFirst);
     QFETCH(bool, success);
-    QFETCH(QStringList, expected);
 
     const Target *target = openProject();
     stepListOf(target)->appendStep(STEP_ID);
     stepOf(target)->setDisplayName("First");
     prepareFirst(stepOf(target));
-    run(stepListOf(target));
+    run(target, success);
 
-    QCOMPARE(m_results, QList<bool>{success});
     QCOMPARE(m_output.takeFirst(), QString("Running steps for project app...\n"));
     QCOMPARE(m_output.takeLast(),
              success ? QString("The steps for project app finished successfully.\n")
                      : QString("! The steps for project app failed.\n"));
-    QCOMPARE(m_output, expected);
+    QTEST(m_output, "expected");
 }
 
 void ProjectExplorerTest::cancelInAHandler()
 {
     const Target *target = openProject();
     TestStep *step = stepOf(target);
-    step->makeRecipe = [&] {
-        return GroupItems{onGroupSetup([&] {
-                              spinAndDo([&] {
-                                  QVERIFY(!BuildManager::buildList(stepListOf(target)));
-                                  BuildManager::cancel();
-                                  BuildManager::cancel();
-                              });
-                              emit step->addOutput("handler ends", OutputFormat::Stdout);
-                              return SetupResult::StopWithError;
-                          }),
-                          onGroupDone([&](DoneWith with) {
-                              emit step->addOutput(with == DoneWith::Cancel ? "canceled"
-                                                                            : "not canceled",
-                                                   OutputFormat::Stdout);
-                          })};
+    const auto setup = [&] {
+        spinAndDo([&] {
+            QVERIFY(!BuildManager::buildList(stepListOf(target)));
+            BuildManager::cancel();
+            BuildManager::cancel();
+        });
+        emit step->addOutput("handler ends", OutputFormat::Stdout);
+        return SetupResult::StopWithError;
     };
+    const auto done = [&](DoneWith with) {
+        QCOMPARE(with, DoneWith::Cancel);
+        emit step->addOutput("done", OutputFormat::Stdout);
+    };
+    step->makeRecipe = [&] { return GroupItems{onGroupSetup(setup), onGroupDone(done)}; };
     stepListOf(target)->appendStep(STEP_ID);
-    run(stepListOf(target));
-    QCOMPARE(m_results, QList<bool>{false});
+    run(target, false);
     const QStringList expected{"Canceling: the running step cannot be interrupted, waiting for it "
                                "to end...\n",
                                "out: handler ends\n",
-                               "out: canceled\n",
+                               "out: done\n",
                                "! Canceled build/deployment.\n"};
     QCOMPARE(m_output.mid(2), expected);
 }
@@ -449,8 +395,7 @@ void ProjectExplorerTest::nothingIsRemovedWhileItRuns()
         }();
         return SetupResult::Continue;
     });
-    run(stepListOf(target));
-    QCOMPARE(m_results, QList<bool>{true});
+    run(target, true);
     QVERIFY(target->project()->removeTarget(target));
 }
 
@@ -458,7 +403,7 @@ void ProjectExplorerTest::projectIsClosedWhileItRuns_data()
 {
     QTest::addColumn<QString>("where");
     for (const char *where : {"start", "init", "handler", "output", "program"})
-        QTest::newRow(where) << QString(where);
+        addRow(where, where);
 }
 
 void ProjectExplorerTest::projectIsClosedWhileItRuns()
@@ -466,38 +411,39 @@ void ProjectExplorerTest::projectIsClosedWhileItRuns()
     QFETCH(QString, where);
 
     const Target *target = openProject();
-    QPointer<Project> project(target->project());
-    const auto close = [&project] { ProjectManager::removeProject(project); };
+    const QPointer<Project> project(target->project());
     const QPointer<TestStep> step(stepOf(target));
-    if (where == "init") {
-        step->onInit = [&] {
+    const auto close = [&] { ProjectManager::removeProject(project); };
+    const auto closeIfIn = [&](const QString &place) {
+        if (where == place)
             spinAndDo(close);
-            return true;
-        };
-    } else if (where == "handler") {
+    };
+    step->onInit = [&] {
+        closeIfIn("init");
+        return true;
+    };
+    if (where == "handler") {
         step->setHandler([&] {
-            spinAndDo(close);
+            closeIfIn("handler");
             return SetupResult::Continue;
         });
     } else {
         step->setScript("echo closing; sleep 60");
     }
     QObject context;
+    const auto *manager = BuildManager::instance();
     if (where == "start")
-        connect(BuildManager::instance(), &BuildManager::buildQueueStarted, &context, close);
-    if (where == "program")
-        QTimer::singleShot(200, &context, close);
-    connect(
-        BuildManager::instance(), &BuildManager::outputAdded, &context, [&](const QString &text) {
-            if (text == "closing\n" && where == "output")
-                close();
-        });
+        connect(manager, &BuildManager::buildQueueStarted, &context, close);
+    connect(manager, &BuildManager::outputAdded, &context, [&](const QString &text) {
+        if (text == "closing\n" && where == "output")
+            close();
+        else if (text == "closing\n" && where == "program")
+            QTimer::singleShot(0, &context, close);
+    });
 
     stepListOf(target)->appendStep(STEP_ID);
-    run(stepListOf(target));
-    QVERIFY(project.isNull());
-    QVERIFY(step.isNull());
-    QCOMPARE(m_results, QList<bool>{false});
+    run(target, false);
+    QVERIFY(project.isNull() && step.isNull());
     QCOMPARE(m_output.constLast(),
              QString("! The steps were removed while they ran, the run is abandoned.\n"));
 }
@@ -506,37 +452,32 @@ void ProjectExplorerTest::programsAreShownLineByLine_data()
 {
     QTest::addColumn<QString>("script");
     QTest::addColumn<QStringList>("expected");
-    QTest::addColumn<QString>("end");
 
-    const QString normalEnd = "The process \"/bin/sh\" exited normally.\n";
-    QTest::newRow("both channels")
-        << "echo a; sleep 0.2; echo b >&2" << QStringList{"out: a\n", "err: b\n"} << normalEnd;
-    QTest::newRow("carriage returns and empty lines")
-        << "printf 'a\\r\\n\\r\\nb\\r\\n'" << QStringList{"out: a\n", "out: \n", "out: b\n"}
-        << normalEnd;
-    QTest::newRow("a line and a character in two chunks")
-        << "printf 'x\\303'; sleep 0.2; printf '\\244y'" << QStringList{"out: xäy\n"} << normalEnd;
-    QTest::newRow("fails") << "echo a; exit 3" << QStringList{"out: a\n"}
-                           << "! The process \"/bin/sh\" exited with code 3.\n";
-    QTest::newRow("crashes") << "kill -KILL $$" << QStringList{}
-                             << "! The process \"/bin/sh\" crashed.\n";
-    QTest::newRow("reads its input") << "cat" << QStringList{} << normalEnd;
+    const QString normal = "The process \"/bin/sh\" exited normally.\n";
+    const QString failed = "! The process \"/bin/sh\" exited with code 3.\n";
+    const QString crashed = "! The process \"/bin/sh\" crashed.\n";
+    const QStringList channels{"out: a\n", "err: b\n", normal};
+    const QStringList lines{"out: a\n", "out: \n", "out: b\n", normal};
+    addRow("both channels", "echo a; sleep 0.2; echo b >&2", channels);
+    addRow("carriage returns and empty lines", "printf 'a\\r\\n\\r\\nb\\r\\n'", lines);
+    addRow("a line and a character in two chunks",
+           "printf 'x\\303'; sleep 0.2; printf '\\244y'",
+           QStringList{"out: xäy\n", normal});
+    addRow("fails", "echo a; exit 3", QStringList{"out: a\n", failed});
+    addRow("crashes", "kill -KILL $$", QStringList{crashed});
+    addRow("reads its input", "cat", QStringList{normal});
 }
 
 void ProjectExplorerTest::programsAreShownLineByLine()
 {
     QFETCH(QString, script);
     QFETCH(QStringList, expected);
-    QFETCH(QString, end);
 
     const Target *target = openProject();
     stepOf(target)->setScript(script);
-    run(stepListOf(target));
-    const bool success = !end.startsWith("!");
-    QCOMPARE(m_results, QList<bool>{success});
-    const QString headline = "Starting: /bin/sh -c " + script + "\n";
-    QCOMPARE(m_output.mid(2, expected.size() + 2),
-             QStringList(headline) + expected + QStringList(end));
+    run(target, !expected.last().startsWith("!"));
+    QCOMPARE(m_output.mid(2, expected.size() + 1),
+             QStringList("Starting: /bin/sh -c " + script + "\n") + expected);
 }
 
 void ProjectExplorerTest::nothingIsLeftOfAProgram_data()
@@ -544,15 +485,15 @@ void ProjectExplorerTest::nothingIsLeftOfAProgram_data()
     QTest::addColumn<QString>("script");
     QTest::addColumn<bool>("closesProject");
 
-    const QString withChild = "sh -c 'echo $$ > child; exec sleep 60' & "
-                              "while [ ! -s child ]; do sleep 0.05; done; echo $$ > own; wait";
-    QTest::newRow("canceled") << withChild << false;
-    QTest::newRow("canceled and deaf") << "trap '' TERM; " + withChild << false;
-    QTest::newRow("canceled, and its child is deaf")
-        << "sh -c \"trap '' TERM; echo \\$\\$ > child; while :; do sleep 1; done\" & "
-           "while [ ! -s child ]; do sleep 0.05; done; echo $$ > own; wait"
-        << false;
-    QTest::newRow("project closed") << "trap '' TERM; " + withChild << true;
+    const QString untilChild = " & while [ ! -s child ]; do sleep 0.05; done; echo $$ > own; wait";
+    const QString withChild = "sh -c 'echo $$ > child; exec sleep 60'" + untilChild;
+    const QString deaf = "trap '' TERM; ";
+    const QString deafChild =
+        "sh -c \"trap '' TERM; echo \\$\\$ > child; while :; do sleep 1; done\"" + untilChild;
+    addRow("canceled", withChild, false);
+    addRow("canceled and deaf", deaf + withChild, false);
+    addRow("canceled, and its child is deaf", deafChild, false);
+    addRow("project closed", deaf + withChild, true);
 }
 
 void ProjectExplorerTest::nothingIsLeftOfAProgram()
@@ -563,11 +504,10 @@ void ProjectExplorerTest::nothingIsLeftOfAProgram()
     const Target *target = openProject();
     stepOf(target)->setScript("cd " + m_directory->path() + "; " + script);
     QVERIFY(BuildManager::buildList(stepListOf(target)));
-    QTRY_VERIFY(!read(m_directory->filePath("own")).isEmpty());
-    const QStringList pids{read(m_directory->filePath("own")).trimmed(),
-                           read(m_directory->filePath("child")).trimmed()};
-    for (const QString &pid : pids)
-        QVERIFY(isProcessAlive(pid));
+    QTRY_VERIFY(!readFile(m_directory->filePath("own")).isEmpty());
+    const qint64 own = readFile(m_directory->filePath("own")).trimmed().toLongLong();
+    const qint64 child = readFile(m_directory->filePath("child")).trimmed().toLongLong();
+    QVERIFY(isAlive(own) && isAlive(child));
 
     if (closesProject)
         ProjectManager::removeProject(target->project());
@@ -576,10 +516,8 @@ void ProjectExplorerTest::nothingIsLeftOfAProgram()
     QTRY_VERIFY(!BuildManager::isBuilding());
     QCOMPARE(m_results, QList<bool>{false});
     QVERIFY(!m_output.contains("! The process \"/bin/sh\" crashed.\n"));
-    for (const QString &pid : pids)
-        QTRY_VERIFY(!isProcessAlive(pid));
+    QTRY_VERIFY(!isAlive(own) && !isAlive(child));
 }
 
 QTEST_GUILESS_MAIN(ProjectExplorerTest)
-
 #include "tst_projectexplorer.moc"
