@@ -1,5 +1,8 @@
+#include "files.h"
+#include "processes.h"
 #include "settingsscope.h"
 #include "temporarysdk.h"
+#include "testrow.h"
 
 #include <commandline.h>
 #include <mainwindow.h>
@@ -23,14 +26,13 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
 #include <csignal>
-#include <functional>
 
 using namespace Workbench;
+using ProjectExplorer::BuildManager;
 using ProjectExplorer::BuildStepList;
 
 namespace {
@@ -48,13 +50,6 @@ constexpr char QUICK_SPEC[] = "Name: quick\n"
                               "Nothing.\n"
                               "%files\n";
 
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(file.errorString()));
-    file.write(contents);
-}
-
 struct Transcript
 {
     int exitCode = -1;
@@ -66,11 +61,7 @@ struct Transcript
 class Ground
 {
 public:
-    Ground()
-    {
-        QVERIFY(QDir().mkpath(project() + "/rpm"));
-        writeFile(project() + "/rpm/quick.spec", QUICK_SPEC);
-    }
+    Ground() { writeFile(project() + "/rpm/quick.spec", QUICK_SPEC); }
 
     QString path() const { return m_sdk.path(); }
     QString project() const { return path() + "/workspace/quick"; }
@@ -92,15 +83,20 @@ public:
         set("Sealkit.GlobalSignKey", key(name + "_key.pem"));
         set("Sealkit.GlobalSignCert", key(name + "_cert.pem"));
     }
-    // Replaces a tool of the usual target by a shell script.
-    void replaceTool(const QString &tool, const QByteArray &script) const
+    // Replaces the signing tool of the usual target by a shell script.
+    void replaceTool(const QByteArray &script) const
     {
-        const QString file = path() + "/engine/targets/" + RPMSIGN_TARGET + "/bin/" + tool;
-        QFile::remove(file);
-        writeFile(file, "#!/bin/sh\n" + script);
-        QFile::setPermissions(file, QFile::permissions(file) | QFile::ExeOwner);
+        QFile::remove(m_sdk.tool("rpmsign-external"));
+        writeScript(m_sdk.tool("rpmsign-external"), script);
     }
 
+    CommandLine commandLine() const
+    {
+        CommandLine line;
+        line.sdk = path();
+        line.projects = {project()};
+        return line;
+    }
     QStringList deployArguments() const
     {
         return {"--settings", path() + "/settings", "--sdk", path(), "--deploy", project()};
@@ -119,38 +115,17 @@ public:
     // What the engine's own tool says about the package.
     int verify() const
     {
+        const QString line = "engine exec -tt sb2 -t %1 rpmsign-external verify --root-cert %2 %3";
         QProcess brisk;
         brisk.setWorkingDirectory(path() + "/workspace");
         brisk.start(path() + "/bin/brisk",
-                    {"engine",
-                     "exec",
-                     "-tt",
-                     "sb2",
-                     "-t",
-                     RPMSIGN_TARGET,
-                     "rpmsign-external",
-                     "verify",
-                     "--root-cert",
-                     key("demo_root.pem"),
-                     package()});
+                    line.arg(RPMSIGN_TARGET, key("demo_root.pem"), package()).split(' '));
         brisk.waitForFinished(RUN_TIMEOUT);
         return brisk.exitCode();
     }
 
-    // Command lines of living processes that have to do with this SDK.
-    QStringList processes() const
-    {
-        QStringList found;
-        for (const QString &id : QDir("/proc").entryList(QDir::Dirs)) {
-            QFile file("/proc/" + id + "/cmdline");
-            if (!file.open(QIODevice::ReadOnly))
-                continue;
-            const QString commandLine = QString::fromUtf8(file.readAll().replace('\0', ' '));
-            if (commandLine.contains(path()))
-                found << commandLine;
-        }
-        return found;
-    }
+    // Of living processes that have to do with this SDK.
+    QStringList processes() const { return processesOf(path()); }
 
 private:
     TemporarySdk m_sdk;
@@ -185,28 +160,25 @@ private:
 
 void WorkbenchTest::readsCommandLine_data()
 {
-    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("arguments");
     QTest::addColumn<int>("exitCode"); // -1: goes on
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("nothing") << QStringList{} << -1 << "";
-    QTest::newRow("two projects") << QStringList{"a", "b"} << -1 << "";
-    QTest::newRow("deploy") << QStringList{"--deploy", "a"} << -1 << "";
-    QTest::newRow("deploy and a project")
-        << QStringList{"--deploy", "a", "b"} << 2 << "exactly one";
-    QTest::newRow("deploy nothing") << QStringList{"--deploy"} << 2 << "deploy";
-    QTest::newRow("unknown option") << QStringList{"--nonsense"} << 2 << "nonsense";
-    QTest::newRow("help") << QStringList{"--help"} << 0 << "Usage: ";
-    QTest::newRow("pass phrase for a window")
-        << QStringList{"--passphrase-file", "x"} << 2 << "needs --deploy";
+    addRow("two projects", "a b", -1, "");
+    addRow("deploy", "--deploy a", -1, "");
+    addRow("deploy and a project", "--deploy a b", 2, "exactly one");
+    addRow("deploy nothing", "--deploy", 2, "deploy");
+    addRow("unknown option", "--nonsense", 2, "nonsense");
+    addRow("help", "--help", 0, "Usage: ");
+    addRow("pass phrase for a window", "--passphrase-file x", 2, "needs --deploy");
 }
 
 void WorkbenchTest::readsCommandLine()
 {
-    QFETCH(QStringList, arguments);
+    QFETCH(QString, arguments);
     QFETCH(int, exitCode);
     QFETCH(QString, message);
-    const auto parsed = parseCommandLine(QStringList{"workbench"} + arguments);
+    const auto parsed = parseCommandLine(("workbench " + arguments).split(' '));
     const auto *exit = std::get_if<EarlyExit>(&parsed);
     QCOMPARE(exit ? exit->exitCode : -1, exitCode);
     if (exit)
@@ -218,14 +190,12 @@ void WorkbenchTest::readsPassphraseFile_data()
     QTest::addColumn<QByteArray>("contents");
     QTest::addColumn<QString>("passphrase"); // null: refused
 
-    QTest::newRow("no line end") << QByteArray("demo") << "demo";
-    QTest::newRow("line feed") << QByteArray("demo\n") << "demo";
-    QTest::newRow("more lines") << QByteArray("demo\r\nother\n") << "demo";
-    QTest::newRow("blanks stay") << QByteArray(" de mo \n") << " de mo ";
-    QTest::newRow("other scripts") << QByteArray("\u043f\u0430\u0440\u043e\u043b\u044c\n")
-                                   << QString::fromUtf8("\u043f\u0430\u0440\u043e\u043b\u044c");
-    QTest::newRow("empty file") << QByteArray() << QString();
-    QTest::newRow("empty line") << QByteArray("\ndemo\n") << QString();
+    addRow("no line end", QByteArray("demo"), "demo");
+    addRow("more lines", QByteArray("demo\r\nother\n"), "demo");
+    addRow("blanks stay", QByteArray(" de mo \n"), " de mo ");
+    addRow("other scripts", QByteArray("пароль\n"), "пароль");
+    addRow("empty file", QByteArray(), QString());
+    addRow("empty line", QByteArray("\ndemo\n"), QString());
 }
 
 void WorkbenchTest::readsPassphraseFile()
@@ -244,28 +214,25 @@ void WorkbenchTest::readsPassphraseFile()
 
 void WorkbenchTest::dealsWithDialogs_data()
 {
-    QTest::addColumn<bool>("hasPassphrase");
-    QTest::addColumn<bool>("refusesAnswer");
+    QTest::addColumn<QString>("passphrase"); // null: none
     QTest::addColumn<bool>("accepted");
     QTest::addColumn<QString>("explanation");
 
-    QTest::newRow("answered") << true << false << true << QString();
-    QTest::newRow("declined") << false << false << false
-                              << "A tool asked: \"Enter pass phrase for k:\". Declined: no display "
-                                 "to ask on; use --passphrase-file.";
-    QTest::newRow("answer not taken") << true << true << false
-                                      << "A tool asked: \"Enter pass phrase for k:\". Declined: "
-                                         "the pass phrase from the file cannot be used.";
+    const QString declined = "A tool asked: \"Enter pass phrase for k:\". Declined: ";
+    const QString unusable = declined + "the pass phrase from the file cannot be used.";
+    addRow("answered", "s3cret", true, QString());
+    addRow(
+        "no answer", QString(), false, declined + "no display to ask on; use --passphrase-file.");
+    addRow("answer not taken", "s3cret", false, unusable);
 }
 
 void WorkbenchTest::dealsWithDialogs()
 {
-    QFETCH(bool, hasPassphrase);
-    QFETCH(bool, refusesAnswer);
+    QFETCH(QString, passphrase);
     QFETCH(bool, accepted);
     QFETCH(QString, explanation);
 
-    PromptAnswerer answerer(hasPassphrase ? std::optional<QString>("s3cret") : std::nullopt);
+    PromptAnswerer answerer(passphrase.isNull() ? std::nullopt : std::optional(passphrase));
     QStringList explanations;
     connect(&answerer, &PromptAnswerer::declined, this, [&](const QString &text) {
         explanations << text;
@@ -279,13 +246,13 @@ void WorkbenchTest::dealsWithDialogs()
     layout->addRow("Password:", edit);
     layout->addRow(new QLabel("Enter pass phrase for k:"));
     layout->addRow(buttons);
-    if (!refusesAnswer)
+    if (accepted)
         connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
 
     QCOMPARE(dialog.exec() == QDialog::Accepted, accepted);
     QCOMPARE(explanations, explanation.isEmpty() ? QStringList() : QStringList{explanation});
     if (accepted)
-        QCOMPARE(edit->text(), "s3cret");
+        QCOMPARE(edit->text(), passphrase);
 
     explanations.clear();
     QMessageBox question(
@@ -295,13 +262,12 @@ void WorkbenchTest::dealsWithDialogs()
              QStringList{"A dialog asked: \"Overwrite?\". Declined: no display to ask on."});
 }
 
+using Change = std::function<void(BuildStepList *)>;
 using Prepare = std::function<void(const Ground &)>;
 Q_DECLARE_METATYPE(Prepare)
 
 // Opens the project as the window would, changes its steps and saves it.
-static void configure(const Ground &ground,
-                      const QString &target,
-                      const std::function<void(BuildStepList *)> &change)
+static void configure(const Ground &ground, const QString &target, const Change &change)
 {
     Session session;
     QString error;
@@ -340,7 +306,7 @@ void WorkbenchTest::outputFollowsItsEnd()
 
 void WorkbenchTest::deploys_data()
 {
-    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("arguments");
     QTest::addColumn<Prepare>("prepare");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("inOutput");
@@ -348,82 +314,70 @@ void WorkbenchTest::deploys_data()
     QTest::addColumn<int>("signatureCount");
 
     const QString failed = "The deploy failed.";
+    const QString completed = "Package sign completed successfully.";
     const Prepare nothing = [](const Ground &) {};
-
-    QTest::newRow("regular key") << QStringList{} << nothing << 0
-                                 << "Package sign completed successfully."
-                                 << "" << 1;
-
     const Prepare encrypted = [](const Ground &ground) {
         ground.useKey("encrypted");
         writeFile(ground.path() + "/right", "demo\n");
         writeFile(ground.path() + "/wrong", "nonsense-phrase\n");
     };
-    QTest::newRow("encrypted key, right pass phrase")
-        << QStringList{"--passphrase-file", "right"} << encrypted << 0
-        << "Package sign completed successfully."
-        << "" << 1;
-    QTest::newRow("encrypted key, wrong pass phrase")
-        << QStringList{"--passphrase-file", "wrong"} << encrypted << 1 << "wrong pass phrase"
-        << failed << 0;
-    QTest::newRow("encrypted key, nobody to ask")
-        << QStringList{} << encrypted << 1 << "Declined: no display to ask on" << failed << 0;
-
-    QTest::newRow("key outside the workspace")
-        << QStringList{} << Prepare([](const Ground &ground) {
-               ground.set("Sealkit.GlobalSignKey", ground.path() + "/ca/elsewhere.pem");
-           })
-        << 1 << "Error: key and certificate must be inside workspace folder" << failed << 0;
-    QTest::newRow("no RPM build step") << QStringList{} << Prepare([](const Ground &ground) {
-        configure(ground, RPMSIGN_TARGET, [](BuildStepList *list) { list->removeStep(0); });
-    }) << 1 << "Error: No previous \"" << failed
-                                       << 0;
-    QTest::newRow("sign step switched off") << QStringList{} << Prepare([](const Ground &ground) {
+    const Prepare outside = [](const Ground &ground) {
+        ground.set("Sealkit.GlobalSignKey", ground.path() + "/ca/elsewhere.pem");
+    };
+    const auto configured = [](const QString &target, const Change &change) -> Prepare {
+        return [=](const Ground &ground) { configure(ground, target, change); };
+    };
+    const Prepare unbuilt =
+        configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->removeStep(0); });
+    const Prepare off =
+        configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
+    const Prepare customer = [](const Ground &ground) {
+        // The default keys are taken from the shared home, and keys have to be in the workspace:
+        // both hold where the one is inside the other.
+        QDir().rename(ground.path() + "/home", ground.path() + "/workspace/home");
+        QSettings(ground.path() + "/sdk.ini", QSettings::IniFormat)
+            .setValue("BuildEngine/SharedHome", "workspace/home");
         configure(
-            ground, RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
-    }) << 1 << "finished successfully"
-                                            << "no enabled sign step" << 0;
-    QTest::newRow("package that does not build")
-        << QStringList{} << Prepare([](const Ground &ground) {
-               writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
-           })
-        << 1 << "Error while building" << failed << 0;
-    QTest::newRow("tool that fails") << QStringList{} << Prepare([](const Ground &ground) {
-        ground.replaceTool("rpmsign-external", "echo refused; exit 3\n");
-    }) << 1 << "refused" << failed << 0;
-    QTest::newRow("no brisk") << QStringList{} << Prepare([](const Ground &ground) {
+            ground, CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(true); });
+    };
+    const Prepare broken = [](const Ground &ground) {
+        writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
+    };
+    const Prepare refusing = [](const Ground &ground) {
+        ground.replaceTool("echo refused; exit 3\n");
+    };
+    const Prepare noBrisk = [](const Ground &ground) {
         QFile::remove(ground.path() + "/bin/brisk");
-    }) << 1 << "[E]" << failed << 0;
-    QTest::newRow("target without tools")
-        << QStringList{"--target", BARE_TARGET} << nothing << 1 << ""
-        << "no enabled sign step" << 0;
-    QTest::newRow("customer-sign, switched on")
-        << QStringList{"--target", CUSTOMER_TARGET} << Prepare([](const Ground &ground) {
-               // The default keys are taken from the shared home, and keys have to be in the
-               // workspace: both hold where the one is inside the other.
-               QDir().rename(ground.path() + "/home", ground.path() + "/workspace/home");
-               QSettings(ground.path() + "/sdk.ini", QSettings::IniFormat)
-                   .setValue("BuildEngine/SharedHome", "workspace/home");
-               configure(ground, CUSTOMER_TARGET, [](BuildStepList *list) {
-                   list->at(1)->setEnabled(true);
-               });
-           })
-        << 0 << "Package sign completed successfully."
-        << "" << 2;
-
-    QTest::newRow("unknown target")
-        << QStringList{"--target", "Moon"} << nothing << 1 << "" << RPMSIGN_TARGET << 0;
-    QTest::newRow("no SDK") << QStringList{"--sdk", "/nonexistent"} << nothing << 1 << ""
-                            << "/nonexistent" << 0;
-    QTest::newRow("no project") << QStringList{} << Prepare([](const Ground &ground) {
+    };
+    const Prepare noSpec = [](const Ground &ground) {
         QFile::remove(ground.project() + "/rpm/quick.spec");
-    }) << 1 << ""
-                                << "no package description" << 0;
+    };
+    const QString keyOutside = "Error: key and certificate must be inside workspace folder";
+    const QString noSignStep = "no enabled sign step";
+    const QString right = "--passphrase-file right";
+    const QString wrong = "--passphrase-file wrong";
+    const QString bare = "--target " + BARE_TARGET;
+
+    addRow("regular key", "", nothing, 0, completed, "", 1);
+    addRow("right pass phrase", right, encrypted, 0, completed, "", 1);
+    addRow("wrong pass phrase", wrong, encrypted, 1, "wrong pass phrase", failed, 0);
+    addRow("nobody to ask", "", encrypted, 1, "Declined: no display to ask on", failed, 0);
+    addRow("key outside the workspace", "", outside, 1, keyOutside, failed, 0);
+    addRow("no RPM build step", "", unbuilt, 1, "Error: No previous \"", failed, 0);
+    addRow("sign step switched off", "", off, 1, "finished successfully", noSignStep, 0);
+    addRow("package that does not build", "", broken, 1, "Error while building", failed, 0);
+    addRow("tool that fails", "", refusing, 1, "refused", failed, 0);
+    addRow("no brisk", "", noBrisk, 1, "[E]", failed, 0);
+    addRow("target without tools", bare, nothing, 1, "", noSignStep, 0);
+    addRow("customer-sign", "--target " + CUSTOMER_TARGET, customer, 0, completed, "", 2);
+    addRow("unknown target", "--target Moon", nothing, 1, "", RPMSIGN_TARGET, 0);
+    addRow("no SDK", "--sdk /nonexistent", nothing, 1, "", "/nonexistent", 0);
+    addRow("no project", "", noSpec, 1, "", "no package description", 0);
 }
 
 void WorkbenchTest::deploys()
 {
-    QFETCH(QStringList, arguments);
+    QFETCH(QString, arguments);
     QFETCH(Prepare, prepare);
     QFETCH(int, exitCode);
     QFETCH(QString, inOutput);
@@ -432,9 +386,8 @@ void WorkbenchTest::deploys()
 
     const Ground ground;
     prepare(ground);
-    if (arguments.value(0) == "--passphrase-file")
-        arguments[1].prepend(ground.path() + '/');
-    const Transcript transcript = ground.deploy(arguments);
+    arguments.replace("-file ", "-file " + ground.path() + '/');
+    const Transcript transcript = ground.deploy(arguments.split(' ', Qt::SkipEmptyParts));
 
     const QString all = transcript.output + transcript.errors;
     const QString end = all.right(900); // what fits into a failure message
@@ -453,24 +406,16 @@ void WorkbenchTest::refusesChangedPackage()
     QCOMPARE(ground.deploy().exitCode, 0);
     QCOMPARE(ground.verify(), 0);
 
-    QFile package(ground.package());
-    QVERIFY(package.open(QIODevice::ReadWrite));
-    package.seek(package.size() - 1);
-    char last = 0;
-    package.getChar(&last);
-    package.seek(package.size() - 1);
-    package.putChar(char(last ^ 1));
-    package.close();
+    QByteArray bytes = readFile(ground.package());
+    bytes.back() = char(bytes.back() ^ 1);
+    writeFile(ground.package(), bytes);
     QVERIFY(ground.verify() != 0);
 }
 
 void WorkbenchTest::interruptLeavesNothingBehind()
 {
     const Ground ground;
-    ground.replaceTool("rpmsign-external",
-                       "trap '' TERM HUP INT\n"
-                       "echo hanging\n"
-                       "while :; do sleep 1; done\n");
+    ground.replaceTool("trap '' TERM HUP INT; echo hanging; while :; do sleep 1; done\n");
     QProcess workbench;
     workbench.start(WORKBENCH_EXECUTABLE, ground.deployArguments());
     QByteArray output;
@@ -495,9 +440,7 @@ static QStringList stepNames(const QWidget &window)
 void WorkbenchTest::windowConfiguresSteps()
 {
     const Ground ground;
-    CommandLine line;
-    line.sdk = ground.path();
-    line.projects = {ground.project()};
+    CommandLine line = ground.commandLine();
     {
         Session session;
         MainWindow window(&session);
@@ -540,24 +483,19 @@ void WorkbenchTest::windowConfiguresSteps()
 void WorkbenchTest::quitEndsTheRun()
 {
     const Ground ground;
-    ground.replaceTool("rpmsign-external", "echo hanging; while :; do sleep 1; done\n");
-    CommandLine line;
-    line.sdk = ground.path();
-    line.projects = {ground.project()};
+    ground.replaceTool("echo hanging; while :; do sleep 1; done\n");
+    CommandLine line = ground.commandLine();
     Session session;
     MainWindow window(&session);
     window.show();
     window.open(line);
 
-    QSignalSpy finished(ProjectExplorer::BuildManager::instance(),
-                        &ProjectExplorer::BuildManager::buildQueueFinished);
-    connect(ProjectExplorer::BuildManager::instance(),
-            &ProjectExplorer::BuildManager::outputAdded,
-            &window,
-            [&window](const QString &text) {
-                if (text.contains("hanging"))
-                    window.close();
-            });
+    const auto *manager = BuildManager::instance();
+    QSignalSpy finished(manager, &BuildManager::buildQueueFinished);
+    connect(manager, &BuildManager::outputAdded, &window, [&window](const QString &text) {
+        if (text.contains("hanging"))
+            window.close();
+    });
     QTimer::singleShot(0, &window, [&window] {
         for (QAction *action : window.findChildren<QAction *>()) {
             if (action->text() == "&Deploy")
