@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <fcntl.h>
 #include <iostream>
+#include <unistd.h>
 
 static constexpr int FAILURE = 1;
 static constexpr int USAGE_ERROR = 2;
@@ -69,8 +71,20 @@ static int run(const std::vector<std::string> &words)
     return USAGE_ERROR;
 }
 
+// Descriptors that the caller closed would be handed out again, for something else than they mean.
+static void openStandardStreams()
+{
+    int descriptor = 0;
+    do {
+        descriptor = open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0)
+        close(descriptor);
+}
+
 int main(int argc, char *argv[])
 {
+    openStandardStreams();
     try {
         return run({argv + 1, argv + argc});
     } catch (const std::exception &error) {

@@ -22,7 +22,7 @@ static sigset_t handledSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
-    for (const int number : {SIGCHLD, SIGHUP, SIGINT, SIGTERM})
+    for (const int number : {SIGCHLD, SIGHUP, SIGINT, SIGQUIT, SIGTERM})
         sigaddset(&signals, number);
     return signals;
 }
@@ -84,7 +84,7 @@ int Relay::run()
             writeTerminal();
         if (ready[Terminal] & ~POLLOUT)
             readTerminal();
-        if (ready[Output] != 0 && !writeOutput())
+        if ((ready[Output] & POLLERR) || ((ready[Output] & POLLOUT) && !writeOutput()))
             return SIGPIPE;
         repeatEndOfInput();
     }
@@ -104,7 +104,8 @@ Relay::Readiness Relay::wait() const
         {m_signals.descriptor(), POLLIN, 0},
         {watched(STDIN_FILENO, m_inputOpen && m_toTerminal.size() < BUFFER_LIMIT), POLLIN, 0},
         {watched(m_terminal, terminalUsable && terminalEvents != 0), terminalEvents, 0},
-        {watched(STDOUT_FILENO, !m_toOutput.empty()), POLLOUT, 0},
+        // Always, for a reader that has gone: a silent tool would go on for nobody.
+        {STDOUT_FILENO, static_cast<short>(m_toOutput.empty() ? 0 : POLLOUT), 0},
     }};
     Readiness ready{};
     if (poll(channels.data(), channels.size(), isEndOfInputDue() ? END_OF_INPUT_INTERVAL_MS : -1)

@@ -127,7 +127,10 @@ install_signatures() { # PACKAGE...
     done
     for package; do
         for staged in "$package".*.p7s.new; do
-            [ ! -f "$staged" ] || mv -fT -- "$staged" "${staged%.new}"
+            [ ! -f "$staged" ] || mv -fT -- "$staged" "${staged%.new}" || {
+                discard_staged "$@"
+                fail "cannot put a signature beside the package: $package"
+            }
         done
         printf 'Signed: %s\n' "$package"
     done
@@ -142,14 +145,15 @@ stage_signatures() {
     made=0
     while [ "$made" -lt "$round" ]; do
         made=$((made + 1))
+        [ ! -e "$package.$number.p7s" ] || return 1 # something that is no file
         cp -T -- "$work/$index.$made" "$package.$number.p7s.new" || return 1
         number=$((number + 1))
     done
 }
 
 discard_staged() { # PACKAGE...
-    for package; do
-        for staged in "$package".*.p7s.new; do
+    for owner; do
+        for staged in "$owner".*.p7s.new; do
             [ ! -f "$staged" ] || rm -f -- "$staged"
         done
     done
@@ -160,12 +164,19 @@ discard_staged() { # PACKAGE...
 delete_signatures() { # PACKAGE...
     require_packages "$@"
     for package; do
-        number=1
-        while find_signature "$package" "$number"; do
-            rm -f -- "$signature" || fail "cannot remove: $signature"
-            number=$((number + 1))
+        count=0
+        while find_signature "$package" $((count + 1)); do
+            count=$((count + 1))
         done
-        printf '%s: %d signatures removed\n' "$package" $((number - 1))
+        # From the last one on: were the first ones missing after an interruption, the rest would
+        # not be found any more.
+        number=$count
+        while [ "$number" -gt 0 ]; do
+            find_signature "$package" "$number"
+            rm -f -- "$signature" || fail "cannot remove: $signature"
+            number=$((number - 1))
+        done
+        printf '%s: %d signatures removed\n' "$package" "$count"
     done
 }
 
