@@ -27,6 +27,16 @@ function readUnits(name,    parts, i) {
     }
 }
 
+# With a blank behind each comma between two parts, so that a long name can be wrapped.
+function spaced(name) {
+    gsub(/\\\\/, "\001", name)
+    gsub(/\\,/, "\002", name)
+    gsub(/,/, ", ", name)
+    gsub(/\002/, "\\,", name)
+    gsub(/\001/, "\\\\\\\\", name)
+    return name
+}
+
 function orNone(text) {
     return text == "" ? "none" : text
 }
@@ -53,7 +63,7 @@ END {
     if (!("signatureAlgorithm:" in algorithms))
         exit 1
     readUnits(subject)
-    print "Subject: " subject
+    print "Subject: " spaced(subject)
     print "Group: " orNone(units[1])
     print "Subgroup: " orNone(units[2])
     # The identifier is a DER string: two bytes for its type and length come first.
