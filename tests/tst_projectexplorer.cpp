@@ -72,9 +72,9 @@ private:
 class TestStepFactory : public BuildStepFactory
 {
 public:
-    TestStepFactory()
+    explicit TestStepFactory(Utils::Id id = STEP_ID)
     {
-        registerStep<TestStep>(STEP_ID);
+        registerStep<TestStep>(id);
         setDisplayName("Test Step");
         setSupportedStepList(Constants::BUILDSTEPS_DEPLOY);
         setSupportedDeviceType(DEVICE_TYPE);
@@ -84,9 +84,9 @@ public:
 class TestDeployConfigurationFactory : public DeployConfigurationFactory
 {
 public:
-    TestDeployConfigurationFactory()
+    explicit TestDeployConfigurationFactory(Utils::Id id = "Test.Deploy")
     {
-        setConfigBaseId("Test.Deploy");
+        setConfigBaseId(id);
         setDefaultDisplayName("Test Deploy");
         addSupportedTargetDeviceType(DEVICE_TYPE);
         addInitialStep(STEP_ID);
@@ -137,7 +137,7 @@ private slots:
     void init();
     void cleanup();
     void whatTheUserConfiguredComesBack();
-    void targetsOfUnknownKitsStay();
+    void whatIsUnknownStays();
     void unreadableSettingsAreKeptAside_data();
     void unreadableSettingsAreKeptAside();
     void stepsRunInOrder_data();
@@ -243,21 +243,35 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
     QCOMPARE(stepOf(restored.activeTarget())->displayName(), QString("Mine"));
 }
 
-void ProjectExplorerTest::targetsOfUnknownKitsStay()
+void ProjectExplorerTest::whatIsUnknownStays()
 {
     QString error;
     const Utils::Store kept{{"Key", "kept"}};
-    Project before(specPath());
-    before.addTargetForKit(KitManager::kit("kit.a"));
-    stepOf(before.addTargetForKit(KitManager::kit("kit.b")))->values = kept;
-    QVERIFY(before.saveSettings(&error));
+    Utils::FilePath settingsPath;
+    {
+        // These plugins are missing in the next session, and so is one of the kits.
+        const TestStepFactory stepFactory("Other.Step");
+        const TestDeployConfigurationFactory deployFactory("Other.Deploy");
+        Project before(specPath());
+        Target *target = before.addTargetForKit(KitManager::kit("kit.a"));
+        stepListOf(target)->appendStep("Other.Step");
+        stepOf(target, 1)->values = kept;
+        QCOMPARE(target->deployConfigurations().size(), 2);
+        stepOf(before.addTargetForKit(KitManager::kit("kit.b")))->values = kept;
+        QVERIFY(before.saveSettings(&error));
+        settingsPath = before.settingsFilePath();
+    }
+    const QByteArray settings = readFile(settingsPath.toFSPathString());
     KitManager::deregisterAllKits();
     registerKit("kit.a");
 
     Project project(specPath());
     QVERIFY(project.restoreSettings(&error));
     QCOMPARE(project.targets().size(), 1);
+    QCOMPARE(project.activeTarget()->deployConfigurations().size(), 1);
+    QCOMPARE(stepListOf(project.activeTarget())->count(), 1);
     QVERIFY(project.saveSettings(&error));
+    QCOMPARE(readFile(settingsPath.toFSPathString()), settings);
 
     registerKit("kit.b");
     Project restored(specPath());

@@ -83,7 +83,7 @@ Utils::Store BuildStepList::toMap() const
         step->toMap(map);
         maps.append(Utils::mapFromStore(map));
     }
-    return {{STEPS_KEY, maps}};
+    return {{STEPS_KEY, maps + m_unknownStepMaps}};
 }
 
 static BuildStep *restoredStep(BuildStepList *stepList, const Utils::Store &map)
@@ -100,15 +100,15 @@ bool BuildStepList::fromMap(const Utils::Store &map)
     clear();
     if (!isEmpty())
         return false;
-    bool complete = true;
+    m_unknownStepMaps.clear();
     const QVariantList maps = map.value(STEPS_KEY).toList();
     for (const QVariant &stepMap : maps) {
         if (BuildStep *step = restoredStep(this, Utils::storeFromMap(stepMap.toMap())))
             appendStep(step);
         else
-            complete = false;
+            m_unknownStepMaps.append(stepMap);
     }
-    return complete;
+    return true;
 }
 
 } // namespace ProjectExplorer

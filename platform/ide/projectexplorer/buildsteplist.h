@@ -44,8 +44,9 @@ public:
     void clear();
 
     Utils::Store toMap() const;
-    /// Replaces the steps by those in \a map. Steps that no factory knows are left out, and are
-    /// missing from the next toMap(); false then, and false with nothing done while a step runs.
+    /// Replaces the steps by those in \a map; false, and nothing done, while one of them runs.
+    /// Steps that no factory knows don't join the list, but come back from toMap() as they were
+    /// read, behind the others.
     bool fromMap(const Utils::Store &map);
 
 signals:
@@ -58,6 +59,7 @@ private:
     ProjectConfiguration *m_configuration;
     Utils::Id m_id;
     QList<BuildStep *> m_steps;
+    QVariantList m_unknownStepMaps;
 };
 
 } // namespace ProjectExplorer

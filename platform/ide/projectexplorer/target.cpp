@@ -105,7 +105,7 @@ Utils::Store Target::toMap() const
         configuration->toMap(map);
         maps.append(Utils::mapFromStore(map));
     }
-    return {{DEPLOY_CONFIGURATIONS_KEY, maps},
+    return {{DEPLOY_CONFIGURATIONS_KEY, maps + m_unknownDeployConfigurationMaps},
             {ACTIVE_DEPLOY_CONFIGURATION_KEY,
              int(m_deployConfigurations.indexOf(m_activeDeployConfiguration))}};
 }
@@ -118,8 +118,10 @@ void Target::fromMap(const Utils::Store &map)
         const Utils::Store configurationMap = Utils::storeFromMap(maps.at(index).toMap());
         DeployConfiguration *configuration =
             DeployConfigurationFactory::restore(this, configurationMap);
-        if (!configuration)
+        if (!configuration) {
+            m_unknownDeployConfigurationMaps.append(maps.at(index));
             continue;
+        }
         addDeployConfiguration(configuration);
         if (index == activeIndex)
             setActiveDeployConfiguration(configuration);

@@ -40,8 +40,8 @@ public:
     void updateDefaultDeployConfigurations();
 
     Utils::Store toMap() const;
-    /// Adds the configurations in \a map; those that no factory knows are left out, and are
-    /// missing from the next toMap().
+    /// Adds the configurations in \a map. Those that no factory knows don't, but come back from
+    /// toMap() as they were read, behind the others.
     void fromMap(const Utils::Store &map);
 
 signals:
@@ -57,6 +57,7 @@ private:
     Kit *m_kit;
     QList<DeployConfiguration *> m_deployConfigurations;
     DeployConfiguration *m_activeDeployConfiguration = nullptr;
+    QVariantList m_unknownDeployConfigurationMaps;
 };
 
 } // namespace ProjectExplorer
