@@ -38,14 +38,10 @@ private slots:
     void failedSigningLeavesEverythingUnchanged();
     void passPhrasesArriveUnharmed_data();
     void passPhrasesArriveUnharmed();
-    void customerSignAsksForTheBinariesKey_data();
-    void customerSignAsksForTheBinariesKey();
-    void dumpTellsSubjectAndUnits_data();
     void dumpTellsSubjectAndUnits();
 
     void wordsAndExitCodes_data();
     void wordsAndExitCodes();
-    void saysWhyItCannotStart();
     void answersNeverShow();
     void endedInputStaysEnded();
     void floodAndUnreadInput();
@@ -165,10 +161,10 @@ void EngineTest::signaturesComeAndGo()
     dump.replace(QRegularExpression("Key ID: [0-9A-F]{40}\n"), "Key ID: …\n");
     dump.replace(QRegularExpression("sha256, .* GMT\n"), "sha256, …\n");
     const QString rest = "Key ID: …\nSignature: ecdsa-with-SHA256, sha256, …\n";
-    const QString signatures = "Subject: CN=Foreign Developer,OU=regular,OU=developer,"
+    const QString signatures = "Subject: CN=Foreign Developer, OU=regular, OU=developer, "
                                "O=Somebody Else\nGroup: developer\nSubgroup: regular\n"
                                + rest
-                               + "Subject: CN=Demo Client,OU=shop,OU=client,O=Veyra OS Demo\n"
+                               + "Subject: CN=Demo Client, OU=shop, OU=client, O=Veyra OS Demo\n"
                                  "Group: client\nSubgroup: shop\n"
                                + rest;
     QCOMPARE(dump, packages.at(0) + '\n' + signatures + packages.at(1) + '\n' + signatures);
@@ -315,56 +311,12 @@ void EngineTest::passPhrasesArriveUnharmed()
     QVERIFY(!(out + signing.out).contains(passPhrase));
 }
 
-void EngineTest::customerSignAsksForTheBinariesKey_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<QString>("error");
-
-    addRow("right answer", QByteArray("demo\n"), "");
-    addRow("wrong answer", QByteArray("dem\n"), "wrong pass phrase for the key: ");
-    addRow("no answer", QByteArray(), "no pass phrase given for the key: ");
-}
-
-void EngineTest::customerSignAsksForTheBinariesKey()
-{
-    QFETCH(QByteArray, answer);
-    QFETCH(QString, error);
-    const QString path = addPackage("a.rpm");
-    const QString binariesKey = key("encrypted_key.pem");
-    const Files before = packageFiles();
-
-    QStringList words{"customer-sign", "--binaries-key", binariesKey};
-    for (const QString name : {"packages-key", "packages-cert", "packages-client-cert"})
-        words << "--" + name << m_sdk.workspace() + "/home/.kilnsdk/" + name + ".pem";
-    const Run result = run(words << path, answer, CUSTOMER_TARGET);
-    const bool good = error.isEmpty();
-    const QString outcome =
-        good ? "Signed: " + path : "customer-sign: error: " + error + binariesKey;
-    QCOMPARE(result.out,
-             "Enter passphrase for binaries key " + binariesKey + ": \n" + outcome + '\n');
-    QCOMPARE(result.exitCode, good ? 0 : 1);
-    QCOMPARE(packageFiles() == before, !good);
-}
-
-void EngineTest::dumpTellsSubjectAndUnits_data()
-{
-    QTest::addColumn<QString>("subject");
-    QTest::addColumn<QString>("lines");
-
-    addRow("Cyrillic, separators and backslash",
-           R"(/CN=Рога, и "копыта"\+x/OU=a\\b, c/OU=d\+e=f)",
-           R"(Subject: OU=d\+e=f,OU=a\\b\, c,CN=Рога\, и \"копыта\"\+x)"
-           "\nGroup: a\\b, c\nSubgroup: d+e=f\n");
-    addRow("no units", "/CN=A", "Subject: CN=A\nGroup: none\nSubgroup: none\n");
-    addRow("line break in a name",
-           "/OU=a\nSubject: b/CN=A",
-           "Subject: CN=A,OU=a\\0ASubject: b\nGroup: a\\0ASubject: b\nSubgroup: none\n");
-}
-
 void EngineTest::dumpTellsSubjectAndUnits()
 {
-    QFETCH(QString, subject);
-    QFETCH(QString, lines);
+    const QString subject = R"(/CN=Рога, и "копыта"\+x)"
+                            "\nGroup: b/OU=a\\\\b, c";
+    const QString lines = R"(Subject: OU=a\\b\, c, CN=Рога\, и \"копыта\"\+x\0AGroup: b)"
+                          "\nGroup: a\\b, c\nSubgroup: none\n";
     const QString clientKey = key("client_key.pem");
     openssl(
         {"req", "-x509", "-new", "-utf8", "-key", clientKey, "-subj", subject, "-out", "c.pem"});
@@ -398,12 +350,6 @@ void EngineTest::wordsAndExitCodes_data()
     addRow("ended by a signal", QStringList{target, "killed"}, 128 + SIGKILL, "", "");
     const QStringList outside{"../targets/" + target, "probe"};
     addRow("no target's name", outside, 1, "", "brisk: no such build target: " + outside[0] + '\n');
-    addRow("no command",
-           QStringList{target},
-           2,
-           "",
-           "usage: brisk engine start\n"
-           "       brisk engine exec -tt sb2 -t TARGET COMMAND...\n");
 }
 
 void EngineTest::wordsAndExitCodes()
@@ -416,21 +362,6 @@ void EngineTest::wordsAndExitCodes()
     QTEST(result.out, "out");
     QTEST(result.err, "err");
     QTEST(result.exitCode, "exitCode");
-}
-
-void EngineTest::saysWhyItCannotStart()
-{
-    const QString workspace = m_sdk.workspace();
-    QVERIFY(QDir().rename(workspace, workspace + ".away"));
-    QProcess process;
-    process.start(m_sdk.path() + "/bin/brisk", {"engine", "start"});
-    const bool finished = process.waitForFinished(RUN_TIMEOUT_MS);
-    QVERIFY(QDir().rename(workspace + ".away", workspace));
-    QVERIFY(finished);
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(QString::fromUtf8(process.readAllStandardError()),
-             "brisk: cannot start the build engine: the shared source folder is missing: "
-                 + workspace + '\n');
 }
 
 void EngineTest::answersNeverShow()
