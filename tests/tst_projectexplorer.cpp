@@ -257,7 +257,9 @@ void ProjectExplorerTest::whatIsUnknownStays()
         stepListOf(target)->appendStep("Other.Step");
         stepOf(target, 1)->values = kept;
         QCOMPARE(target->deployConfigurations().size(), 2);
-        stepOf(before.addTargetForKit(KitManager::kit("kit.b")))->values = kept;
+        Target *active = before.addTargetForKit(KitManager::kit("kit.b"));
+        stepOf(active)->values = kept;
+        before.setActiveTarget(active);
         QVERIFY(before.saveSettings(&error));
         settingsPath = before.settingsFilePath();
     }

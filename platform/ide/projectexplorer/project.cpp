@@ -64,7 +64,7 @@ void Project::addTarget(std::unique_ptr<Target> target)
     m_targets.append(added);
     emit addedTarget(added);
     if (!m_activeTarget)
-        setActiveTarget(added);
+        makeActive(added);
 }
 
 bool Project::removeTarget(Target *target)
@@ -86,6 +86,12 @@ void Project::setActiveTarget(Target *target)
     QTC_ASSERT(!target || m_targets.contains(target), return );
     if (m_activeTarget == target)
         return;
+    m_chosenTargetId = target ? target->id().toString() : QString();
+    makeActive(target);
+}
+
+void Project::makeActive(Target *target)
+{
     m_activeTarget = target;
     emit activeTargetChanged(target);
 }
@@ -106,12 +112,12 @@ bool Project::restoreSettings(QString *errorMessage)
 void Project::restoreTargets(const QVariantMap &settings)
 {
     m_unusedTargetMaps = settings.value(QLatin1String(TARGETS_KEY)).toMap();
-    const QString activeId = settings.value(QLatin1String(ACTIVE_TARGET_KEY)).toString();
+    m_chosenTargetId = settings.value(QLatin1String(ACTIVE_TARGET_KEY)).toString();
     for (Kit *kit : KitManager::kits()) {
         if (!m_unusedTargetMaps.contains(kit->id().toString()))
             continue;
         Target *target = addTargetForKit(kit);
-        if (kit->id().toString() == activeId)
+        if (kit->id().toString() == m_chosenTargetId)
             setActiveTarget(target);
     }
 }
@@ -126,8 +132,10 @@ bool Project::saveSettings(QString *errorMessage)
     for (const Target *target : std::as_const(m_targets))
         targetMaps.insert(target->id().toString(), Utils::mapFromStore(target->toMap()));
     QVariantMap settings{{QLatin1String(TARGETS_KEY), targetMaps}};
-    if (m_activeTarget)
-        settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_activeTarget->id().toSetting());
+    if (!m_chosenTargetId.isEmpty())
+        settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_chosenTargetId);
+    else if (m_activeTarget)
+        settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_activeTarget->id().toString());
     return UserSettings::write(settingsFilePath(), settings, errorMessage);
 }
 

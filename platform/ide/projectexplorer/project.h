@@ -42,7 +42,8 @@ public:
 
     /// Reads the user's settings; without a file there are simply none. False, with the reason,
     /// when there is one that cannot be understood; it is then kept aside and not overwritten.
-    /// What is there for kits that are unknown now is kept for the next saving.
+    /// What is there for kits that are unknown now is kept for the next saving, also that one of
+    /// them is the active one, until another target is chosen by setActiveTarget().
     bool restoreSettings(QString *errorMessage);
     /// False, with the reason, when the file cannot be written.
     bool saveSettings(QString *errorMessage);
@@ -56,11 +57,13 @@ signals:
 
 private:
     void addTarget(std::unique_ptr<Target> target);
+    void makeActive(Target *target);
     void restoreTargets(const QVariantMap &settings);
 
     Utils::FilePath m_projectFilePath;
     QList<Target *> m_targets;
     Target *m_activeTarget = nullptr;
+    QString m_chosenTargetId;       // of a kit that need not be known
     QVariantMap m_unusedTargetMaps; // by the id of a kit that has no target
     QString m_savingForbiddenReason;
 };
