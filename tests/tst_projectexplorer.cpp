@@ -122,7 +122,8 @@ void spinAndDo(const std::function<void()> &action)
     QEventLoop loop;
     QTimer::singleShot(0, &loop, [&] {
         action();
-        loop.quit();
+        // What the action has deleted only for later is gone when the loop ends.
+        QTimer::singleShot(10, &loop, &QEventLoop::quit);
     });
     loop.exec();
 }

@@ -5,6 +5,8 @@
 #include "projectexplorertr.h"
 #include "target.h"
 
+#include <QPointer>
+
 namespace ProjectExplorer {
 
 using OutputFormat = BuildStep::OutputFormat;
@@ -40,12 +42,13 @@ void BuildRun::start()
     m_tree->start();
 }
 
-/// False when the run is over: a step refused, or it was ended meanwhile.
+/// False when the run is over: a step refused, or it was ended meanwhile, and may be deleted then.
 bool BuildRun::initSteps()
 {
+    const QPointer<BuildRun> self(this);
     for (BuildStep *step : std::as_const(m_steps)) {
         const bool ready = m_isCanceled || step->init();
-        if (m_isOver)
+        if (!self || m_isOver)
             return false; // nothing is left to go on with
         if (m_isCanceled)
             break;
