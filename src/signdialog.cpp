@@ -159,7 +159,8 @@ void SignDialog::initPathChoosers()
 {
     const auto validator = [this](bool mustExist) -> FancyLineEdit::ValidationFunction {
         return [this, mustExist](FancyLineEdit *edit, QString *error) -> bool {
-            return edit->text().isEmpty() || verifyPath(edit->text(), mustExist, error);
+            const FilePath path = FilePath::fromUserInput(edit->text());
+            return path.isEmpty() || verifyPath(path.toFSPathString(), mustExist, error);
         };
     };
 
@@ -238,7 +239,10 @@ void SignDialog::initStatusBar()
     m_statusBar->addPermanentWidget(m_busyIndicator);
     m_ui->statusBarLayout->addWidget(m_statusBar);
     // A tool's words can be longer than the bar.
-    connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, &QWidget::setToolTip);
+    connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
+        m_statusBar->setToolTip(
+            text.isEmpty() ? QString() : QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()));
+    });
 }
 
 void SignDialog::initBuildEngine()
@@ -260,8 +264,8 @@ void SignDialog::initKeyGeneration()
     m_ui->generationKeyAlgoComboBox->insertItem(GOST, tr("GOST R 34.10-2012 (256)"));
 
     const QSettings settings;
-    m_ui->generationKeyAlgoComboBox->setCurrentIndex(
-        settings.value(Constants::KEY_GENERATION_HISTORY_ALGORYTHM, 0).toInt());
+    const int algorithm = settings.value(Constants::KEY_GENERATION_HISTORY_ALGORYTHM, 0).toInt();
+    m_ui->generationKeyAlgoComboBox->setCurrentIndex(algorithm == GOST ? GOST : RSA);
     m_ui->generationKeyEncryptCheckBox->setChecked(
         settings.value(Constants::KEY_GENERATION_HISTORY_ENCRYPT, true).toBool());
 }
@@ -328,14 +332,14 @@ void SignDialog::setTargets(const QStringList &targets)
             QSettings().value(Constants::SIGN_DATA_HISTORY_TARGET_NAME, QString()).toString();
         m_ui->m_comboBoxBuildTargets->setCurrentIndex(qMax(0, int(targets.indexOf(saved))));
     }
-    const QPointer<SignDialog> self(this);
-    followTarget();
-    if (!self)
-        return;
-    m_statusBar->clearMessage();
+    // Before the first target is probed, for another one may be chosen meanwhile.
     connect(m_ui->m_comboBoxBuildTargets, &QComboBox::currentTextChanged, this, [this] {
         schedule(&SignDialog::followTarget);
     });
+    const QPointer<SignDialog> self(this);
+    followTarget();
+    if (self)
+        m_statusBar->clearMessage();
 }
 
 void SignDialog::setTargetName(const QString &name)
@@ -457,7 +461,7 @@ void SignDialog::verifySignature()
 
     const Run run(this);
     const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
-    if (!run)
+    if (!run || isPackageOutdated())
         return;
     m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
                                                   : tr("Could not verify signatures"));
@@ -480,11 +484,15 @@ void SignDialog::dumpSignature()
 
     const Run run(this);
     const Command::Result result = tool->dumpSignature(m_current.name, {package()});
-    if (!run)
+    if (!run || isPackageOutdated())
         return;
+    showSignatures(midDumpOutput(QString::fromUtf8(result.stdOut)));
+}
+
+static QString summaryOf(const QString &block)
+{
     // The tool writes for a terminal, which takes "\r\n" for the end of a line.
-    const QString dump = QString::fromUtf8(result.stdOut).remove(QLatin1Char('\r'));
-    showSignatures(midDumpOutput(dump));
+    return parseDumpForSort(QString(block).remove(QLatin1Char('\r')));
 }
 
 void SignDialog::showSignatures(const QStringList &blocks)
@@ -495,12 +503,12 @@ void SignDialog::showSignatures(const QStringList &blocks)
     }
     m_ui->developerSignatureTextBrowser->setText(blocks.first());
     m_ui->developerSignatureTextBrowser->show();
-    m_ui->developerSignatureShortLabel->setText(parseDumpForSort(blocks.first()));
+    m_ui->developerSignatureShortLabel->setText(summaryOf(blocks.first()));
 
     const bool hasClient = blocks.size() > 1;
     if (hasClient) {
         m_ui->clientSignatureTextBrowser->setText(blocks.at(1));
-        m_ui->clientSignatureShortLabel->setText(parseDumpForSort(blocks.at(1)));
+        m_ui->clientSignatureShortLabel->setText(summaryOf(blocks.at(1)));
     }
     m_ui->clientSignatureTextBrowser->setVisible(hasClient);
 }
@@ -509,12 +517,21 @@ void SignDialog::refreshPackageState()
 {
     const Run run(this);
     verifySignature();
-    if (run)
+    if (run && !isPackageOutdated())
         dumpSignature();
+}
+
+/// Whether the package was changed while a tool looked at it; the new one has its turn soon.
+bool SignDialog::isPackageOutdated() const
+{
+    return m_scheduled.contains(&SignDialog::refreshPackageState);
 }
 
 void SignDialog::invalidate()
 {
+    // No verdict on one package stands beside another.
+    m_ui->verifyLabel->clear();
+    m_ui->verifyIconLabel->clear();
     schedule(&SignDialog::refreshPackageState);
 }
 

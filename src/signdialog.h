@@ -63,6 +63,7 @@ private:
     void verifySignature();
     void dumpSignature();
     void refreshPackageState();
+    bool isPackageOutdated() const;
     void showSignatures(const QStringList &blocks);
     void generateRequest();
 
