@@ -58,6 +58,7 @@ private slots:
     void cleansUpAfterADeclinedPrompt();
     void remembersChoices();
     void locksItselfDuringARun();
+    void showsNoVerdictBesideAnotherPackage();
     void showsTheLastChoice();
     void letsThePackageBeTyped();
     void survivesItsEndDuringARun_data();
@@ -621,6 +622,30 @@ void SignDialogTest::locksItselfDuringARun()
     QVERIFY(locked);
     QCOMPARE(targets()->currentText(), CUSTOMER_TARGET);
     QCOMPARE(m_dialog->focusWidget(), targets());
+}
+
+void SignDialogTest::showsNoVerdictBesideAnotherPackage()
+{
+    openDialog();
+    enterKeys({"", "keys/client_key.pem", "keys/client_cert.pem"});
+    const QString good = freshPackage("signed.rpm");
+    const QString bad = freshPackage("unsigned.rpm");
+    enter("rpmPathChooser", good);
+    click("addSignaturePushButton");
+    QCOMPARE(text("verifyLabel"), "Signatures successfully verified");
+
+    auto *path = child<PathChooser>("rpmPathChooser")->lineEdit();
+    bool lied = false;
+    QTimer watch;
+    watch.callOnTimeout([&] {
+        lied |= path->text() == bad && text("verifyLabel") == "Signatures successfully verified";
+    });
+    watch.start(0);
+    QTimer::singleShot(0, m_dialog, [path, &bad] { path->setText(bad); });
+    click("verifySignaturePushButton");
+    waitUntilIdle();
+    QVERIFY(!lied);
+    QCOMPARE(text("verifyLabel"), "Could not verify signatures");
 }
 
 void SignDialogTest::showsTheLastChoice()
