@@ -1,5 +1,7 @@
 #include "headlessdeploy.h"
 
+#include "signsteps.h"
+
 #include <coreplugin/icore.h>
 #include <coreplugin/messagemanager.h>
 #include <projectexplorer/buildmanager.h>
@@ -41,8 +43,7 @@ static bool hasEnabledSignStep(const BuildStepList *list)
     const QList<BuildStep *> steps = list->steps();
     return std::any_of(steps.begin(), steps.end(), [](const BuildStep *step) {
         return step->isEnabled()
-               && (step->id() == "Sealkit.RpmSignExternalStep"
-                   || step->id() == "Sealkit.RpmSignStep");
+               && (step->id() == RPM_SIGN_EXTERNAL_STEP || step->id() == RPM_SIGN_STEP);
     });
 }
 

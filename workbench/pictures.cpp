@@ -1,6 +1,7 @@
 #include "pictures.h"
 
 #include "optionsdialog.h"
+#include "signsteps.h"
 #include "stepcard.h"
 
 #include <brisk/buildengine.h>
@@ -40,8 +41,6 @@ constexpr auto PATIENCE = 60s;
 constexpr char DEMO_PASSPHRASE[] = "demo";
 constexpr char RPMSIGN_TARGET[] = "VeyraOS-5.1-x86_64";
 constexpr char CUSTOMER_TARGET[] = "VeyraOS-4.0-x86_64";
-constexpr char RPMSIGN_STEP[] = "Sealkit.RpmSignExternalStep";
-constexpr char CUSTOMER_STEP[] = "Sealkit.RpmSignStep";
 
 Pictures::Pictures(const CommandLine &commandLine)
     : m_commandLine(commandLine)
@@ -88,7 +87,7 @@ bool Pictures::eventFilter(QObject *watched, QEvent *event)
 
 void Pictures::deploy()
 {
-    StepCard *signStep = stepCard(RPMSIGN_STEP);
+    StepCard *signStep = stepCard(RPM_SIGN_EXTERNAL_STEP);
     if (!signStep)
         return complain(tr("The project has no step for rpmsign-external."));
     signStep->setExpanded(true);
@@ -114,7 +113,7 @@ void Pictures::deploy()
 
 void Pictures::showSteps()
 {
-    StepCard *card = stepCard(RPMSIGN_STEP);
+    StepCard *card = stepCard(RPM_SIGN_EXTERNAL_STEP);
     if (auto *keys = part<QComboBox>(card, "keysTypeComboBox"))
         keys->setCurrentIndex(1);
     setPath(card, "keyPathChooser", inWorkspace("keys/encrypted_key.pem"));
@@ -123,8 +122,8 @@ void Pictures::showSteps()
 
     if (auto *kits = part<QComboBox>(&m_window, "kits"))
         emit kits->activated(kits->findText(CUSTOMER_TARGET));
-    waitUntil("the step of the other kit", [this] { return stepCard(CUSTOMER_STEP); });
-    if (StepCard *customerCard = stepCard(CUSTOMER_STEP)) {
+    waitUntil("the step of the other kit", [this] { return stepCard(RPM_SIGN_STEP); });
+    if (StepCard *customerCard = stepCard(RPM_SIGN_STEP)) {
         customerCard->setExpanded(true);
         take(customerCard, "step-customer-sign");
     }
