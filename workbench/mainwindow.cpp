@@ -200,8 +200,12 @@ void MainWindow::open(const CommandLine &commandLine)
     m_session->loadPlugins();
     const QStringList paths =
         commandLine.projects.isEmpty() ? Session::rememberedProjects() : commandLine.projects;
-    for (const QString &path : paths)
+    for (const QString &path : paths) {
+        if (m_isClosing)
+            return; // closed from the message about another one
         openProject(path, commandLine.target);
+    }
+    m_hasOpened = true;
     refresh();
 }
 
@@ -312,7 +316,9 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     m_isClosing = true;
     QSettings().setValue(GEOMETRY_KEY, saveGeometry());
-    m_session->save();
+    // Before that, what is open is not yet what is to be remembered.
+    if (m_hasOpened)
+        m_session->save();
     emit Core::ICore::instance()->coreAboutToClose();
     declineOpenDialogs();
     if (BuildManager::isBuilding())

@@ -68,6 +68,7 @@ private:
     QProgressBar *m_busy;
     QAction *m_closeProjectAction = nullptr;
     QTimer *m_refreshTimer;
+    bool m_hasOpened = false;
     bool m_isClosing = false;
     bool m_isSilent = false;
 };
