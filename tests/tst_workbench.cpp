@@ -145,6 +145,7 @@ private slots:
     void deploys();
     void refusesChangedPackage();
     void interruptLeavesNothingBehind();
+    void deployLeavesTheWindowsMemoryAlone();
 
     void windowConfiguresSteps();
     void closingWhileItOpensForgetsNothing();
@@ -399,6 +400,18 @@ void WorkbenchTest::interruptLeavesNothingBehind()
     QCOMPARE(workbench.exitCode(), 128 + SIGTERM);
     QTRY_COMPARE(ground.processes(), QStringList());
     QCOMPARE(ground.signatures(), QStringList());
+}
+
+void WorkbenchTest::deployLeavesTheWindowsMemoryAlone()
+{
+    const Ground ground;
+    ground.set("Workbench/Projects", QStringList{"/one", "/two"});
+    ground.set("Workbench/Sdk", "/other");
+    QCOMPARE(ground.deploy().exitCode, 0);
+    const QSettings settings(ground.settingsPath(), QSettings::IniFormat);
+    QCOMPARE(settings.value("Workbench/Projects").toStringList(), (QStringList{"/one", "/two"}));
+    QCOMPARE(settings.value("Workbench/Sdk").toString(), "/other");
+    QVERIFY(QFile::exists(ground.project() + "/rpm/quick.spec.user"));
 }
 
 static QStringList stepNames(const QWidget &window)

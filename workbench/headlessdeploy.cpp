@@ -83,7 +83,8 @@ int HeadlessDeploy::run()
     if (open()) {
         QTimer::singleShot(0, this, &HeadlessDeploy::deploy);
         exitCode = QCoreApplication::exec();
-        m_session.save();
+        // The window's own list of projects and its SDK are not ours to change.
+        m_session.closeProject(m_stepList->target()->project());
     }
     m_session.shutdown();
     return m_signalNumber ? SIGNAL_BASE + m_signalNumber : exitCode;

@@ -53,16 +53,15 @@ static FilePath besideProgram(const QString &path)
 
 bool Session::openSdk(const QString &folder, QString *error)
 {
-    QSettings settings;
     const QString chosen =
-        folder.isEmpty() ? settings.value(SDK_KEY).toString() : QDir(folder).absolutePath();
+        folder.isEmpty() ? QSettings().value(SDK_KEY).toString() : QDir(folder).absolutePath();
     if (chosen.isEmpty()) {
         *error = tr("No SDK is chosen. Start with --sdk DIR.");
         return false;
     }
     if (!Brisk::Sdk::open(FilePath::fromString(chosen), error))
         return false;
-    settings.setValue(SDK_KEY, chosen);
+    m_sdk = chosen;
     Kiln::Internal::registerKits();
     return true;
 }
@@ -184,6 +183,8 @@ void Session::save()
         open << project->projectFilePath().toFSPathString();
     }
     QSettings settings;
+    if (!m_sdk.isEmpty())
+        settings.setValue(SDK_KEY, m_sdk);
     settings.setValue(PROJECTS_KEY, open);
     settings.sync();
     if (settings.status() != QSettings::NoError)

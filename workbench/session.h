@@ -23,7 +23,7 @@ class Session : public QObject
 public:
     Session() = default;
 
-    /// Opens the SDK in \a folder, or the last one, and offers a kit for each of its targets.
+    /// Opens the SDK in \a folder, or the remembered one, and offers a kit for each of its targets.
     bool openSdk(const QString &folder, QString *error);
     /// Loads the plugins that are installed beside the program.
     void loadPlugins();
@@ -38,9 +38,10 @@ public:
     /// Saves the project and closes it.
     void closeProject(ProjectExplorer::Project *project);
 
-    /// The projects that were open when the program ended last.
+    /// The projects that were open at the last save().
     static QStringList rememberedProjects();
-    /// Writes the open projects, their list and all other settings to the disk.
+    /// Writes the open projects and all settings to the disk; the SDK and the list of the open
+    /// projects are remembered.
     void save();
 
     /// Closes everything without saving; the plugins are gone afterwards.
@@ -54,6 +55,7 @@ private:
     void saveProject(ProjectExplorer::Project *project);
 
     ExtensionSystem::PluginManager m_pluginManager;
+    QString m_sdk; // empty until one is open
     /// Why a project could not be saved, so that nobody is told the same twice.
     QHash<ProjectExplorer::Project *, QString> m_saveProblems;
 };
