@@ -206,12 +206,14 @@ void VeyraOSTest::packagesAreBuiltAnew()
     const QString folder = path("work space/100% app/RPMS");
     writeFile(folder + "/noarch/old-1-1.noarch.rpm");
     writeFile(folder + "/noarch/app-1-1.noarch.rpm.sig");
+    writeFile(folder + "/notes.txt");
 
     QVERIFY2(run(list), qPrintable(m_output.right(900)));
     const QStringList expected{folder + "/noarch/app-1-1.noarch.rpm",
                                folder + "/noarch/app-extra-1-1.noarch.rpm"};
     QCOMPARE(step->packages(), expected);
     QVERIFY(!QFile::exists(folder + "/noarch/app-1-1.noarch.rpm.sig"));
+    QVERIFY(QFile::exists(folder + "/notes.txt"));
 
     writeFile(folder + "/app-1-1.src.rpm");
     QCOMPARE(step->packages().size(), 3);

@@ -121,13 +121,17 @@ bool KilnKb2RpmBuildStep::init()
     return true;
 }
 
-/// What lies beside the packages belongs to them and goes too.
+/// What is named after a package, as its detached signatures are, belongs to it and goes too.
 static bool removePackages(const Project *project)
 {
-    const QString folder = packagesFolder(project).toFSPathString();
-    if (QFileInfo(folder).isSymLink())
-        return QFile::remove(folder); // whatever it leads to is not ours
-    return QDir(folder).removeRecursively();
+    QDirIterator files(packagesFolder(project).toFSPathString(),
+                       {QLatin1String("*.rpm"), QLatin1String("*.rpm.*")},
+                       QDir::Files,
+                       QDirIterator::Subdirectories);
+    bool removed = true;
+    while (files.hasNext())
+        removed &= QFile::remove(files.next());
+    return removed;
 }
 
 GroupItem KilnKb2RpmBuildStep::runRecipe()
