@@ -345,6 +345,7 @@ void SignOptionsTest::whatWasNotAppliedIsForgotten()
     QVERIFY(whatShows(page).startsWith("on; Regular key"));
 
     delete page.widget(); // as a dialog may do
+    QVERIFY(page.widget());
     QPointer<QWidget> last;
     {
         SignOptionsPage other;
