@@ -3,7 +3,6 @@
 namespace Core::Constants {
 
 constexpr char C_GLOBAL[] = "Global Context";
-constexpr char MENU_BAR[] = "QtCreator.MenuBar";
 constexpr char M_FILE[] = "QtCreator.Menu.File";
 constexpr char M_EDIT[] = "QtCreator.Menu.Edit";
 constexpr char M_TOOLS[] = "QtCreator.Menu.Tools";

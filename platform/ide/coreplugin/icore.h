@@ -27,7 +27,6 @@ public:
     static Utils::FilePath resourcePath(const QString &rel = {});
 
 signals:
-    void coreOpened();
     /// The user leaves; nothing can stop that any more.
     void coreAboutToClose();
 

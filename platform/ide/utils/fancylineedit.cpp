@@ -41,10 +41,6 @@ FancyLineEdit::FancyLineEdit(QWidget *parent)
     , d(std::make_unique<Private>())
 {
     connect(this, &QLineEdit::textChanged, this, &FancyLineEdit::validate);
-    connect(this, &QLineEdit::returnPressed, this, [this] {
-        if (isValid())
-            emit validReturnPressed();
-    });
     connect(this, &QLineEdit::editingFinished, this, &FancyLineEdit::updateHistory);
 }
 

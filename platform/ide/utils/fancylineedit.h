@@ -40,7 +40,6 @@ public:
 
 signals:
     void validChanged(bool valid);
-    void validReturnPressed();
 
 private:
     void showValidity();

@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QPointer>
 #include <QPushButton>
-#include <QStandardPaths>
 
 namespace Utils {
 
@@ -48,13 +47,6 @@ static QString whatIsWrong(const FilePath &path, PathChooser::Kind kind)
             return PathChooser::tr("The directory \"%1\" does not exist.")
                 .arg(path.absoluteFilePath().parentDir().toUserOutput());
         break;
-    case PathChooser::ExistingCommand:
-        if (QStandardPaths::findExecutable(path.toFSPathString()).isEmpty())
-            return PathChooser::tr("The command \"%1\" cannot be executed.").arg(shown);
-        break;
-    case PathChooser::Command:
-    case PathChooser::Any:
-        break;
     }
     return {};
 }
@@ -76,7 +68,6 @@ PathChooser::PathChooser(QWidget *parent)
 
     connect(d->lineEdit, &FancyLineEdit::validChanged, this, &PathChooser::validChanged);
     connect(d->lineEdit, &QLineEdit::editingFinished, this, &PathChooser::editingFinished);
-    connect(d->lineEdit, &QLineEdit::returnPressed, this, &PathChooser::returnPressed);
     connect(d->lineEdit, &QLineEdit::textChanged, this, &PathChooser::announceChange);
     connect(d->button, &QAbstractButton::clicked, this, &PathChooser::browse);
 
@@ -101,11 +92,6 @@ void PathChooser::setExpectedKind(Kind kind)
 void PathChooser::setPromptDialogTitle(const QString &title)
 {
     d->title = title;
-}
-
-QString PathChooser::promptDialogTitle() const
-{
-    return d->title;
 }
 
 void PathChooser::setPromptDialogFilter(const QString &filter)
@@ -207,9 +193,6 @@ QString PathChooser::askForPath()
                                             nullptr,
                                             QFileDialog::DontConfirmOverwrite);
     case File:
-    case ExistingCommand:
-    case Command:
-    case Any:
         return QFileDialog::getOpenFileName(this, titleOr(tr("Choose File")), start, d->filter);
     }
     return {};
@@ -218,16 +201,12 @@ QString PathChooser::askForPath()
 void PathChooser::browse()
 {
     const QPointer<PathChooser> self(this);
-    emit beforeBrowsing();
     const QString chosen = askForPath();
-    if (!self)
-        return; // destroyed while the dialog was open
+    if (!self || chosen.isEmpty())
+        return; // destroyed while the dialog was open, or canceled
 
-    if (!chosen.isEmpty()) {
-        setFilePath(FilePath::fromUserInput(chosen));
-        emit d->lineEdit->editingFinished(); // a choice is as final as what was typed
-    }
-    emit browsingFinished();
+    setFilePath(FilePath::fromUserInput(chosen));
+    emit d->lineEdit->editingFinished(); // a choice is as final as what was typed
 }
 
 } // namespace Utils

@@ -15,14 +15,13 @@ class PathChooser : public QWidget
     Q_OBJECT
 
 public:
-    enum Kind { ExistingDirectory, Directory, File, SaveFile, ExistingCommand, Command, Any };
+    enum Kind { ExistingDirectory, Directory, File, SaveFile };
 
     explicit PathChooser(QWidget *parent = nullptr);
     ~PathChooser() override;
 
     void setExpectedKind(Kind kind);
     void setPromptDialogTitle(const QString &title);
-    QString promptDialogTitle() const;
     void setPromptDialogFilter(const QString &filter);
     QString promptDialogFilter() const;
     /// Where browsing starts when the line edit names no folder.
@@ -48,9 +47,6 @@ signals:
     void rawPathChanged();
     void textChanged(const QString &text);
     void editingFinished();
-    void returnPressed();
-    void beforeBrowsing();
-    void browsingFinished();
 
 private:
     void announceChange();

@@ -19,8 +19,6 @@ QColor Theme::color(Color role) const
         return palette.color(QPalette::Active, QPalette::WindowText);
     case IconsDisabledColor:
         return palette.color(QPalette::Disabled, QPalette::WindowText);
-    case IconsWarningColor:
-        return dark ? QColor(0xf5c211) : QColor(0xa86400);
     case IconsRunColor:
         return dark ? QColor(0x6ccf70) : QColor(0x2b7d2f);
     case IconsErrorColor:

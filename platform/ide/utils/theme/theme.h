@@ -11,7 +11,6 @@ public:
     enum Color {
         IconsBaseColor,
         IconsDisabledColor,
-        IconsWarningColor,
         IconsErrorColor,
         IconsRunColor,
         TextColorError,
