@@ -134,6 +134,8 @@ class WorkbenchTest : public QObject
     Q_OBJECT
 
 private slots:
+    void init();
+
     void readsCommandLine_data();
     void readsCommandLine();
     void readsPassphraseFile_data();
@@ -154,6 +156,13 @@ private slots:
 private:
     SettingsScope m_settings;
 };
+
+void WorkbenchTest::init()
+{
+    // After the last window has quit, no dialog waits any more until the program runs anew.
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
+    QCoreApplication::exec();
+}
 
 void WorkbenchTest::readsCommandLine_data()
 {
