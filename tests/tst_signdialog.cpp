@@ -443,6 +443,8 @@ void SignDialogTest::makesKeysAndRequests_data()
     QTest::addColumn<QString>("publicKey");
 
     addRow("RSA", int(RSA), false, "rsaEncryption");
+    addRow("RSA, encrypted", int(RSA), true, "rsaEncryption");
+    addRow("GOST", int(GOST), false, "GOST R 34.10-2012 with 256 bit modulus");
     addRow("GOST, encrypted", int(GOST), true, "GOST R 34.10-2012 with 256 bit modulus");
 }
 
