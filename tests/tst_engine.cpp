@@ -1,5 +1,6 @@
 #include "files.h"
 #include "processes.h"
+#include "straywarnings.h"
 #include "temporarysdk.h"
 #include "testrow.h"
 
@@ -75,6 +76,7 @@ private:
 
 void EngineTest::init()
 {
+    failOnStrayWarnings();
     QVERIFY(QDir().mkpath(m_packages) && QDir().mkpath(m_temporary));
 }
 

@@ -1,3 +1,4 @@
+#include "straywarnings.h"
 #include "temporarysdk.h"
 
 #include <QDir>
@@ -20,6 +21,7 @@ class PicturesTest : public QObject
 
 private slots:
     void initTestCase();
+    void init() { failOnStrayWarnings(); }
     void showSomething();
     void areThoseThatThePagesShow();
     void needOneProject();

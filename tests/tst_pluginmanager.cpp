@@ -1,3 +1,5 @@
+#include "straywarnings.h"
+
 #include <extensionsystem/pluginmanager.h>
 #include <extensionsystem/pluginspec.h>
 
@@ -57,6 +59,7 @@ static QList<PluginSpec *> specs(const QString &id)
 
 void PluginManagerTest::init()
 {
+    failOnStrayWarnings();
     takeCalls();
 }
 

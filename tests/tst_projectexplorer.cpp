@@ -1,5 +1,6 @@
 #include "files.h"
 #include "processes.h"
+#include "straywarnings.h"
 #include "testrow.h"
 
 #include <projectexplorer/abstractprocessstep.h>
@@ -169,6 +170,7 @@ private:
 
 void ProjectExplorerTest::init()
 {
+    failOnStrayWarnings();
     m_directory = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir(m_directory->path()).mkdir("rpm"));
     registerKit("kit.a");

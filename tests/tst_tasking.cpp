@@ -1,3 +1,4 @@
+#include "straywarnings.h"
 #include "testrow.h"
 
 #include <solutions/tasking/tasktree.h>
@@ -47,7 +48,11 @@ class TaskingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_trace.clear(); }
+    void init()
+    {
+        failOnStrayWarnings();
+        m_trace.clear();
+    }
     void handlersDecide_data();
     void handlersDecide();
     void childrenRunInOrderUntilOneFails();

@@ -1,4 +1,5 @@
 #include "settingsscope.h"
+#include "straywarnings.h"
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
@@ -67,6 +68,7 @@ private:
 
 void VeyraOSTest::init()
 {
+    failOnStrayWarnings();
     m_directory = std::make_unique<QTemporaryDir>();
     writeFile(path("sdk/sdk.ini"),
               "[General]\nOsVariant=Veyra OS Pro\n"

@@ -1,6 +1,7 @@
 #include "files.h"
 #include "processes.h"
 #include "settingsscope.h"
+#include "straywarnings.h"
 #include "temporarysdk.h"
 #include "testrow.h"
 
@@ -100,6 +101,9 @@ public:
     Transcript deploy(const QStringList &furtherArguments = {}) const
     {
         QProcess workbench;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("QT_MESSAGE_PATTERN", "%{if-warning}STRAY %{endif}%{message}");
+        workbench.setProcessEnvironment(environment);
         workbench.start(WORKBENCH_EXECUTABLE, deployArguments() + furtherArguments);
         if (!workbench.waitForFinished(RUN_TIMEOUT))
             workbench.kill();
@@ -159,6 +163,7 @@ private:
 
 void WorkbenchTest::init()
 {
+    failOnStrayWarnings();
     // After the last window has quit, no dialog waits any more until the program runs anew.
     QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(); });
     QCoreApplication::exec();
@@ -313,15 +318,8 @@ void WorkbenchTest::deploys_data()
         configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->removeStep(0); });
     const Prepare off =
         configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
-    const Prepare customer = [](const Ground &ground) {
-        // The default keys are taken from the shared home, and keys have to be in the workspace:
-        // both hold where the one is inside the other.
-        QDir().rename(ground.path() + "/home", ground.path() + "/workspace/home");
-        QSettings(ground.path() + "/sdk.ini", QSettings::IniFormat)
-            .setValue("BuildEngine/SharedHome", "workspace/home");
-        configure(
-            ground, CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(true); });
-    };
+    const Prepare customer =
+        configured(CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(true); });
     const Prepare broken = [](const Ground &ground) {
         writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
     };
@@ -378,6 +376,7 @@ void WorkbenchTest::deploys()
     QVERIFY2(transcript.errors.contains(inErrors), qPrintable(end));
     QCOMPARE(transcript.errors.contains("workbench: "), exitCode != 0);
     QVERIFY2(!all.contains("nonsense-phrase"), "the pass phrase leaks");
+    QVERIFY2(!transcript.errors.contains("STRAY "), qPrintable(end));
     QCOMPARE(ground.signatures().size(), signatureCount);
     QTRY_COMPARE(ground.processes(), QStringList());
 }
