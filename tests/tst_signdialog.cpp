@@ -2,6 +2,7 @@
 #include "messages.h"
 #include "processes.h"
 #include "promptanswers.h"
+#include "realpackage.h"
 #include "settingsscope.h"
 #include "signdata.h"
 #include "signdialog.h"
@@ -49,6 +50,7 @@ private slots:
     void judgesPaths();
     void signsVerifiesAndRemoves_data();
     void signsVerifiesAndRemoves();
+    void leavesRealPackagesAsTheyWere();
     void requestsNeedAllFields();
     void makesKeysAndRequests_data();
     void makesKeysAndRequests();
@@ -412,6 +414,38 @@ void SignDialogTest::signsVerifiesAndRemoves()
     QCOMPARE(icon("signStateLabel"), "OK");
     QCOMPARE(text("verifyLabel") + icon("verifyIconLabel"), "");
     QCOMPARE(dump(), "No signatures found in package");
+}
+
+void SignDialogTest::leavesRealPackagesAsTheyWere()
+{
+    const QTemporaryDir folder(inWorkspace("real"));
+    const QString package = buildPackage(folder.path());
+    const QDir packages = QFileInfo(package).dir();
+    const QByteArray bytes = readFile(package);
+    const QStringList files = packages.entryList(QDir::Files);
+    openDialog();
+    enter("rpmPathChooser", package);
+    enterKeys({"", "keys/client_key.pem", "keys/client_cert.pem"});
+    click("addSignaturePushButton");
+    QCOMPARE(icon("verifyIconLabel"), "OK");
+    QCOMPARE(readFile(package), bytes);
+
+    const QList<qsizetype> parts = partsOfPackage(bytes);
+    for (const qsizetype part : parts) {
+        QByteArray changed = bytes;
+        changed[part + 20] = char(changed.at(part + 20) ^ 1);
+        writeFile(package, changed);
+        click("verifySignaturePushButton");
+        QCOMPARE(text("verifyLabel"), "Could not verify signatures");
+        QCOMPARE(icon("verifyIconLabel"), "BROKEN");
+    }
+
+    writeFile(package, bytes);
+    click("verifySignaturePushButton");
+    QCOMPARE(icon("verifyIconLabel"), "OK");
+    click("removeSignaturePushButton");
+    QCOMPARE(readFile(package), bytes);
+    QCOMPARE(packages.entryList(QDir::Files), files);
 }
 
 void SignDialogTest::requestsNeedAllFields()
