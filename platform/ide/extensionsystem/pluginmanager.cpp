@@ -10,7 +10,7 @@
 #include <QLibrary>
 
 #include <algorithm>
-#include <ranges>
+#include <functional>
 #include <vector>
 
 namespace ExtensionSystem {
@@ -139,17 +139,14 @@ void PluginManager::loadPlugins(const QStringList &arguments)
         spec->load();
     for (PluginSpec *spec : queue)
         spec->initialize(arguments);
-    for (PluginSpec *spec : queue | std::views::reverse)
-        spec->extensionsInitialized();
+    std::for_each(queue.rbegin(), queue.rend(), std::mem_fn(&PluginSpec::extensionsInitialized));
 }
 
 void PluginManager::shutdown()
 {
     const QList<PluginSpec *> queue = std::exchange(theInstance->d->loadQueue, {});
-    for (PluginSpec *spec : queue | std::views::reverse)
-        spec->stop();
-    for (PluginSpec *spec : queue | std::views::reverse)
-        spec->kill();
+    std::for_each(queue.rbegin(), queue.rend(), std::mem_fn(&PluginSpec::stop));
+    std::for_each(queue.rbegin(), queue.rend(), std::mem_fn(&PluginSpec::kill));
 }
 
 QList<PluginSpec *> PluginManager::plugins()
