@@ -19,7 +19,6 @@ class BuildEngineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
 
     void probesATarget_data();
@@ -35,16 +34,12 @@ private:
     RecordingBrisk m_brisk;
 };
 
-void BuildEngineTest::initTestCase()
-{
-    QString error;
-    QVERIFY2(Brisk::Sdk::open(Utils::FilePath::fromString(m_sdk.path()), &error),
-             qPrintable(error));
-}
-
 void BuildEngineTest::init()
 {
     failOnStrayWarnings();
+    QString error;
+    QVERIFY2(Brisk::Sdk::open(Utils::FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
     m_brisk.endWith({});
     m_brisk.takeCalls();
 }
