@@ -225,6 +225,27 @@ static QString workingDirectory()
     return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
 }
 
+/// Notices that the IDE closes; from then on a run would only keep it from ending.
+class ClosingWatch : public QObject
+{
+public:
+    ClosingWatch()
+    {
+        connect(Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [this] {
+            isClosing = true;
+        });
+    }
+
+    bool isClosing = false;
+};
+
+/// Counts from the first call on.
+static bool isIdeClosing()
+{
+    static const ClosingWatch watch;
+    return watch.isClosing;
+}
+
 /// Hands on what the program has printed since the last call, and the answer to it.
 static void converse(QProcess &process, Handler &handler, Result &result)
 {
@@ -234,9 +255,9 @@ static void converse(QProcess &process, Handler &handler, Result &result)
     result.stdErr += stdErrChunk;
 
     QByteArray input;
-    if (!handler(stdOutChunk, stdErrChunk, input)) {
+    if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {
         process.kill();
-        // Its last words are kept, but nobody is asked again for a program that is gone.
+        // Its last words are kept, but nobody is asked for a program that is gone.
         handler = [](const QByteArray &, const QByteArray &, QByteArray &) { return true; };
         return;
     }
@@ -270,24 +291,9 @@ static void runToEnd(QProcess &process, Handler handler, Result &result)
     }
 }
 
-/// Tells whether the IDE closes; from then on a run would only keep it from ending.
-class ClosingWatch : public QObject
-{
-public:
-    ClosingWatch()
-    {
-        connect(Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [this] {
-            isClosing = true;
-        });
-    }
-
-    bool isClosing = false;
-};
-
 Result exec(const Handler &handler, const QStringList &commandLine)
 {
-    static const ClosingWatch closingWatch;
-    if (closingWatch.isClosing)
+    if (isIdeClosing())
         return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}};
 
     QProcess process;

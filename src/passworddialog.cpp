@@ -1,5 +1,7 @@
 #include "passworddialog.h"
 
+#include <coreplugin/icore.h>
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -63,6 +65,11 @@ void PasswordDialogPrivate::showError(const QString &text)
 QString PasswordDialog::getPassord(const QString &text, bool *ok)
 {
     auto *dialog = new PasswordDialogPrivate(text);
+    // Nobody waits for the answer any more, and an open dialog would keep the IDE from ending.
+    QObject::connect(Core::ICore::instance(),
+                     &Core::ICore::coreAboutToClose,
+                     dialog,
+                     &PasswordDialogPrivate::reject);
     *ok = dialog->exec() == QDialog::Accepted;
     if (!*ok)
         return {};

@@ -28,8 +28,8 @@ private:
 class PasswordDialog
 {
 public:
-    /// Asks with \a text as the prompt. \a ok tells whether the user answered; if not, the result
-    /// is null.
+    /// Asks with \a text as the prompt. \a ok tells whether the user answered before the IDE
+    /// closed; if not, the result is null.
     static QString getPassord(const QString &text, bool *ok);
 };
 

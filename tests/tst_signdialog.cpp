@@ -63,8 +63,6 @@ private slots:
     void showsNoVerdictBesideAnotherPackage();
     void showsTheLastChoice();
     void letsThePackageBeTyped();
-    void survivesItsEndDuringARun_data();
-    void survivesItsEndDuringARun();
 
 private:
     template<class Widget>
@@ -735,42 +733,6 @@ void SignDialogTest::letsThePackageBeTyped()
     waitUntilIdle();
     QTRY_COMPARE_WITH_TIMEOUT(dump(), "No signatures found in package", RUN_TIMEOUT);
     QVERIFY(edit->hasFocus());
-}
-
-void SignDialogTest::survivesItsEndDuringARun_data()
-{
-    QTest::addColumn<QString>("moment");
-    for (const char *moment : {"start of the engine", "probing", "verification", "prompt"})
-        addRow(moment, moment);
-}
-
-void SignDialogTest::survivesItsEndDuringARun()
-{
-    QFETCH(QString, moment);
-    const auto end = [this] { delete m_dialog; };
-    if (moment == "start of the engine") {
-        m_dialog = new SignDialog(nullptr);
-        when([this] { return !processesOf(m_sdk.path()).isEmpty(); }, end);
-        QTRY_VERIFY(!m_dialog);
-        return;
-    }
-    openDialog();
-    if (moment == "prompt") {
-        enterKeys(ENCRYPTED_KEY);
-        enter("rpmPathChooser", freshPackage());
-        when(QApplication::activeModalWidget, [this, end] {
-            end();
-            m_answers = std::make_unique<PromptAnswers>(QStringList{"demo"});
-        });
-        child<QPushButton>("addSignaturePushButton")->click();
-    } else {
-        when([this] { return isBusy(); }, end);
-        if (moment == "probing")
-            targets()->setCurrentText(CUSTOMER_TARGET);
-        else
-            child<PathChooser>("rpmPathChooser")->lineEdit()->setText(freshPackage());
-    }
-    QTRY_VERIFY_WITH_TIMEOUT(!m_dialog, RUN_TIMEOUT);
 }
 
 QTEST_MAIN(SignDialogTest)

@@ -11,12 +11,10 @@
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/project.h>
-#include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
 #include <utils/fancylineedit.h>
 #include <utils/pathchooser.h>
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -25,9 +23,6 @@
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTimer>
-
-#include <optional>
 
 using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
@@ -98,8 +93,6 @@ private slots:
     void failsWithTheTool();
     void tellsThatItWasCancelled_data();
     void tellsThatItWasCancelled();
-    void survivesItsDeletionWhileTheToolAsks_data();
-    void survivesItsDeletionWhileTheToolAsks();
 
 private:
     QString key(const char *name) const
@@ -596,39 +589,6 @@ void StepsTest::tellsThatItWasCancelled()
     QCOMPARE(done.first().first().value<Tasking::DoneWith>(), Tasking::DoneWith::Cancel);
     QCOMPARE(errors.last(), STOPPED);
     QCOMPARE(errors.count(STOPPED), 1);
-}
-
-void StepsTest::survivesItsDeletionWhileTheToolAsks_data()
-{
-    QTest::addColumn<bool>("accept");
-
-    QTest::newRow("answered afterwards") << true;
-    QTest::newRow("declined afterwards") << false;
-}
-
-void StepsTest::survivesItsDeletionWhileTheToolAsks()
-{
-    QFETCH(const bool, accept);
-    auto *step = addStep<RpmsignExternalStep>(RPMSIGN_TARGET);
-    step->setUseDefaultValues(false);
-    step->setKey(key("encrypted_key.pem"));
-    step->setCertificate(key("encrypted_cert.pem"));
-    m_workplace.makePackages(step->project(), {"a.rpm"});
-
-    std::optional<PromptAnswers> user;
-    QTimer closer;
-    connect(&closer, &QTimer::timeout, this, [&] {
-        if (user || !QApplication::activeModalWidget())
-            return;
-        m_workplace.closeProjects();
-        user.emplace(accept ? QStringList{"demo"} : QStringList());
-    });
-    closer.start(10);
-    const QPointer<BuildStep> watched(step);
-    Tasking::TaskTree tree({step->recipe()});
-    tree.start();
-    QVERIFY(!watched);
-    QVERIFY(user);
 }
 
 QTEST_MAIN(StepsTest)

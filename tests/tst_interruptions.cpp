@@ -1,0 +1,427 @@
+#include "files.h"
+#include "messages.h"
+#include "processes.h"
+#include "promptanswers.h"
+#include "sealkitplugin.h"
+#include "signdialog.h"
+#include "straywarnings.h"
+#include "workplace.h"
+
+#include <brisk/sdk.h>
+#include <coreplugin/actionmanager/actionmanager.h>
+#include <coreplugin/actionmanager/command.h>
+#include <coreplugin/icore.h>
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/target.h>
+#include <utils/pathchooser.h>
+#include <utils/utilsicons.h>
+#include <veyraos/kilnsdkkitaspect.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QProcess>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <functional>
+
+using namespace ProjectExplorer;
+using namespace Sealkit::Internal;
+using Kiln::Internal::KilnSdkKitAspectFactory;
+using Utils::FilePath;
+using Utils::PathChooser;
+
+constexpr int TIMEOUT = 20'000;
+constexpr char QUITS[] = "SEALKIT_TEST_QUITS";
+
+/// What a user, or the world, does while a tool runs or asks. Wherever a run is hit, it ends,
+/// leaves no process, tells its outcome once, and calls nothing signed that is not.
+class InterruptionsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void duringADeploy_data();
+    void duringADeploy();
+    void duringTheDialog_data();
+    void duringTheDialog();
+
+private:
+    bool isPrompted() const { return QApplication::activeModalWidget(); }
+    QString inSdk(const QString &name) const { return m_workplace.sdk().path() + '/' + name; }
+    QString key(const QString &name) const
+    {
+        return m_workplace.sdk().workspace() + "/keys/" + name;
+    }
+    QAction *menuAction() const
+    {
+        return Core::ActionManager::command("Sealkit.SignDialog")->action();
+    }
+
+    void hold(const QString &program, const QByteArray &words);
+    void release();
+    void quit();
+    void meanwhile(const std::function<void()> &action, bool releaseAfterwards);
+    bool isLeftToChild() const;
+
+    BuildStepList *prepareDeploy(const QString &target);
+    void actOnDeploy(const QString &action, BuildStepList *steps);
+    bool isOver() const { return !m_dialog || m_hasQuit; }
+    void signInDialog(const QString &package);
+    void actOnDialog(const QString &action);
+
+    template<class Widget>
+    Widget *child(const char *name) const
+    {
+        return m_dialog->findChild<Widget *>(QLatin1String(name));
+    }
+    bool saysOk(const char *label) const
+    {
+        return child<QLabel>(label)->pixmap().toImage() == Utils::Icons::OK.pixmap().toImage();
+    }
+
+    Workplace m_workplace;
+    std::unique_ptr<SealkitPlugin> m_plugin;
+    QPointer<SignDialog> m_dialog;
+    QString m_package;
+    QString m_heldProgram;
+    std::unique_ptr<QTimer> m_moment;
+    std::unique_ptr<PromptAnswers> m_user;
+    bool m_acted = false;
+    bool m_hasQuit = false;
+};
+
+void InterruptionsTest::init()
+{
+    failOnStrayWarnings();
+    QString error;
+    QVERIFY(Brisk::Sdk::open(FilePath::fromString(m_workplace.sdk().path()), &error));
+    m_plugin = std::make_unique<SealkitPlugin>();
+    QVERIFY(m_plugin->initialize({}, &error));
+    m_plugin->extensionsInitialized();
+    m_acted = false;
+}
+
+void InterruptionsTest::cleanup()
+{
+    release();
+    m_moment.reset();
+    m_workplace.closeProjects();
+    m_plugin.reset();
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    m_user.reset();
+    if (!m_heldProgram.isEmpty()) {
+        QFile::remove(m_heldProgram);
+        QFile::rename(m_heldProgram + ".real", m_heldProgram);
+        m_heldProgram.clear();
+    }
+    QFile::remove(inSdk("held"));
+    QFile::remove(inSdk("go"));
+}
+
+/// From now on \a program waits before it does anything, when its arguments begin with \a words.
+void InterruptionsTest::hold(const QString &program, const QByteArray &words)
+{
+    m_heldProgram = program;
+    QVERIFY(QFile::rename(program, program + ".real"));
+    const QByteArray sdk = m_workplace.sdk().path().toUtf8();
+    writeScript(program,
+                "case \"$*\" in \"" + words + "\"*)\n: > " + sdk + "/held\nwhile [ ! -e " + sdk
+                    + "/go ]; do sleep 0.02; done;;\nesac\nexec \"$0.real\" \"$@\"\n");
+}
+
+/// Held programs go on, and prompts are answered.
+void InterruptionsTest::release()
+{
+    writeFile(inSdk("go"), {});
+    m_user = std::make_unique<PromptAnswers>(QStringList{"demo"});
+}
+
+void InterruptionsTest::quit()
+{
+    m_hasQuit = true;
+    emit Core::ICore::instance()->coreAboutToClose();
+}
+
+/// Calls \a action once, from the event loop, as soon as a program is held or a prompt is up.
+void InterruptionsTest::meanwhile(const std::function<void()> &action, bool releaseAfterwards)
+{
+    m_moment = std::make_unique<QTimer>();
+    QTimer *timer = m_moment.get();
+    connect(timer, &QTimer::timeout, this, [this, timer, action, releaseAfterwards] {
+        if (m_heldProgram.isEmpty() ? !isPrompted() : !QFile::exists(inSdk("held")))
+            return;
+        disconnect(timer, nullptr, this, nullptr);
+        action();
+        m_acted = true;
+        if (releaseAfterwards)
+            release();
+        timer->callOnTimeout([this] {
+            release();
+            QFAIL("The run does not end");
+        });
+        timer->start(TIMEOUT);
+    });
+    timer->start(10);
+}
+
+/// Runs the row in a program of its own when it needs one: nothing starts any more in one that
+/// closes.
+bool InterruptionsTest::isLeftToChild() const
+{
+    if (qEnvironmentVariableIsSet(QUITS))
+        return false;
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QUITS, "1");
+    child.setProcessEnvironment(environment);
+    child.setProcessChannelMode(QProcess::ForwardedChannels);
+    child.start(QCoreApplication::applicationFilePath(),
+                {QString("%1:%2").arg(QTest::currentTestFunction(), QTest::currentDataTag())});
+    [&] { QVERIFY(child.waitForFinished(4 * TIMEOUT) && child.exitCode() == 0); }();
+    return true;
+}
+
+void InterruptionsTest::duringADeploy_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QByteArray>("heldWord");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("goesOn");
+    QTest::addColumn<bool>("success");
+
+    const struct
+    {
+        const char *name;
+        QString target;
+        QByteArray heldWord; // none: up to the prompt
+    } places[] = {{"rpmsign-external signs", RPMSIGN_TARGET, "sign"},
+                  {"rpmsign-external asks", RPMSIGN_TARGET, {}},
+                  {"rpmsign-external dumps", RPMSIGN_TARGET, "dump"},
+                  {"customer-sign signs", CUSTOMER_TARGET, "--binaries-key"},
+                  {"customer-sign asks", CUSTOMER_TARGET, {}}};
+    for (const auto &place : places) {
+        const auto row = [&place](const char *action, bool goesOn, bool success) {
+            QTest::addRow("%s, %s", place.name, action)
+                << place.target << place.heldWord << action << goesOn << success;
+        };
+        row("close the project", place.heldWord.isEmpty(), false);
+        row("remove what runs", true, true);
+        row("deploy again", true, true);
+        row("change the kit", true, true);
+        row("close the SDK", true, true);
+        row("cancel", true, false);
+        row("quit", false, place.heldWord == "dump"); // it is signed already
+    }
+}
+
+BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
+{
+    const Project *project = m_workplace.openProject(target);
+    m_package = m_workplace.makePackages(project, {"a.rpm"}).first();
+    BuildStepList *steps = deploySteps(project);
+    steps->at(0)->setEnabled(false); // the packages are there already
+    BuildStep *sign = steps->at(1);
+    sign->setEnabled(true);
+    const QString home = m_workplace.sdk().workspace() + "/home/.kilnsdk/";
+    sign->fromMap({{"Sealkit.UseDefaultValues", false},
+                   {"Sealkit.Key", key("encrypted_key.pem")},
+                   {"Sealkit.Cert", key("encrypted_cert.pem")},
+                   {"Sealkit.BinariesKey", key("encrypted_key.pem")},
+                   {"Sealkit.PackagesKey", home + "packages-key.pem"},
+                   {"Sealkit.PackagesCert", home + "packages-cert.pem"}});
+    return steps;
+}
+
+void InterruptionsTest::actOnDeploy(const QString &action, BuildStepList *steps)
+{
+    Target *target = steps->target();
+    if (action == "close the project") {
+        m_workplace.closeProjects();
+    } else if (action == "remove what runs") {
+        QVERIFY(!steps->removeStep(1));
+        QVERIFY(!target->removeDeployConfiguration(target->activeDeployConfiguration()));
+    } else if (action == "deploy again") {
+        QVERIFY(!BuildManager::buildList(steps));
+    } else if (action == "change the kit") {
+        KilnSdkKitAspectFactory::setBuildTarget(
+            target->kit(), Brisk::Sdk::buildEngines().first(), BARE_TARGET);
+    } else if (action == "close the SDK") {
+        Brisk::Sdk::close();
+    } else if (action == "cancel") {
+        BuildManager::cancel();
+    } else if (action == "quit") {
+        quit();
+    }
+}
+
+void InterruptionsTest::duringADeploy()
+{
+    QFETCH(QString, target);
+    QFETCH(QByteArray, heldWord);
+    QFETCH(QString, action);
+    QFETCH(bool, goesOn);
+    QFETCH(bool, success);
+    if (action == "quit" && isLeftToChild())
+        return;
+
+    BuildStepList *steps = prepareDeploy(target);
+    Kit *kit = steps->target()->kit();
+    const QString tool = target == RPMSIGN_TARGET ? "rpmsign-external" : "customer-sign";
+    if (heldWord == "dump") // which comes after the prompt
+        m_user = std::make_unique<PromptAnswers>(QStringList{"demo"});
+    if (!heldWord.isEmpty())
+        hold(m_workplace.sdk().tool(tool, target), heldWord);
+    meanwhile([&] { actOnDeploy(action, steps); }, goesOn);
+
+    QString output;
+    connect(BuildManager::instance(),
+            &BuildManager::outputAdded,
+            m_moment.get(),
+            [&](const QString &text) { output += text; });
+    QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
+    QVERIFY(BuildManager::buildList(steps));
+    QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), TIMEOUT);
+    if (action == "change the kit")
+        KilnSdkKitAspectFactory::setBuildTarget(kit, Brisk::Sdk::buildEngines().first(), target);
+
+    QVERIFY(m_acted);
+    QCOMPARE(finished.size(), 1);
+    QCOMPARE(finished.first().first().toBool(), success);
+    QVERIFY(!isPrompted());
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    const bool isSigned = QFile::exists(m_package + ".1.p7s");
+    QCOMPARE(output.count("Package sign completed successfully."), int(isSigned));
+    QVERIFY(isSigned || !success);
+}
+
+void InterruptionsTest::duringTheDialog_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::addColumn<QByteArray>("heldWords");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("goesOn");
+
+    const QString tool = "engine/targets/" + RPMSIGN_TARGET + "/bin/rpmsign-external";
+    const struct
+    {
+        const char *name;
+        QString program;
+        QByteArray heldWords; // none: up to the prompt
+        bool endsWithDialog;
+    } places[] = {{"the engine starts", "bin/brisk", "engine start", false},
+                  {"a target is looked at", tool, "--version", false},
+                  {"a package is verified", tool, "verify", true},
+                  {"a package is signed", tool, "sign", true},
+                  {"the tool asks", "", "", false}};
+    for (const auto &place : places) {
+        const auto row = [&place](const char *action, bool goesOn) {
+            QTest::addRow("%s, %s", place.name, action)
+                << place.program << place.heldWords << action << goesOn;
+        };
+        row("unload the plugin", !place.endsWithDialog);
+        row("choose the menu entry", true);
+        row("close the window", true);
+        row("deploy", true);
+        row("quit", false);
+    }
+}
+
+static QList<SignDialog *> openDialogs()
+{
+    QList<SignDialog *> dialogs;
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets) {
+        if (auto *dialog = qobject_cast<SignDialog *>(widget))
+            dialogs << dialog;
+    }
+    return dialogs;
+}
+
+/// Signs a package as a user does, as far as the dialog lets it come.
+void InterruptionsTest::signInDialog(const QString &package)
+{
+    const auto waitFor = [this](const auto &isReady) {
+        [&] { QTRY_VERIFY_WITH_TIMEOUT(isOver() || isReady(), TIMEOUT); }();
+        return !isOver();
+    };
+    const auto isIdle = [this] { return child<QWidget>("busyIndicator")->isHidden(); };
+    const auto enter = [this](const char *chooser, const QString &path) {
+        child<PathChooser>(chooser)->lineEdit()->setText(path);
+    };
+
+    menuAction()->trigger();
+    m_dialog = openDialogs().constFirst();
+    if (!waitFor(
+            [&] { return child<QComboBox>("m_comboBoxBuildTargets")->count() > 0 && isIdle(); }))
+        return;
+    enter("developerKeyPathChooser", key("encrypted_key.pem"));
+    enter("developerCertificatePathChooser", key("encrypted_cert.pem"));
+    enter("rpmPathChooser", package);
+    if (!waitFor([&] { return !child<QLabel>("verifyLabel")->text().isEmpty() && isIdle(); }))
+        return;
+    child<QPushButton>("addSignaturePushButton")->click();
+    waitFor(isIdle);
+}
+
+void InterruptionsTest::actOnDialog(const QString &action)
+{
+    if (action == "unload the plugin") {
+        m_plugin.reset();
+    } else if (action == "choose the menu entry") {
+        menuAction()->trigger();
+        QCOMPARE(openDialogs(), QList<SignDialog *>{m_dialog});
+    } else if (action == "close the window") {
+        m_dialog->close();
+    } else if (action == "deploy") {
+        m_user = std::make_unique<PromptAnswers>(QStringList{"demo", "demo"});
+        QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
+        QVERIFY(BuildManager::buildList(prepareDeploy(CUSTOMER_TARGET)));
+        QVERIFY(finished.size() == 1 && finished.first().first().toBool());
+    } else if (action == "quit") {
+        quit();
+    }
+}
+
+void InterruptionsTest::duringTheDialog()
+{
+    QFETCH(QString, program);
+    QFETCH(QByteArray, heldWords);
+    QFETCH(QString, action);
+    QFETCH(bool, goesOn);
+    if (action == "quit" && isLeftToChild())
+        return;
+
+    const QString package = m_workplace.sdk().workspace() + "/dialog.rpm";
+    writeFile(package, "\xed\xab\xee\xdb");
+    QFile::remove(package + ".1.p7s");
+    if (!heldWords.isEmpty())
+        hold(inSdk(program), heldWords);
+    Messages messages;
+    meanwhile([&] { actOnDialog(action); }, goesOn);
+    signInDialog(package);
+
+    QVERIFY(m_acted);
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    QVERIFY(!isPrompted());
+    const bool isSigned = QFile::exists(package + ".1.p7s");
+    QCOMPARE(isSigned, !isOver());
+    QVERIFY(messages.take().filter("rpmsign-external sign -k").size() <= 1);
+    if (!m_dialog)
+        return;
+    QCOMPARE(saysOk("signStateLabel"), isSigned);
+    QCOMPARE(saysOk("verifyIconLabel"), isSigned);
+}
+
+QTEST_MAIN(InterruptionsTest)
+#include "tst_interruptions.moc"
