@@ -291,10 +291,21 @@ static void runToEnd(QProcess &process, Handler handler, Result &result)
     }
 }
 
+static void reportFailedStart(const QProcess &process, const Handler &handler)
+{
+    const QString reason =
+        QObject::tr("Error: cannot start \"%1\": %2").arg(process.program(), process.errorString());
+    QByteArray ignoredInput;
+    if (handler)
+        handler({}, reason.toUtf8(), ignoredInput);
+    else
+        Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(reason));
+}
+
 Result exec(const Handler &handler, const QStringList &commandLine)
 {
     if (isIdeClosing())
-        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}};
+        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
 
     QProcess process;
     process.setWorkingDirectory(workingDirectory());
@@ -305,11 +316,11 @@ Result exec(const Handler &handler, const QStringList &commandLine)
 
     Result result;
     process.start(QIODevice::ReadWrite);
-    if (process.waitForStarted(-1)) {
+    result.started = process.waitForStarted(-1);
+    if (result.started)
         runToEnd(process, handler, result);
-    } else {
-        Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(process.errorString()));
-    }
+    else
+        reportFailedStart(process, handler);
 
     Core::MessageManager::writeSilently(
         QStringLiteral("[$] %1\t%2")

@@ -6,14 +6,22 @@ namespace Sealkit::Internal {
 
 using Target = Command::brisk::engine::target;
 
+/// Of a tool that was started, the exit code alone decides: a crash on the way out makes no
+/// difference.
+template<typename Help>
+static bool showsHelp(const QString &target)
+{
+    const Command::Result result = Command::exec<Help>({}, target);
+    return result.started && result.exitCode == 0;
+}
+
 TargetToolsInfo::TargetToolsInfo(const QString &target)
     : name(target)
 {
     hasRpmsignExternal = Command::exec<Target::rpmsign_external::version>({}, target).succeeded();
     if (!hasRpmsignExternal) {
-        // The exit code alone decides: a crash on the way out makes no difference.
-        hasCustomerSign = Command::exec<Target::customer_sign::help>({}, target).exitCode == 0;
-        hasNxvcertCli = Command::exec<Target::nxvcert_cli::help>({}, target).exitCode == 0;
+        hasCustomerSign = showsHelp<Target::customer_sign::help>(target);
+        hasNxvcertCli = showsHelp<Target::nxvcert_cli::help>(target);
     }
     updateOpensslState();
 }

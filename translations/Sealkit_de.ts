@@ -70,6 +70,10 @@
         <source>Error: the kit has no build target</source>
         <translation>Fehler: Das Kit hat kein Build-Ziel</translation>
     </message>
+    <message>
+        <source>Error: cannot start &quot;%1&quot;: %2</source>
+        <translation>Fehler: „%1“ kann nicht gestartet werden: %2</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>

@@ -70,6 +70,10 @@
         <source>Error: the kit has no build target</source>
         <translation>エラー: キットにビルドターゲットがありません</translation>
     </message>
+    <message>
+        <source>Error: cannot start &quot;%1&quot;: %2</source>
+        <translation>エラー: 「%1」を起動できません: %2</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>

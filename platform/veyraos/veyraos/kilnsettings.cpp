@@ -13,8 +13,9 @@ QString KilnSettings::briskPath()
 {
     const QString path =
         ExtensionSystem::PluginManager::settings()->value(BRISK_PATH_KEY).toString();
-    return path.isEmpty() ? QString(Brisk::Sdk::installationPath() + QLatin1String("/bin/brisk"))
-                          : path;
+    if (!path.isEmpty() || Brisk::Sdk::installationPath().isEmpty())
+        return path;
+    return Brisk::Sdk::installationPath() + QLatin1String("/bin/brisk");
 }
 
 } // namespace Kiln::Internal

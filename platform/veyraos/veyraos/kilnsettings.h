@@ -8,7 +8,7 @@ namespace Kiln::Internal {
 class KilnSettings
 {
 public:
-    /// The full path of the SDK's command-line tool.
+    /// The full path of the SDK's command-line tool; empty without an SDK.
     static QString briskPath();
 };
 
