@@ -94,8 +94,14 @@ SetupResult CustomerSignStep::doRun()
     }
 
     const QPointer<CustomerSignStep> self(this);
-    if (!runSign(packages) || !self)
+    const bool isSigned = runSign(packages);
+    if (!self)
         return SetupResult::StopWithError;
+    if (!isSigned) {
+        // The tool itself may have ended without a word.
+        emit addOutput(tr("Error: package sign failed"), OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
     return SetupResult::Continue;
 }

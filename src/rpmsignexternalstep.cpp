@@ -105,8 +105,14 @@ SetupResult RpmsignExternalStep::doRun()
     }
 
     const QPointer<RpmsignExternalStep> self(this);
-    if (!runSign(packages, data) || !self)
+    const bool isSigned = runSign(packages, data);
+    if (!self)
         return SetupResult::StopWithError;
+    if (!isSigned) {
+        // The tool itself may have ended without a word.
+        emit addOutput(tr("Error: package sign failed"), OutputFormat::ErrorMessage);
+        return SetupResult::StopWithError;
+    }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
     dumpSign(packages);
     return SetupResult::Continue;
@@ -115,6 +121,13 @@ SetupResult RpmsignExternalStep::doRun()
 bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &data)
 {
     return m_tool.addSignature(buildTargetName(), packages, data).succeeded();
+}
+
+static bool namesAll(const QStringList &packages, const QString &dump)
+{
+    return std::all_of(packages.begin(), packages.end(), [&dump](const QString &package) {
+        return dump.contains(QLatin1Char('/') + QFileInfo(package).fileName());
+    });
 }
 
 void RpmsignExternalStep::dumpSign(const QStringList &packages)
@@ -139,6 +152,9 @@ void RpmsignExternalStep::dumpSign(const QStringList &packages)
     const QList<PackageDump> dumps = splitDumpByPackage(dump);
     for (const PackageDump &package : dumps)
         checkSignGroups(package.dump, QFileInfo(package.packagePath).fileName());
+    // No note on a package would mean that it is ready for customers' devices.
+    if (!namesAll(packages, dump))
+        emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
 }
 
 void RpmsignExternalStep::checkSignGroups(const QString &dump, const QString &packageName)

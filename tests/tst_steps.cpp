@@ -89,8 +89,6 @@ private slots:
 
     void refusesWhatCannotBeSigned_data();
     void refusesWhatCannotBeSigned();
-    void failsWithTheTool_data();
-    void failsWithTheTool();
     void tellsThatItWasCancelled_data();
     void tellsThatItWasCancelled();
 
@@ -511,50 +509,6 @@ void StepsTest::refusesWhatCannotBeSigned()
     if (obstacle == "no engine") {
         QVERIFY(Brisk::Sdk::open(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
     }
-}
-
-void StepsTest::failsWithTheTool_data()
-{
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("keyName");
-    QTest::addColumn<QString>("brisk");
-    QTest::addColumn<QStringList>("answers");
-    QTest::addColumn<int>("prompts");
-
-    const QStringList none;
-    QTest::newRow("tool missing") << BARE_TARGET << "client_key.pem"
-                                  << "" << none << 0;
-    QTest::newRow("brisk missing") << RPMSIGN_TARGET << "client_key.pem"
-                                   << "/none" << none << 0;
-    QTest::newRow("key missing") << RPMSIGN_TARGET << "none.pem"
-                                 << "" << none << 0;
-    QTest::newRow("key of another certificate") << RPMSIGN_TARGET << "client_key.pem"
-                                                << "" << none << 0;
-    QTest::newRow("wrong pass phrase") << RPMSIGN_TARGET << "encrypted_key.pem"
-                                       << "" << QStringList{"wrong"} << 1;
-    QTest::newRow("prompt declined") << RPMSIGN_TARGET << "encrypted_key.pem"
-                                     << "" << none << 1;
-}
-
-void StepsTest::failsWithTheTool()
-{
-    QFETCH(const QString, target);
-    QFETCH(const QString, keyName);
-    QFETCH(const QString, brisk);
-    QFETCH(const QStringList, answers);
-    if (!brisk.isEmpty())
-        QSettings().setValue("Kiln.BriskPath", brisk);
-    auto *step = addStep<RpmsignExternalStep>(target);
-    step->setUseDefaultValues(false);
-    step->setKey(key(qPrintable(keyName)));
-    step->setCertificate(key("encrypted_cert.pem"));
-    const QStringList packages = m_workplace.makePackages(step->project(), {"a.rpm"});
-
-    PromptAnswers user(answers);
-    QCOMPARE(ownMessages(runStep(step)), QStringList{START});
-    QTEST(int(user.prompts().size()), "prompts");
-    const QFileInfo package(packages.first());
-    QCOMPARE(package.dir().entryList(QDir::Files), QStringList{"a.rpm"});
 }
 
 void StepsTest::tellsThatItWasCancelled_data()

@@ -147,6 +147,10 @@
         <source>Sign RPM package</source>
         <translation>RPM-Paket signieren</translation>
     </message>
+    <message>
+        <source>Error: package sign failed</source>
+        <translation>Fehler: Das Signieren ist fehlgeschlagen</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::CustomerSignStepWidget</name>
@@ -238,6 +242,10 @@
     <message>
         <source>Sign RPM package</source>
         <translation>RPM-Paket signieren</translation>
+    </message>
+    <message>
+        <source>Error: package sign failed</source>
+        <translation>Fehler: Das Signieren ist fehlgeschlagen</translation>
     </message>
 </context>
 <context>
