@@ -46,13 +46,12 @@ Command::Result RpmsignExternal::dumpSignature(const QString &target, const QStr
     return Command::exec<Target::rpmsign_external::dump>(m_handler, target, packages);
 }
 
-/// openssl creates the file before it asks for the pass phrase; left behind empty, it would pass
-/// for the key at the next try.
-static void removeEmptyKey(const Utils::FilePath &keyPath)
+/// openssl creates a file before it asks for the pass phrase, and does not notice when the disk is
+/// full. Left behind empty, it would pass for what it should hold. True if it was.
+static bool removeEmptyFile(const Utils::FilePath &path)
 {
-    const QFileInfo info = keyPath.toFileInfo();
-    if (info.isFile() && info.size() == 0)
-        QFile::remove(info.filePath());
+    const QFileInfo info = path.toFileInfo();
+    return info.isFile() && info.size() == 0 && QFile::remove(info.filePath());
 }
 
 Command::Result RpmsignExternal::generateRequest(const QString &target,
@@ -63,10 +62,9 @@ Command::Result RpmsignExternal::generateRequest(const QString &target,
 
     if (!data.keyPath.exists()) {
         const Command::Result result = Command::exec(handler, getKeyGenerationComand(target, data));
-        if (!result.succeeded()) {
-            removeEmptyKey(data.keyPath);
+        removeEmptyFile(data.keyPath);
+        if (!result.succeeded())
             return result;
-        }
     }
 
     QString error;
@@ -79,13 +77,18 @@ Command::Result RpmsignExternal::generateRequest(const QString &target,
         return {.crashed = false, .exitCode = -1, .stdErr = {}, .stdOut = {}};
     }
 
-    const Command::Result result =
+    Command::Result result =
         Command::exec<Target::openssl::generateRequest>(handler,
                                                         target,
                                                         data.keyPath.toUserOutput(),
                                                         data.requestPath.toUserOutput(),
                                                         config.absoluteFilePath());
     QFile::remove(config.absoluteFilePath());
+    if (result.succeeded() && removeEmptyFile(data.requestPath)) {
+        result.exitCode = -1;
+        if (self)
+            emit addError(tr("Filed to generate CSR"));
+    }
     return result;
 }
 
