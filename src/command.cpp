@@ -246,13 +246,23 @@ static bool isIdeClosing()
     return watch.isClosing;
 }
 
+/// Makes room by hand: QByteArray would copy all it has each time that it grows, and the system
+/// would have to find fresh memory for all of it.
+static void append(QByteArray &bytes, const QByteArray &chunk)
+{
+    const qsizetype size = bytes.size() + chunk.size();
+    if (size > bytes.capacity())
+        bytes.reserve(2 * size);
+    bytes += chunk;
+}
+
 /// Hands on what the program has printed since the last call, and the answer to it.
 static void converse(QProcess &process, Handler &handler, Result &result)
 {
     const QByteArray stdOutChunk = process.readAllStandardOutput();
     const QByteArray stdErrChunk = process.readAllStandardError();
-    result.stdOut += stdOutChunk;
-    result.stdErr += stdErrChunk;
+    append(result.stdOut, stdOutChunk);
+    append(result.stdErr, stdErrChunk);
 
     QByteArray input;
     if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {
