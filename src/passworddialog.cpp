@@ -40,17 +40,20 @@ PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
     m_passwordLineEdit->setFocus(Qt::OtherFocusReason);
 }
 
-QString PasswordDialogPrivate::password() const
+QString PasswordDialogPrivate::takePassword()
 {
-    return m_passwordLineEdit->text();
+    const QString password = m_passwordLineEdit->text();
+    m_passwordLineEdit->clear();
+    return password;
 }
 
 void PasswordDialogPrivate::validate()
 {
     static const QRegularExpression newline(QStringLiteral("\r\n|\r|\n"));
-    if (password().isEmpty())
+    const QString password = m_passwordLineEdit->text();
+    if (password.isEmpty())
         showError(tr("Password can't be empty"));
-    else if (password().contains(newline))
+    else if (password.contains(newline))
         showError(tr("Password contains invalid newline characters"));
     else
         accept();
@@ -71,9 +74,10 @@ QString PasswordDialog::getPassord(const QString &text, bool *ok)
                      dialog,
                      &PasswordDialogPrivate::reject);
     *ok = dialog->exec() == QDialog::Accepted;
+    // A dialog that was declined stays; what was typed into it must not.
+    const QString password = dialog->takePassword();
     if (!*ok)
         return {};
-    const QString password = dialog->password();
     dialog->deleteLater();
     return password;
 }

@@ -15,7 +15,8 @@ class PasswordDialogPrivate : public QDialog
 public:
     explicit PasswordDialogPrivate(const QString &text);
 
-    QString password() const;
+    /// What was typed; it is then gone from the dialog.
+    QString takePassword();
 
 private:
     void validate();

@@ -37,8 +37,6 @@ private slots:
     void verificationSaysWhatIsWrong();
     void failedSigningLeavesEverythingUnchanged_data();
     void failedSigningLeavesEverythingUnchanged();
-    void passPhrasesArriveUnharmed_data();
-    void passPhrasesArriveUnharmed();
     void dumpTellsSubjectAndUnits();
 
     void wordsAndExitCodes_data();
@@ -280,37 +278,6 @@ void EngineTest::failedSigningLeavesEverythingUnchanged()
     const QString line = "rpmsign-external: error: " + error + '\n';
     QVERIFY2(result.out.contains(line), qPrintable(result.out));
     QCOMPARE(packageFiles(), before);
-}
-
-void EngineTest::passPhrasesArriveUnharmed_data()
-{
-    QTest::addColumn<QString>("passPhrase");
-    QTest::addColumn<QString>("generation");
-
-    const QString rsa = "genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048";
-    addRow("blanks", "  two  blanks ", rsa);
-    addRow("shell characters", R"(a"b'c`d$HOME&;|*?#!\n\\%s<>()~)", rsa);
-    addRow("256 characters", QString(256, 'p'), rsa);
-    const QString gost = "genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A";
-    addRow("Cyrillic, for a GOST key", "пароль для ключа", gost);
-}
-
-void EngineTest::passPhrasesArriveUnharmed()
-{
-    QFETCH(QString, passPhrase);
-    QFETCH(QString, generation);
-    const QByteArray answer = passPhrase.toUtf8() + '\n';
-    const QStringList packages{addPackage("a.rpm"), addPackage("b.rpm")};
-    const QStringList pair{"-k", "key.pem", "-c", "cert.pem"};
-
-    QString out = openssl((generation + " -out key.pem -aes256").split(' '), answer + answer);
-    out += openssl(QString("req -x509 -new -subj /CN=Own -key key.pem -out cert.pem").split(' '),
-                   answer);
-    // One answer for two packages: the pass phrase is asked for once in a run.
-    const Run signing = rpmsign(QStringList("sign") + pair + packages, answer);
-    QCOMPARE(signing.exitCode, 0);
-    QCOMPARE(rpmsign(QStringList{"verify", "--root-cert", "cert.pem"} + packages).exitCode, 0);
-    QVERIFY(!(out + signing.out).contains(passPhrase));
 }
 
 void EngineTest::dumpTellsSubjectAndUnits()

@@ -2,6 +2,7 @@
 #include "straywarnings.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialogButtonBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -72,18 +73,27 @@ void PasswordDialogTest::refusesWhatIsNoAnswer()
 void PasswordDialogTest::returnsTheAnswerAsTyped_data()
 {
     QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("pastes");
 
-    QTest::newRow("blanks around") << "  two words ";
-    QTest::newRow("special characters") << "\"'$&\\%`!#;|<>*?~";
-    QTest::newRow("not ASCII") << "пароль 字";
+    QString ascii;
+    for (char character = ' '; character <= '~'; ++character)
+        ascii += QLatin1Char(character);
+    QTest::newRow("typed") << QString(ascii + ' ') << false;
+    QTest::newRow("pasted") << " \tпароль\u00a0и\u0306\u3000👩🏽‍💻 " << true;
 }
 
 void PasswordDialogTest::returnsTheAnswerAsTyped()
 {
     QFETCH(const QString, answer);
-    QTimer::singleShot(0, [&answer] {
+    QFETCH(const bool, pastes);
+    QTimer::singleShot(0, [&answer, pastes] {
         auto *edit = QApplication::activeModalWidget()->findChild<QLineEdit *>();
-        edit->insert(answer);
+        if (pastes) {
+            QGuiApplication::clipboard()->setText(answer);
+            QTest::keySequence(edit, QKeySequence::Paste);
+        } else {
+            QTest::keyClicks(edit, answer);
+        }
         QTest::keyClick(edit, Qt::Key_Return);
     });
     bool ok = false;

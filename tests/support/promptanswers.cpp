@@ -23,11 +23,8 @@ void PromptAnswers::answer()
         return;
 
     m_prompts << dialog->findChild<QLabel *>()->text();
-    const QString answer = m_answers.isEmpty() ? QString() : m_answers.takeFirst();
-    if (answer.isNull()) {
-        QTest::keyClick(dialog, Qt::Key_Escape);
-        return;
-    }
-    edit->insert(answer);
-    QTest::keyClick(edit, Qt::Key_Return);
+    QString answer = m_answers.isEmpty() ? QString() : m_answers.takeFirst();
+    const bool declines = answer.isNull() || answer.endsWith(ESCAPE);
+    edit->insert(answer.remove(ESCAPE));
+    QTest::keyClick(edit, declines ? Qt::Key_Escape : Qt::Key_Return);
 }

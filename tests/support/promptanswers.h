@@ -4,8 +4,11 @@
 #include <QStringList>
 #include <QTimer>
 
-/// Plays the user at pass-phrase prompts: types the next answer and presses OK, or, for a null
-/// string and when there are no more answers, presses Escape.
+/// At the end of an answer: the key that declines after all.
+constexpr QChar ESCAPE(0x1b);
+
+/// Plays the user at pass-phrase prompts: types the next answer and presses OK, or Escape if the
+/// answer ends with it, is null or not there any more.
 class PromptAnswers : public QObject
 {
 public:

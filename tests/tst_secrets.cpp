@@ -1,0 +1,449 @@
+#include "customersealkit.h"
+#include "customersignstep.h"
+#include "files.h"
+#include "messages.h"
+#include "promptanswers.h"
+#include "rpmsignexternal.h"
+#include "rpmsignexternalstep.h"
+#include "signdata.h"
+#include "signdialog.h"
+#include "stepfactory.h"
+#include "straywarnings.h"
+#include "testrow.h"
+#include "workplace.h"
+
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/project.h>
+#include <utils/pathchooser.h>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDirIterator>
+#include <QLoggingCategory>
+#include <QMetaProperty>
+#include <QMutex>
+#include <QProcess>
+#include <QPushButton>
+#include <QSet>
+#include <QSettings>
+#include <QTest>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+
+using namespace ProjectExplorer;
+using namespace Sealkit::Internal;
+using Utils::PathChooser;
+
+constexpr int TIMEOUT = 20'000;
+// Part of every secret. Whoever knows it is not there has not seen the secret, either.
+constexpr char MARK[] = "Wq7zMark";
+const QString SECRET = QStringLiteral(" p\"a's $HOME & \\n %s Wq7zMark Пароль ");
+
+static bool hasMark(const QByteArray &bytes)
+{
+    static const QByteArray wide = [] {
+        const QString mark(MARK);
+        return QByteArray(reinterpret_cast<const char *>(mark.utf16()), mark.size() * 2).chopped(1);
+    }();
+    return bytes.contains(MARK) || bytes.contains(wide);
+}
+
+/// Becomes the folder for all temporary files, of this program and of those that it starts.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder() { qputenv("TMPDIR", m_folder.path().toUtf8()); }
+    QString path() const { return m_folder.path(); }
+
+    QStringList filesWithMark(qint64 maximumSize = std::numeric_limits<qint64>::max()) const
+    {
+        QStringList paths;
+        QDirIterator files(
+            path(), QDir::Files | QDir::Hidden | QDir::System, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            if (files.fileInfo().size() <= maximumSize && hasMark(readFile(file)))
+                paths << file;
+        }
+        return paths;
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+/// Looks, over and over again, at what others could see while tools run: the arguments and the
+/// environments of processes, and their temporary files.
+class Onlooker
+{
+public:
+    explicit Onlooker(const TemporaryFolder &folder)
+        : m_folder(folder)
+        , m_foreign(pids())
+        , m_thread([this] {
+            while (!m_stops)
+                look();
+        })
+    {
+    }
+    ~Onlooker() { stop(); }
+
+    /// The command lines of what ran, and what was found with the mark.
+    QByteArrayList stop()
+    {
+        m_stops = true;
+        if (m_thread.joinable())
+            m_thread.join();
+        return m_seen.values();
+    }
+
+private:
+    static QSet<QString> pids()
+    {
+        const QStringList names = QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs);
+        return {names.begin(), names.end()};
+    }
+
+    void look()
+    {
+        // More often than at files, for processes can be short.
+        for (int i = 0; i < 20; ++i) {
+            const QSet<QString> newPids = pids() - m_foreign;
+            for (const QString &pid : newPids)
+                lookAt("/proc/" + pid);
+        }
+        const QStringList files = m_folder.filesWithMark(100'000);
+        for (const QString &file : files)
+            m_seen << MARK + (" is in " + file.toUtf8());
+    }
+
+    void lookAt(const QString &process)
+    {
+        const QByteArray environment = readFile(process + "/environ");
+        if (!environment.contains(m_folder.path().toUtf8())) // somebody else's
+            return;
+        const QByteArray commandLine = readFile(process + "/cmdline").replace('\0', ' ');
+        m_seen << commandLine;
+        if (hasMark(environment))
+            m_seen << MARK + (" is in the environment of " + commandLine);
+    }
+
+    const TemporaryFolder &m_folder;
+    const QSet<QString> m_foreign;
+    QSet<QByteArray> m_seen;
+    std::atomic<bool> m_stops = false;
+    std::thread m_thread; // the last one: it uses the others
+};
+
+/// Everything that is logged, whatever its category, while this object lives.
+class LogOfAll
+{
+public:
+    LogOfAll()
+    {
+        s_log.clear();
+        QLoggingCategory::setFilterRules("*=true");
+        m_previous = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &message) {
+                const QMutexLocker locker(&s_mutex);
+                s_log += message + '\n';
+            });
+    }
+    ~LogOfAll()
+    {
+        qInstallMessageHandler(m_previous);
+        QLoggingCategory::setFilterRules({});
+    }
+    QString text() const
+    {
+        const QMutexLocker locker(&s_mutex);
+        return s_log;
+    }
+
+private:
+    static inline QString s_log;
+    static inline QMutex s_mutex;
+    QtMessageHandler m_previous;
+};
+
+/// All texts of all widgets, shown or not.
+static QString textsOfWidgets()
+{
+    QString texts;
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (const QWidget *widget : widgets) {
+        const QMetaObject *type = widget->metaObject();
+        for (int i = 0; i < type->propertyCount(); ++i) {
+            const QVariant value = type->property(i).read(widget);
+            if (value.typeId() == QMetaType::QString)
+                texts += value.toString() + '\n';
+        }
+    }
+    return texts;
+}
+
+class SecretsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init() { failOnStrayWarnings(); }
+    void cleanup() { m_workplace.closeProjects(); }
+
+    void leavesNoTraceOfPassPhrases_data();
+    void leavesNoTraceOfPassPhrases();
+    void passPhrasesArriveAsTyped_data();
+    void passPhrasesArriveAsTyped();
+
+private:
+    QString inWorkspace(const QString &name) const
+    {
+        return m_workplace.sdk().workspace() + '/' + name;
+    }
+    void makeKeyPair(const QString &passPhrase) const;
+    QString deploy(const QString &target);
+    QString signInDialog();
+    QString requestInDialog(KeyAlgorithm algorithm);
+
+    TemporaryFolder m_folder; // the first one: all others use it
+    Workplace m_workplace;
+    DeployStepFactory<CustomerSignStep> m_customerFactory;
+    DeployStepFactory<RpmsignExternalStep> m_rpmsignFactory;
+};
+
+void SecretsTest::initTestCase()
+{
+    makeKeyPair(SECRET);
+}
+
+/// Makes key.pem, encrypted, and cert.pem in the workspace.
+void SecretsTest::makeKeyPair(const QString &passPhrase) const
+{
+    const QString key = inWorkspace("key.pem");
+    const QStringList commands[] = {{"genpkey",
+                                     "-quiet",
+                                     "-algorithm",
+                                     "EC",
+                                     "-pkeyopt",
+                                     "ec_paramgen_curve:P-256",
+                                     "-aes256",
+                                     "-pass",
+                                     "stdin",
+                                     "-out",
+                                     key},
+                                    {"req",
+                                     "-x509",
+                                     "-new",
+                                     "-subj",
+                                     "/CN=x",
+                                     "-key",
+                                     key,
+                                     "-passin",
+                                     "stdin",
+                                     "-out",
+                                     inWorkspace("cert.pem")}};
+    for (const QStringList &command : commands) {
+        QProcess openssl;
+        openssl.start("openssl", command);
+        openssl.write(passPhrase.toUtf8() + '\n');
+        openssl.closeWriteChannel();
+        QVERIFY(openssl.waitForFinished() && openssl.exitCode() == 0);
+    }
+}
+
+/// These return the file that is there after a success.
+QString SecretsTest::deploy(const QString &target)
+{
+    Project *project = m_workplace.openProject(target);
+    const QString package = m_workplace.makePackages(project, {"a.rpm"}).first();
+    BuildStepList *steps = deploySteps(project);
+    steps->at(0)->setEnabled(false); // the package is there already
+    steps->appendStep(target == RPMSIGN_TARGET ? RpmsignExternalStep::stepId()
+                                               : CustomerSignStep::stepId());
+    steps->at(1)->fromMap({{"Sealkit.UseDefaultValues", false},
+                           {"Sealkit.Key", inWorkspace("key.pem")},
+                           {"Sealkit.Cert", inWorkspace("cert.pem")},
+                           {"Sealkit.BinariesKey", inWorkspace("key.pem")},
+                           {"Sealkit.PackagesKey", inWorkspace("key.pem")},
+                           {"Sealkit.PackagesCert", inWorkspace("cert.pem")},
+                           {"Sealkit.PackagesClientCert", ""}});
+    BuildManager::buildList(steps);
+    QString error;
+    [&] { QVERIFY(project->saveSettings(&error)); }();
+    return package + ".1.p7s";
+}
+
+static void enter(const SignDialog &dialog, const char *chooser, const QString &path)
+{
+    dialog.findChild<PathChooser *>(QLatin1String(chooser))->lineEdit()->setText(path);
+}
+
+static void click(SignDialog &dialog, const char *button)
+{
+    const auto isIdle = [&dialog] {
+        return dialog.findChild<QWidget *>("busyIndicator")->isHidden();
+    };
+    dialog.show();
+    QTRY_VERIFY_WITH_TIMEOUT(
+        dialog.findChild<QComboBox *>("m_comboBoxBuildTargets")->count() > 0 && isIdle(), TIMEOUT);
+    dialog.findChild<QPushButton *>(QLatin1String(button))->click();
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), TIMEOUT);
+}
+
+QString SecretsTest::signInDialog()
+{
+    const QString package = inWorkspace("dialog.rpm");
+    writeFile(package, "\xed\xab\xee\xdb");
+    QFile::remove(package + ".1.p7s");
+    SignDialog dialog(nullptr);
+    enter(dialog, "developerKeyPathChooser", inWorkspace("key.pem"));
+    enter(dialog, "developerCertificatePathChooser", inWorkspace("cert.pem"));
+    enter(dialog, "rpmPathChooser", package);
+    click(dialog, "addSignaturePushButton");
+    [&] { QVERIFY(!hasMark(textsOfWidgets().toUtf8())); }();
+    return package + ".1.p7s";
+}
+
+QString SecretsTest::requestInDialog(KeyAlgorithm algorithm)
+{
+    const QString request = inWorkspace("request.pem");
+    QFile::remove(request);
+    QFile::remove(inWorkspace("new_key.pem"));
+    SignDialog dialog(nullptr);
+    enter(dialog, "generatedKeyPathChooser", inWorkspace("new_key.pem"));
+    enter(dialog, "generatedReqPathChooser", request);
+    dialog.findChild<QLineEdit *>("generateCompanyNameLineEdit")->setText("Company");
+    dialog.findChild<QComboBox *>("generationKeyAlgoComboBox")->setCurrentIndex(algorithm);
+    click(dialog, "genReqButton");
+    [&] { QVERIFY(!hasMark(textsOfWidgets().toUtf8())); }();
+    return request;
+}
+
+void SecretsTest::leavesNoTraceOfPassPhrases_data()
+{
+    QTest::addColumn<std::function<QString()>>("operate");
+    QTest::addColumn<int>("prompts");
+    QTest::addColumn<QByteArray>("tool");
+
+    const auto row = [](const char *name, int prompts, const char *tool, const auto &operate) {
+        QTest::newRow(name) << std::function<QString()>(operate) << prompts << QByteArray(tool);
+    };
+    const char *rpmsign = "/rpmsign-external sign ";
+    row("rpmsign-external step", 1, rpmsign, [this] { return deploy(RPMSIGN_TARGET); });
+    row("customer-sign step", 2, "/customer-sign --binaries-key ", [this] {
+        return deploy(CUSTOMER_TARGET);
+    });
+    row("dialog signs", 1, rpmsign, [this] { return signInDialog(); });
+    row("dialog makes an RSA key", 3, "openssl genpkey ", [this] { return requestInDialog(RSA); });
+    row("dialog makes a GOST key", 3, "openssl genpkey ", [this] { return requestInDialog(GOST); });
+}
+
+void SecretsTest::leavesNoTraceOfPassPhrases()
+{
+    QFETCH(std::function<QString()>, operate);
+    QFETCH(int, prompts);
+    QFETCH(QByteArray, tool);
+    const QStringList right(prompts, SECRET);
+    QStringList wrong = right;
+    wrong.last() += '!';
+    QStringList halfTyped = right;
+    halfTyped.last().replace(" Пароль ", ESCAPE);
+
+    const LogOfAll log;
+    Messages messages;
+    QString output;
+    const auto connection = connect(BuildManager::instance(),
+                                    &BuildManager::outputAdded,
+                                    this,
+                                    [&](const QString &text) { output += text; });
+    Onlooker onlooker(m_folder);
+    for (const QStringList &answers : {halfTyped, wrong, right}) {
+        const PromptAnswers user(answers);
+        const QString result = operate();
+        QVERIFY(user.prompts().size() >= prompts);
+        QCOMPARE(QFile::exists(result), answers == right);
+    }
+    const QByteArrayList seen = onlooker.stop();
+    disconnect(connection);
+
+    QVERIFY(seen.join('\n').contains(tool));
+    for (const QByteArray &thing : seen)
+        QVERIFY2(!hasMark(thing), thing.constData());
+    QSettings().sync();
+    QCOMPARE(m_folder.filesWithMark(), QStringList());
+    const QString written = messages.take().join('\n');
+    QVERIFY(written.contains("[$] 0") && !written.contains(MARK));
+    QVERIFY(!output.contains(MARK));
+    QVERIFY(!log.text().contains(MARK));
+    QVERIFY(!hasMark(textsOfWidgets().toUtf8()));
+}
+
+void SecretsTest::passPhrasesArriveAsTyped_data()
+{
+    QTest::addColumn<QStringList>("passPhrases");
+
+    QString ascii;
+    QStringList characters;
+    for (char character = ' '; character <= '~'; ++character) {
+        ascii += character;
+        characters << QString(character);
+    }
+    addRow("each ASCII character", characters);
+    addRow("all ASCII characters", QStringList{ascii});
+    addRow("blanks around", QStringList{"  two words "});
+    for (const int length : {1, 4, 5, 127, 128, 255, 256})
+        QTest::addRow("%d characters", length) << QStringList{QString(length, 'x')};
+    QString cyrillic;
+    for (char16_t letter = 0x400; letter < 0x500; ++letter)
+        cyrillic += letter;
+    addRow("256 Cyrillic letters", QStringList{cyrillic});
+    addRow("emoji", QStringList{"🔑 👩🏽‍💻"});
+    addRow("combining characters", QStringList{QString("é й ") + "e\u0301 и\u0306"});
+    addRow("tabs and other blanks", QStringList{"\ta\tb\u00a0\u2003\u3000\ufeff"});
+}
+
+void SecretsTest::passPhrasesArriveAsTyped()
+{
+    QFETCH(QStringList, passPhrases);
+    RpmsignExternal rpmsign(nullptr);
+    CustomerSealkit customer(nullptr);
+    const QStringList packages{inWorkspace("a.rpm"), inWorkspace("b.rpm")};
+    for (const QString &package : packages)
+        writeFile(package, "\xed\xab\xee\xdb");
+
+    QByteArray prompts;
+    QStringList expected;
+    for (const QString &passPhrase : passPhrases) {
+        prompts += " 'prompt:Enter pass phrase'";
+        expected << "[I]\tgot [" + passPhrase + ']';
+    }
+    writeScript(m_workplace.sdk().tool("rpmsign-external", BARE_TARGET),
+                "exec '" FAKE_TOOL "'" + prompts);
+    Messages messages;
+    {
+        const PromptAnswers user(passPhrases);
+        QVERIFY(rpmsign.addSignature(BARE_TARGET, packages, {}).succeeded());
+    }
+    QCOMPARE(messages.take().filter("\tgot ["), expected);
+    if (passPhrases.size() > 1)
+        return;
+
+    makeKeyPair(passPhrases.first());
+    const SignData data{.binariesKey = inWorkspace("key.pem"),
+                        .clientKey = {},
+                        .clientCertificate = {},
+                        .certificate = inWorkspace("cert.pem"),
+                        .key = inWorkspace("key.pem"),
+                        .rootCertificate = {}};
+    const PromptAnswers user(passPhrases + passPhrases + passPhrases);
+    QVERIFY(rpmsign.addSignature(RPMSIGN_TARGET, packages, data).succeeded());
+    QVERIFY(customer.addSignature(CUSTOMER_TARGET, packages, data).succeeded());
+    QCOMPARE(user.prompts().size(), 3); // one for each key, however many packages there are
+}
+
+QTEST_MAIN(SecretsTest)
+#include "tst_secrets.moc"
