@@ -26,6 +26,8 @@
 #include <QTabWidget>
 #include <QTextBrowser>
 
+#include <sys/stat.h>
+
 using namespace Sealkit::Internal;
 using Utils::FilePath;
 using Utils::PathChooser;
@@ -491,8 +493,18 @@ void SignDialogTest::makesKeysAndRequests()
     child<QComboBox>("generationKeyAlgoComboBox")->setCurrentIndex(algorithm);
     child<QCheckBox>("generationKeyEncryptCheckBox")->setChecked(encrypt);
 
+    // The key is for its owner only, also before it is complete, and whatever the user allows.
+    QFile::Permissions permissions;
+    QTimer watch;
+    watch.callOnTimeout([&] { permissions |= QFile::permissions(key); });
+    watch.start(1);
+    const mode_t mask = umask(0);
     const PromptAnswers prompts({"Пароль 1", "Пароль 1", "Пароль 1"});
     click("genReqButton");
+    umask(mask);
+    permissions |= QFile::permissions(key);
+    constexpr int USER_FLAGS = 0x0700; // the same once more, for this process
+    QCOMPARE(permissions & ~USER_FLAGS, QFile::ReadOwner | QFile::WriteOwner);
     QCOMPARE(prompts.prompts(),
              encrypt ? QStringList({"Enter PEM pass phrase:",
                                     "Verifying - Enter PEM pass phrase:",
