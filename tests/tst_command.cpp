@@ -1,9 +1,9 @@
 #include "command.h"
 #include "messages.h"
 #include "promptanswers.h"
+#include "readingtool.h"
 #include "settingsscope.h"
 #include "signdata.h"
-#include "signtool.h"
 #include "straywarnings.h"
 
 #include <coreplugin/icore.h>
@@ -17,32 +17,10 @@ using namespace Sealkit::Internal;
 using Command::Result;
 using Target = Command::brisk::engine::target;
 
-/// A back end that runs whatever it is told to.
-class ScriptedTool : public SignTool
+static Result runFakeTool(const QStringList &actions)
 {
-public:
-    ScriptedTool()
-        : SignTool(nullptr)
-    {
-    }
-
-    Result run(const QStringList &actions)
-    {
-        return Command::exec(m_handler, QStringList{FAKE_TOOL} + actions);
-    }
-
-    Result addSignature(const QString &, const QStringList &, const SignData &) override
-    {
-        return {};
-    }
-    Result removeSignature(const QString &, const QStringList &) override { return {}; }
-    Result verifySignature(const QString &, const QStringList &, const SignData &) override
-    {
-        return {};
-    }
-    Result dumpSignature(const QString &, const QStringList &) override { return {}; }
-    Result generateRequest(const QString &, const KeyGenerationData &) override { return {}; }
-};
+    return ReadingTool().run(QStringList{FAKE_TOOL} + actions);
+}
 
 class CommandTest : public QObject
 {
@@ -66,10 +44,6 @@ private slots:
     void readsOnAfterAHandlerThatWaited();
     void runsWithinARun();
 
-    void cutsOutputIntoLines_data();
-    void cutsOutputIntoLines();
-    void recognisesPrompts_data();
-    void recognisesPrompts();
     void answersPrompts();
     void stopsAtADeclinedPrompt_data();
     void stopsAtADeclinedPrompt();
@@ -200,7 +174,7 @@ void CommandTest::reportsHowARunEnds()
     QFETCH(const int, exitCode);
 
     Messages messages;
-    const Result result = ScriptedTool().run({action});
+    const Result result = runFakeTool({action});
     QCOMPARE(result.crashed, crashed);
     QCOMPARE(result.exitCode, exitCode);
     QCOMPARE(messages.take(),
@@ -234,7 +208,7 @@ void CommandTest::survivesAnEmptyCommandLine()
 
 void CommandTest::keepsBothStreamsWhole()
 {
-    const Result result = ScriptedTool().run({"lines:20000", "err:no end", "out:x"});
+    const Result result = runFakeTool({"lines:20000", "err:no end", "out:x"});
     QVERIFY(result.succeeded());
     QCOMPARE(result.stdOut.size(), 20000 * 80 + 1);
     QCOMPARE(result.stdErr, QByteArray("no end"));
@@ -307,64 +281,10 @@ void CommandTest::readsOnAfterAHandlerThatWaited()
 void CommandTest::runsWithinARun()
 {
     Result inner;
-    QTimer::singleShot(20, [&inner] { inner = ScriptedTool().run({"out:inner", "exit:5"}); });
-    const Result outer = ScriptedTool().run({"out:outer", "sleep:150", "out:!", "exit:6"});
+    QTimer::singleShot(20, [&inner] { inner = runFakeTool({"out:inner", "exit:5"}); });
+    const Result outer = runFakeTool({"out:outer", "sleep:150", "out:!", "exit:6"});
     QCOMPARE(inner, (Result{false, 5, {}, "inner"}));
     QCOMPARE(outer, (Result{false, 6, {}, "outer!"}));
-}
-
-void CommandTest::cutsOutputIntoLines_data()
-{
-    QTest::addColumn<QByteArray>("chunk");
-    QTest::addColumn<QStringList>("lines");
-
-    QTest::newRow("nothing") << QByteArray() << QStringList();
-    QTest::newRow("only line ends") << QByteArray("\r\n\n\r") << QStringList();
-    QTest::newRow("blank lines between") << QByteArray("a\r\n\r\nb") << QStringList{"a", "b"};
-    QTest::newRow("no line end at the end") << QByteArray("a\nb") << QStringList{"a", "b"};
-    QTest::newRow("blanks stay") << QByteArray(" a \n \n") << QStringList{" a ", " "};
-    QTest::newRow("UTF-8") << QByteArray("\xd0\xaf\n\xe5\xad\x97") << QStringList{"Я", "字"};
-    QTest::newRow("markup stays") << QByteArray("<b>%1</b>\n") << QStringList{"<b>%1</b>"};
-}
-
-void CommandTest::cutsOutputIntoLines()
-{
-    QFETCH(const QByteArray, chunk);
-    QFETCH(const QStringList, lines);
-
-    ScriptedTool tool;
-    Messages messages;
-    QByteArray input;
-    QVERIFY(tool.handleIO(chunk, chunk, input));
-    QCOMPARE(input, QByteArray());
-
-    QStringList expected;
-    for (const QString &line : lines)
-        expected << "[I]\t" + line;
-    for (const QString &line : lines)
-        expected << "![E]\t" + line;
-    QCOMPARE(messages.take(), expected);
-}
-
-void CommandTest::recognisesPrompts_data()
-{
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<bool>("isPrompt");
-
-    QTest::newRow("binaries key") << "Enter passphrase for binaries key /k.pem:" << true;
-    QTest::newRow("new key") << "Enter PEM pass phrase:" << true;
-    QTest::newRow("new key again") << "Verifying - Enter PEM pass phrase:" << true;
-    QTest::newRow("existing key") << "Enter pass phrase for /k.pem:" << true;
-    QTest::newRow("other case") << "enter pass phrase for /k.pem:" << false;
-    QTest::newRow("other passphrase") << "Enter passphrase for key:" << false;
-    QTest::newRow("within a line") << " Enter pass phrase:" << false;
-    QTest::newRow("repeated for an existing key") << "Verifying - Enter pass phrase:" << false;
-}
-
-void CommandTest::recognisesPrompts()
-{
-    QFETCH(const QString, line);
-    QTEST(isPasswordReq(line), "isPrompt");
 }
 
 void CommandTest::answersPrompts()
@@ -372,9 +292,9 @@ void CommandTest::answersPrompts()
     const QString first = QStringLiteral(" p\"a's $&\\% Я ");
     PromptAnswers user({first, QStringLiteral("second")});
     Messages messages;
-    const Result result = ScriptedTool().run({"out:hello\\n",
-                                              "prompt:Enter PEM pass phrase",
-                                              "prompt:Verifying - Enter PEM pass phrase"});
+    const Result result = runFakeTool({"out:hello\\n",
+                                       "prompt:Enter PEM pass phrase",
+                                       "prompt:Verifying - Enter PEM pass phrase"});
     QVERIFY(result.succeeded());
     QCOMPARE(user.prompts(),
              (QStringList{"Enter PEM pass phrase: ", "Verifying - Enter PEM pass phrase: "}));
@@ -398,10 +318,10 @@ void CommandTest::stopsAtADeclinedPrompt()
     QFETCH(const QStringList, answers);
 
     PromptAnswers user(answers);
-    const Result result = ScriptedTool().run({"ignore-term",
-                                              "prompt:Enter pass phrase for a",
-                                              "prompt:Enter pass phrase for b",
-                                              "hang"});
+    const Result result = runFakeTool({"ignore-term",
+                                       "prompt:Enter pass phrase for a",
+                                       "prompt:Enter pass phrase for b",
+                                       "hang"});
     QVERIFY(result.crashed);
     QTEST(int(user.prompts().size()), "prompts");
 }

@@ -6,11 +6,11 @@
 #include <QLineEdit>
 #include <QTest>
 
-PromptAnswers::PromptAnswers(const QStringList &answers)
+PromptAnswers::PromptAnswers(const QStringList &answers, std::chrono::milliseconds interval)
     : m_answers(answers)
 {
     connect(&m_timer, &QTimer::timeout, this, &PromptAnswers::answer);
-    m_timer.start(5);
+    m_timer.start(interval);
 }
 
 void PromptAnswers::answer()

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <chrono>
+
 /// At the end of an answer: the key that declines after all.
 constexpr QChar ESCAPE(0x1b);
 
@@ -12,7 +14,9 @@ constexpr QChar ESCAPE(0x1b);
 class PromptAnswers : public QObject
 {
 public:
-    explicit PromptAnswers(const QStringList &answers);
+    /// Looks for a prompt every \a interval.
+    explicit PromptAnswers(const QStringList &answers,
+                           std::chrono::milliseconds interval = std::chrono::milliseconds(5));
 
     /// The labels of the dialogs that came up.
     QStringList prompts() const { return m_prompts; }
