@@ -152,7 +152,8 @@ using Handler = std::function<bool(
 /// Writes one line on the run to the General Messages. If the program cannot be started, the result
 /// is what QProcess reports for a process that never ran, and the handler gets the reason. Without
 /// a handler the output is not read, and that reason goes to the General Messages. When the IDE
-/// closes, the program is killed, and no other is started any more: such a run counts as crashed.
+/// closes, the program is killed, its last words don't reach the handler, and no other is started
+/// any more: such a run counts as crashed.
 Result exec(const Handler &handler, const QStringList &commandLine);
 
 template<typename Tag, typename... Args>
