@@ -1,0 +1,21 @@
+#include "fuzzing.h"
+
+#include <QApplication>
+
+static QtMessageHandler defaultHandler = nullptr;
+
+static void
+dropDebugMessages(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type != QtDebugMsg)
+        defaultHandler(type, context, message);
+}
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QTC_FATAL_ASSERTS", "1");
+    defaultHandler = qInstallMessageHandler(dropDebugMessages);
+    static const QApplication application(*argc, *argv);
+    return 0;
+}
