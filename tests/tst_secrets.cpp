@@ -190,7 +190,6 @@ class SecretsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init() { failOnStrayWarnings(); }
     void cleanup() { m_workplace.closeProjects(); }
 
@@ -215,40 +214,18 @@ private:
     DeployStepFactory<RpmsignExternalStep> m_rpmsignFactory;
 };
 
-void SecretsTest::initTestCase()
-{
-    makeKeyPair(SECRET);
-}
-
 /// Makes key.pem, encrypted, and cert.pem in the workspace.
 void SecretsTest::makeKeyPair(const QString &passPhrase) const
 {
     const QString key = inWorkspace("key.pem");
-    const QStringList commands[] = {{"genpkey",
-                                     "-quiet",
-                                     "-algorithm",
-                                     "EC",
-                                     "-pkeyopt",
-                                     "ec_paramgen_curve:P-256",
-                                     "-aes256",
-                                     "-pass",
-                                     "stdin",
-                                     "-out",
-                                     key},
-                                    {"req",
-                                     "-x509",
-                                     "-new",
-                                     "-subj",
-                                     "/CN=x",
-                                     "-key",
-                                     key,
-                                     "-passin",
-                                     "stdin",
-                                     "-out",
-                                     inWorkspace("cert.pem")}};
-    for (const QStringList &command : commands) {
+    const QString commands[] = {
+        "genpkey -quiet -algorithm EC -pkeyopt ec_paramgen_curve:P-256 -aes256 -pass stdin -out "
+            + key,
+        "req -x509 -new -subj /CN=x -key " + key + " -passin stdin -out "
+            + inWorkspace("cert.pem")};
+    for (const QString &command : commands) {
         QProcess openssl;
-        openssl.start("openssl", command);
+        openssl.start("openssl", command.split(' '));
         openssl.write(passPhrase.toUtf8() + '\n');
         openssl.closeWriteChannel();
         QVERIFY(openssl.waitForFinished() && openssl.exitCode() == 0);
@@ -347,6 +324,7 @@ void SecretsTest::leavesNoTraceOfPassPhrases()
     QFETCH(std::function<QString()>, operate);
     QFETCH(int, prompts);
     QFETCH(QByteArray, tool);
+    makeKeyPair(SECRET);
     const QStringList right(prompts, SECRET);
     QStringList wrong = right;
     wrong.last() += '!';
@@ -356,10 +334,11 @@ void SecretsTest::leavesNoTraceOfPassPhrases()
     const LogOfAll log;
     Messages messages;
     QString output;
-    const auto connection = connect(BuildManager::instance(),
-                                    &BuildManager::outputAdded,
-                                    this,
-                                    [&](const QString &text) { output += text; });
+    const QObject listener;
+    connect(BuildManager::instance(),
+            &BuildManager::outputAdded,
+            &listener,
+            [&output](const QString &text) { output += text; });
     Onlooker onlooker(m_folder);
     for (const QStringList &answers : {halfTyped, wrong, right}) {
         const PromptAnswers user(answers);
@@ -368,7 +347,6 @@ void SecretsTest::leavesNoTraceOfPassPhrases()
         QCOMPARE(QFile::exists(result), answers == right);
     }
     const QByteArrayList seen = onlooker.stop();
-    disconnect(connection);
 
     QVERIFY(seen.join('\n').contains(tool));
     for (const QByteArray &thing : seen)
