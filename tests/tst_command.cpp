@@ -47,6 +47,7 @@ private slots:
     void answersPrompts();
     void stopsAtADeclinedPrompt_data();
     void stopsAtADeclinedPrompt();
+    void survivesItsToolBeingDeletedWhileAsking();
 
     void killsWhenTheIdeCloses(); // the last one: nothing runs any more after it
 
@@ -324,6 +325,16 @@ void CommandTest::stopsAtADeclinedPrompt()
                                        "hang"});
     QVERIFY(result.crashed);
     QTEST(int(user.prompts().size()), "prompts");
+}
+
+void CommandTest::survivesItsToolBeingDeletedWhileAsking()
+{
+    auto *tool = new ReadingTool;
+    const PromptAnswers user({"answer"});
+    QTimer::singleShot(0, [tool] { delete tool; });
+    QByteArray input;
+    QVERIFY(!tool->handleIO("Enter pass phrase\nand there is more\n", {}, input));
+    QCOMPARE(user.prompts().size(), 1);
 }
 
 void CommandTest::killsWhenTheIdeCloses()
