@@ -28,6 +28,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTextBlock>
 #include <QTimer>
 #include <QToolButton>
 
@@ -35,6 +36,7 @@
 
 using namespace Workbench;
 using ProjectExplorer::BuildManager;
+using ProjectExplorer::BuildStep;
 using ProjectExplorer::BuildStepList;
 using ProjectExplorer::ProjectManager;
 
@@ -135,6 +137,7 @@ private slots:
     void declinesWhatItCannotAnswer();
 
     void outputFollowsItsEnd();
+    void outputForgetsItsOldestLines();
     void deploys_data();
     void deploys();
     void interruptLeavesNothingBehind();
@@ -276,6 +279,31 @@ void WorkbenchTest::outputFollowsItsEnd()
     pane.appendMessage("more");
     QCoreApplication::processEvents();
     QCOMPARE(bar->value(), 0);
+}
+
+void WorkbenchTest::outputForgetsItsOldestLines()
+{
+    OutputPane pane;
+    pane.append("gone before it shows\n", BuildStep::OutputFormat::Stdout);
+    pane.clear();
+    const auto write = [&pane](int first, int last) {
+        for (int i = first; i <= last; ++i) {
+            pane.append(QString::number(i) + (i < last ? "\r\n" : "\n"),
+                        i % 1000 == 0 ? BuildStep::OutputFormat::Stderr
+                                      : BuildStep::OutputFormat::Stdout);
+        }
+        QTRY_VERIFY_WITH_TIMEOUT(pane.showsAll(), 60'000);
+    };
+    write(1, 500);
+    write(501, 150'500);
+
+    // The last line is the empty one that waits for more.
+    QCOMPARE(pane.blockCount(), 100'000);
+    QCOMPARE(pane.document()->firstBlock().text(), "50502");
+    for (QTextBlock block = pane.document()->firstBlock(); block.next().next().isValid();
+         block = block.next())
+        QCOMPARE(block.next().text().toInt(), block.text().toInt() + 1);
+    QCOMPARE(pane.document()->lastBlock().previous().text(), "150500");
 }
 
 void WorkbenchTest::deploys_data()

@@ -1,6 +1,7 @@
 #include "pictures.h"
 
 #include "optionsdialog.h"
+#include "outputpane.h"
 #include "signsteps.h"
 #include "stepcard.h"
 
@@ -98,13 +99,17 @@ void Pictures::deploy()
     });
     if (!BuildManager::buildList(signStep->step()->stepList()))
         return complain(tr("The deploy did not start."));
-    waitUntil("the end of the deploy", [] { return !BuildManager::isBuilding(); });
+    auto *output = part<OutputPane>(&m_window, "compileOutput");
+    if (!output)
+        return;
+    waitUntil("the end of the deploy",
+              [output] { return !BuildManager::isBuilding() && output->showsAll(); });
     BuildManager::instance()->disconnect(this);
     if (!succeeded)
         return complain(tr("The deploy failed."));
 
     take(&m_window, "workbench");
-    take(part<QPlainTextEdit>(&m_window, "compileOutput"), "compile-output");
+    take(output, "compile-output");
     auto *messages = part<QPlainTextEdit>(&m_window, "generalMessages");
     for (QTabWidget *tabs : m_window.findChildren<QTabWidget *>())
         tabs->setCurrentWidget(messages);
