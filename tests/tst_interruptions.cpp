@@ -1,5 +1,6 @@
 #include "files.h"
 #include "messages.h"
+#include "ownprogram.h"
 #include "processes.h"
 #include "promptanswers.h"
 #include "sealkitplugin.h"
@@ -39,7 +40,6 @@ using Utils::FilePath;
 using Utils::PathChooser;
 
 constexpr int TIMEOUT = 20'000;
-constexpr char QUITS[] = "SEALKIT_TEST_QUITS";
 
 /// What a user, or the world, does while a tool runs or asks. Wherever a run is hit, it ends,
 /// leaves no process, tells its outcome once, and calls nothing signed that is not.
@@ -72,7 +72,6 @@ private:
     void release();
     void quit();
     void meanwhile(const std::function<void()> &action, bool releaseAfterwards);
-    bool isLeftToChild() const;
 
     BuildStepList *prepareDeploy(const QString &target);
     void actOnDeploy(const QString &action, BuildStepList *steps);
@@ -175,23 +174,6 @@ void InterruptionsTest::meanwhile(const std::function<void()> &action, bool rele
     timer->start(10);
 }
 
-/// Runs the row in a program of its own when it needs one: nothing starts any more in one that
-/// closes.
-bool InterruptionsTest::isLeftToChild() const
-{
-    if (qEnvironmentVariableIsSet(QUITS))
-        return false;
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QUITS, "1");
-    child.setProcessEnvironment(environment);
-    child.setProcessChannelMode(QProcess::ForwardedChannels);
-    child.start(QCoreApplication::applicationFilePath(),
-                {QString("%1:%2").arg(QTest::currentTestFunction(), QTest::currentDataTag())});
-    [&] { QVERIFY(child.waitForFinished(4 * TIMEOUT) && child.exitCode() == 0); }();
-    return true;
-}
-
 void InterruptionsTest::duringADeploy_data()
 {
     QTest::addColumn<QString>("target");
@@ -272,7 +254,7 @@ void InterruptionsTest::duringADeploy()
     QFETCH(QString, action);
     QFETCH(bool, goesOn);
     QFETCH(bool, success);
-    if (action == "quit" && isLeftToChild())
+    if (action == "quit" && ranInOwnProgram())
         return;
 
     BuildStepList *steps = prepareDeploy(target);
@@ -399,7 +381,7 @@ void InterruptionsTest::duringTheDialog()
     QFETCH(QByteArray, heldWords);
     QFETCH(QString, action);
     QFETCH(bool, goesOn);
-    if (action == "quit" && isLeftToChild())
+    if (action == "quit" && ranInOwnProgram())
         return;
 
     const QString package = m_workplace.sdk().workspace() + "/dialog.rpm";
