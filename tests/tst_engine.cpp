@@ -191,7 +191,7 @@ void EngineTest::verificationSaysWhatIsWrong_data()
     addRow("signature damaged", "client", "", "a.rpm.1.p7s", invalid + "it cannot be read");
     addRow("foreign root given", "client", "foreign_root.pem", "", untrusted);
     addRow("foreign certificate", "foreign", "", "", untrusted);
-    addRow("expired", "expired", "", "", invalid + "its certificate has expired");
+    addRow("expired since", "expired", "", "", invalid + "its certificate has expired");
 }
 
 void EngineTest::verificationSaysWhatIsWrong()
@@ -202,7 +202,21 @@ void EngineTest::verificationSaysWhatIsWrong()
     QFETCH(QString, verdict);
 
     const QString path = addPackage("a.rpm");
-    if (!pair.isEmpty())
+    if (pair == "expired")
+        openssl({"cms",
+                 "-sign",
+                 "-binary",
+                 "-in",
+                 path,
+                 "-outform",
+                 "DER",
+                 "-out",
+                 path + ".1.p7s",
+                 "-signer",
+                 key("expired_cert.pem"),
+                 "-inkey",
+                 key("expired_key.pem")});
+    else if (!pair.isEmpty())
         QCOMPARE(sign(pair, {path}), 0);
     if (!damaged.isEmpty()) {
         QByteArray bytes = readFile(package(damaged));
@@ -248,6 +262,11 @@ void EngineTest::failedSigningLeavesEverythingUnchanged_data()
     addRow("empty pass phrase", encrypted, QByteArray("\n"), wrong);
     const QByteArray none;
     addRow("no answer", encrypted, none, noPhrase);
+    const QString expired = "K/expired_cert.pem";
+    addRow("expired",
+           words("K/expired_key.pem", expired),
+           none,
+           "the certificate has expired: " + expired);
     const QString misfit = "the key does not fit the certificate: " + cert;
     addRow("key of another certificate", words("K/foreign_key.pem", cert), none, misfit);
     addRow("no key in it", words(cert, cert), none, "cannot read a private key from: " + cert);

@@ -170,6 +170,8 @@ void FalseSuccessTest::failureIsTold_data()
     row("sd", "key and certificate swapped", noKey, pair("client_cert.pem", "client_key.pem"));
     const QString misfit = "does not fit the certificate";
     row("scd", "key of another certificate", misfit, pair("foreign_key.pem", "client_cert.pem"));
+    const auto expired = pair("expired_key.pem", "expired_cert.pem");
+    row("scd", "expired certificate", "certificate has expired", expired);
     row("b", "client's key of another certificate", misfit, [&] {
         m_data.clientKey = ground.inWorkspace("keys/foreign_key.pem");
         m_data.clientCertificate = m_data.certificate;

@@ -92,6 +92,9 @@ make_signatures() { # CERTIFICATE PACKAGE...
     certificate=$1
     shift
     require_file certificate "$certificate"
+    case $(openssl x509 -in "$certificate" -noout -checkend 0 2>/dev/null) in
+    *'will expire'*) fail "the certificate has expired: $certificate" ;;
+    esac
     round=$((round + 1))
     index=0
     for package; do
