@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QPainter>
+#include <QPalette>
 
 namespace Utils {
 
@@ -50,6 +51,16 @@ QIcon Icon::icon() const
     if (m_masks.isEmpty())
         return QIcon(m_image.toFSPathString());
 
+    const qint64 palette = QGuiApplication::palette().cacheKey();
+    if (m_lastIcon.isNull() || m_lastPalette != palette) {
+        m_lastIcon = paintedIcon();
+        m_lastPalette = palette;
+    }
+    return m_lastIcon;
+}
+
+QIcon Icon::paintedIcon() const
+{
     QIcon result;
     for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
         for (const int scale : {1, 2, 3}) {

@@ -25,8 +25,13 @@ public:
     FilePath imageFilePath() const;
 
 private:
+    QIcon paintedIcon() const;
+
     QList<IconMaskAndColor> m_masks;
     FilePath m_image;
+    // Drawing vector masks takes longer than making the rest of a window.
+    mutable QIcon m_lastIcon;
+    mutable qint64 m_lastPalette = 0;
 };
 
 } // namespace Utils
