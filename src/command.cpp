@@ -301,15 +301,11 @@ static void runToEnd(QProcess &process, Handler handler, Result &result)
     }
 }
 
-static void reportFailedStart(const QProcess &process, const Handler &handler)
+static void reportFailedStart(const QProcess &process)
 {
     const QString reason =
         QObject::tr("Error: cannot start \"%1\": %2").arg(process.program(), process.errorString());
-    QByteArray ignoredInput;
-    if (handler)
-        handler({}, reason.toUtf8(), ignoredInput);
-    else
-        Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(reason));
+    Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(reason));
 }
 
 Result exec(const Handler &handler, const QStringList &commandLine)
@@ -330,7 +326,7 @@ Result exec(const Handler &handler, const QStringList &commandLine)
     if (result.started)
         runToEnd(process, handler, result);
     else
-        reportFailedStart(process, handler);
+        reportFailedStart(process);
 
     Core::MessageManager::writeSilently(
         QStringLiteral("[$] %1\t%2")

@@ -133,27 +133,26 @@ QStringList compose<brisk::engine::target::openssl::generateRequest>(const QStri
 struct Result
 {
     bool crashed = false; ///< ended by a signal, a kill included
-    int exitCode = 0;     ///< can be 0 for a program that was not started, too
+    int exitCode = 0;
     QByteArray stdErr;
     QByteArray stdOut;
-    bool started = true;
+    bool started = true; ///< if not, the exit code can be 0 nevertheless
 
     bool succeeded() const { return started && !crashed && exitCode == 0; }
     friend bool operator==(const Result &, const Result &) = default;
 };
 
-/// Gets what the program newly printed (either chunk may be empty), or, as an error, why it cannot
-/// be started. What it appends to \a input is written to the program; false kills the program.
+/// Gets what the program newly printed (either chunk may be empty). What it appends to \a input is
+/// written to the program; false kills the program.
 using Handler = std::function<bool(
     const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input)>;
 
 /// Runs \a commandLine to its end in the workspace of the first build engine (without one, in the
 /// user's home) while the event loop turns: whoever calls this may be gone when it returns.
-/// Writes one line on the run to the General Messages. If the program cannot be started, the result
-/// is what QProcess reports for a process that never ran, and the handler gets the reason. Without
-/// a handler the output is not read, and that reason goes to the General Messages. When the IDE
-/// closes, the program is killed, its last words don't reach the handler, and no other is started
-/// any more: such a run counts as crashed.
+/// Writes one line on the run to the General Messages, and one with the reason if the program
+/// cannot be started; the result is then what QProcess reports for a process that never ran.
+/// Without a handler the output is not read. When the IDE closes, the program is killed, its last
+/// words don't reach the handler, and no other is started any more: such a run counts as crashed.
 Result exec(const Handler &handler, const QStringList &commandLine);
 
 template<typename Tag, typename... Args>

@@ -6,6 +6,7 @@
 #include "settingsscope.h"
 #include "signdata.h"
 #include "straywarnings.h"
+#include "testrow.h"
 
 #include <coreplugin/icore.h>
 
@@ -36,8 +37,8 @@ private slots:
 
     void reportsHowARunEnds_data();
     void reportsHowARunEnds();
+    void reportsAProgramThatCannotStart_data();
     void reportsAProgramThatCannotStart();
-    void survivesAnEmptyCommandLine();
     void keepsBothStreamsWhole();
     void deliversLastWordsOfAProgramThatEndsWhileAnswered();
     void readsNothingWithoutAHandler();
@@ -183,29 +184,31 @@ void CommandTest::reportsHowARunEnds()
              QStringList{QStringLiteral("[$] %1\t%2 %3").arg(exitCode).arg(FAKE_TOOL, action)});
 }
 
-void CommandTest::reportsAProgramThatCannotStart()
+void CommandTest::reportsAProgramThatCannotStart_data()
 {
-    Messages messages;
-    QByteArray reason;
-    const auto handler = [&reason](const QByteArray &, const QByteArray &error, QByteArray &) {
-        reason += error;
-        return true;
-    };
-    const Result result = Command::exec(handler, {"/no/such tool", "x"});
-    QVERIFY(!result.succeeded());
-    QCOMPARE(result.stdOut + result.stdErr, QByteArray());
-    QVERIFY(reason.startsWith("Error: cannot start \"/no/such tool\": "));
-    QCOMPARE(messages.take(),
-             QStringList{QStringLiteral("[$] %1\t/no/such tool x").arg(result.exitCode)});
+    QTest::addColumn<QStringList>("commandLine");
+
+    addRow("no such program", QStringList{"/no/such tool", "x"});
+    addRow("no program at all", QStringList()); // QProcess says that it ended with 0
 }
 
-void CommandTest::survivesAnEmptyCommandLine()
+void CommandTest::reportsAProgramThatCannotStart()
 {
+    QFETCH(const QStringList, commandLine);
     Messages messages;
-    const Result result = Command::exec({}, {});
-    QCOMPARE(result, (Result{false, 0, {}, {}, false}));
+    bool called = false;
+    const auto handler = [&called](const QByteArray &, const QByteArray &, QByteArray &) {
+        return called = true;
+    };
+    const Result result = Command::exec(handler, commandLine);
     QVERIFY(!result.succeeded());
-    QVERIFY(messages.take().first().startsWith("![E]\tError: cannot start \"\": "));
+    QVERIFY(!called);
+    const QStringList lines = messages.take();
+    QCOMPARE(lines.size(), 2);
+    QVERIFY(
+        lines.first().startsWith("![E]\tError: cannot start \"" + commandLine.value(0) + "\": "));
+    QCOMPARE(lines.last(),
+             QStringLiteral("[$] %1\t%2").arg(result.exitCode).arg(commandLine.join(' ')));
 }
 
 void CommandTest::keepsBothStreamsWhole()
