@@ -53,7 +53,7 @@ void addRuns(const Workplace &workplace, Extent extent)
          .aim = atMostTimes(1.05)});
 
     const QStringList commandLine = commandLineOfTool(workplace);
-    add({.what = "the same through brisk",
+    add({.what = "run through brisk of a tool that ends at once",
          .size = "1 run",
          .unit = "ms",
          .rounds = extent.pick(201, 1),

@@ -10,7 +10,7 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <memory>
+#include <vector>
 
 namespace Benchmarks {
 
