@@ -117,7 +117,7 @@ private:
     int m_failures = 0;
 };
 
-static constexpr char ROW[] = "%-44s  %17s  %13s  %13s  %6s  %-26s  %s\n";
+static constexpr char ROW[] = "%-46s  %17s  %13s  %13s  %6s  %-26s  %s\n";
 
 bool Table::ReportContext(const Context & /*context*/)
 {
