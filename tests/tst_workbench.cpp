@@ -104,6 +104,7 @@ public:
     {
         QProcess workbench;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("XDG_RUNTIME_DIR", path()); // or a warning would come of it
         environment.insert("QT_MESSAGE_PATTERN", "%{if-warning}STRAY %{endif}%{message}");
         workbench.setProcessEnvironment(environment);
         workbench.start(WORKBENCH_EXECUTABLE, deployArguments() + furtherArguments);
@@ -271,12 +272,15 @@ void WorkbenchTest::outputFollowsItsEnd()
             pane.appendMessage(QString("wrapped ").repeated(words + i % 3));
             QCoreApplication::processEvents();
         }
+        QTRY_VERIFY(pane.showsAll());
+        QCoreApplication::processEvents();
         QCOMPARE(bar->value(), bar->maximum());
     }
 
     // The reader has gone back to the start, and is left there.
     bar->setValue(0);
     pane.appendMessage("more");
+    QTRY_VERIFY(pane.showsAll());
     QCoreApplication::processEvents();
     QCOMPARE(bar->value(), 0);
 }
