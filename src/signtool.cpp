@@ -75,9 +75,10 @@ bool isPasswordReq(const QString &line)
         QLatin1String("Enter pass phrase"),
     };
     // Few lines get beyond their first character, which is much cheaper to look at.
-    return std::any_of(prompts.begin(), prompts.end(), [&line](QLatin1String prompt) {
-        return line.startsWith(prompt.front()) && line.startsWith(prompt);
-    });
+    return !line.isEmpty()
+           && std::any_of(prompts.begin(), prompts.end(), [&line](QLatin1String prompt) {
+                  return line.front() == prompt.front() && line.startsWith(prompt);
+              });
 }
 
 } // namespace Sealkit::Internal
