@@ -168,7 +168,7 @@ static std::unique_ptr<MessageWindow> makeGeneralMessages(int lineCount)
 /// Full from the beginning: filling it line by line would take minutes, and make no difference.
 static std::unique_ptr<MessageWindow> makePlainMessages(int lineCount)
 {
-    constexpr int MAXIMUM_LINES = 100'000; // as General Messages has it
+    constexpr int MAXIMUM_LINES = 50'000; // as General Messages has it
     auto *pane = new QPlainTextEdit;
     pane->setReadOnly(true);
     pane->setMaximumBlockCount(MAXIMUM_LINES);
