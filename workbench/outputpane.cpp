@@ -14,8 +14,8 @@ namespace Workbench {
 
 // With twice as many, the document needs 25 ms at a time to tidy its memory up.
 constexpr int MAXIMUM_LINES = 50'000;
-// Of a tool that floods its output, 64 MiB of lines within a second, no more than a third of the time
-// goes into showing it. Text costs much less in portions than line by line.
+// Of a tool that floods its output, 64 MiB of lines within a second, no more than a third of the
+// time goes into showing it. Text costs much less in portions than line by line.
 constexpr int LINES_PER_PORTION = 100;
 constexpr auto TURN = 5ms;
 constexpr auto PAUSE = 10ms;
