@@ -49,8 +49,10 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
     const QString text = withLineFeeds(chunk);
     // A regular expression for the line ends, and a list of lines, took two thirds of the time that
     // long output takes.
+    QString line; // its memory serves all lines, unless somebody keeps one
     for (const QStringView part : qTokenize(text, u'\n', Qt::SkipEmptyParts)) {
-        const QString line = part.toString();
+        line.resize(0);
+        line += part;
         if (isPasswordReq(line)) {
             bool ok = false;
             const QString password = PasswordDialog::getPassord(line, &ok);
