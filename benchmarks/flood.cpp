@@ -4,7 +4,7 @@
 #include "files.h"
 #include "rpmsignexternal.h"
 
-#include <coreplugin/messagemanager.h>
+#include <host/generalmessages.h>
 
 #include <QSettings>
 
@@ -28,8 +28,8 @@ void Flood::capture() const
 {
     qint64 messages = 0;
     QObject sink;
-    QObject::connect(Core::MessageManager::instance(),
-                     &Core::MessageManager::messageWritten,
+    QObject::connect(Core::Host::GeneralMessages::instance(),
+                     &Core::Host::GeneralMessages::messageWritten,
                      &sink,
                      [&messages] { ++messages; });
     Sealkit::Internal::RpmsignExternal backEnd(nullptr);

@@ -3,7 +3,7 @@
 #include "programs.h"
 #include "themes.h"
 
-#include <coreplugin/messagemanager.h>
+#include <host/generalmessages.h>
 
 #include <QElapsedTimer>
 #include <QProcess>
@@ -89,10 +89,10 @@ static double delayWhileCapturing(qint64 bytes, int streams, double quantile)
 
 static double delayWhileShowing(qint64 bytes, int streams, double quantile)
 {
-    using Core::MessageManager;
+    using Core::Host::GeneralMessages;
     Workbench::OutputPane pane;
-    QObject::connect(MessageManager::instance(),
-                     &MessageManager::messageWritten,
+    QObject::connect(GeneralMessages::instance(),
+                     &GeneralMessages::messageWritten,
                      &pane,
                      &Workbench::OutputPane::appendMessage);
     pane.resize(800, 600);

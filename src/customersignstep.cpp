@@ -156,7 +156,7 @@ void CustomerSignStep::toMap(Utils::Store &map) const
 void CustomerSignStep::fromMap(const Utils::Store &map)
 {
     KilnProcessStep::fromMap(map);
-    const auto restorePath = [&map](const char *key, QString *path) {
+    const auto restorePath = [&map](const Utils::Key &key, QString *path) {
         *path = map.value(key, *path).toString();
     };
     restorePath(Constants::BINARIES_KEY_ID, &m_signData.binariesKey);

@@ -3,6 +3,7 @@
 #include "customersealkit.h"
 #include "signdata.h"
 
+#include <solutions/tasking/tasktree.h>
 #include <veyraos/kilnprocessstep.h>
 
 #include <QPointer>

@@ -2,6 +2,7 @@
 
 #include "rpmsignexternal.h"
 
+#include <solutions/tasking/tasktree.h>
 #include <veyraos/kilnprocessstep.h>
 
 #include <QPointer>

@@ -27,7 +27,6 @@
 #include <QMainWindow>
 #include <QTranslator>
 
-using Core::MessageManager;
 using Utils::FilePath;
 
 namespace Sealkit::Internal {
@@ -135,13 +134,13 @@ void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool p
     }
     if (!printUserLog)
         return;
-    MessageManager::writeDisrupting(
+    Core::MessageManager::writeDisrupting(
         tr("[E] Failed to copy regular keys:\t%1").arg(keysPath.toUserOutput()));
-    MessageManager::writeDisrupting(
+    Core::MessageManager::writeDisrupting(
         tr("[W] Please make sure that the '%1' is writable and restart the ide")
             .arg(sharedSrcPath.toUserOutput()));
-    MessageManager::writeDisrupting(tr("[W] OR"));
-    MessageManager::writeDisrupting(
+    Core::MessageManager::writeDisrupting(tr("[W] OR"));
+    Core::MessageManager::writeDisrupting(
         tr("[W] Specify the path to the default signature keys in the settings"));
 }
 
@@ -153,7 +152,7 @@ bool SealkitPlugin::copyDefault(const char *fileName, const FilePath &destinatio
         Brisk::Sdk::installationPath(), Constants::PREINSTALL_KEY_FOLDER, QLatin1String(fileName)}
                                                      .join(QLatin1Char('/')));
 
-    Utils::FileUtils::CopyAskingForOverwrite copyHelper(Core::ICore::dialogParent());
+    Utils::FileUtils::CopyAskingForOverwrite copyHelper;
     QString error;
     const bool copied =
         Utils::FileUtils::copyRecursively(source, destination, &error, copyHelper());

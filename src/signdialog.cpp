@@ -70,11 +70,6 @@ SignDialog::Run::~Run()
         QMetaObject::invokeMethod(m_dialog, &SignDialog::doScheduled, Qt::QueuedConnection);
 }
 
-static void showInGraphicalShell(QWidget *parent, const FilePath &path)
-{
-    Core::FileUtils::showInGraphicalShell(parent, path);
-}
-
 static QPixmap stateIcon(bool good)
 {
     return (good ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap();
@@ -279,7 +274,7 @@ void SignDialog::initRegularKeysLink()
     connect(m_ui->regularKeysLabel,
             &QLabel::linkActivated,
             this,
-            [this, key = getDefaultKey(m_workspace)] { showInGraphicalShell(this, key); });
+            [key = getDefaultKey(m_workspace)] { Core::FileUtils::showInGraphicalShell(key); });
 }
 
 SignData SignDialog::data() const

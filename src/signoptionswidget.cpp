@@ -75,7 +75,7 @@ SignOptionsWidget::~SignOptionsWidget() = default;
 
 void SignOptionsWidget::initPathChooser(PathChooser *chooser,
                                         const QString &toolTip,
-                                        const char *historyKey)
+                                        const Utils::Key &historyKey)
 {
     chooser->setToolTip(toolTip);
     chooser->setExpectedKind(PathChooser::File);

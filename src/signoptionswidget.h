@@ -1,6 +1,7 @@
 #pragma once
 
 #include <utils/filepath.h>
+#include <utils/storekey.h>
 
 #include <QWidget>
 
@@ -44,8 +45,9 @@ private:
         bool useDefault = true;
     };
 
-    void
-    initPathChooser(Utils::PathChooser *chooser, const QString &toolTip, const char *historyKey);
+    void initPathChooser(Utils::PathChooser *chooser,
+                         const QString &toolTip,
+                         const Utils::Key &historyKey);
     void restore();
     void showFile(FileChoice &choice, int index);
     void keyChooserChanged(int index);

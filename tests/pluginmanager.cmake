@@ -1,6 +1,6 @@
 set(TEST_PLUGIN_DIR ${CMAKE_CURRENT_BINARY_DIR}/plugins)
 
-sealkit_add_test(tst_pluginmanager LIBRARIES QtCreator::ExtensionSystem)
+sealkit_add_test(tst_pluginmanager LIBRARIES PlatformHost)
 target_compile_definitions(tst_pluginmanager PRIVATE TEST_PLUGIN_DIR="${TEST_PLUGIN_DIR}")
 
 # add_test_plugin(<id> [IID <iid>] [NEEDS <id>:<version>...] [DEFINES ...])

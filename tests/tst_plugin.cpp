@@ -10,7 +10,7 @@
 #include <coreplugin/actionmanager/command.h>
 #include <coreplugin/dialogs/ioptionspage.h>
 #include <extensionsystem/pluginmanager.h>
-#include <extensionsystem/pluginspec.h>
+#include <host/pluginspec.h>
 #include <projectexplorer/buildstep.h>
 
 #include <QAction>

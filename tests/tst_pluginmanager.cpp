@@ -1,7 +1,7 @@
 #include "straywarnings.h"
 
 #include <extensionsystem/pluginmanager.h>
-#include <extensionsystem/pluginspec.h>
+#include <host/pluginspec.h>
 
 #include <QTest>
 

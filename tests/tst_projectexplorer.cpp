@@ -3,11 +3,11 @@
 #include "straywarnings.h"
 #include "testrow.h"
 
+#include <host/buildmanager.h>
 #include <projectexplorer/abstractprocessstep.h>
-#include <projectexplorer/buildmanager.h>
 #include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/devicesupport/devicekitaspects.h>
 #include <projectexplorer/kit.h>
-#include <projectexplorer/kitaspects.h>
 #include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectexplorerconstants.h>

@@ -12,7 +12,7 @@
 #include "testrow.h"
 #include "workplace.h"
 
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/project.h>
 #include <utils/pathchooser.h>

@@ -7,6 +7,7 @@
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
@@ -259,7 +260,8 @@ static Store signEntries(const BuildStep *step)
     Store map;
     step->toMap(map);
     for (const Utils::Key &key : map.keys()) {
-        if (!key.startsWith("Sealkit.") && !key.startsWith("KilnRpmSign."))
+        const QByteArray name = key.toByteArray();
+        if (!name.startsWith("Sealkit.") && !name.startsWith("KilnRpmSign."))
             map.remove(key);
     }
     return map;
@@ -534,7 +536,7 @@ void StepsTest::tellsThatItWasCancelled()
                     errors << "ErrorMessage: " + text;
             });
 
-    Tasking::TaskTree tree({step->recipe()});
+    Tasking::TaskTree tree({BuildManager::recipeOf(step)});
     QSignalSpy done(&tree, &Tasking::TaskTree::done);
     // The run cannot be interrupted, so the cancel request is from within it.
     const auto cancel = connect(step, &BuildStep::addOutput, &tree, &Tasking::TaskTree::cancel);

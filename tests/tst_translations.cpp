@@ -6,8 +6,8 @@
 #include <coreplugin/actionmanager/actionmanager.h>
 #include <coreplugin/actionmanager/command.h>
 #include <coreplugin/dialogs/ioptionspage.h>
-#include <coreplugin/host.h>
 #include <extensionsystem/pluginmanager.h>
+#include <host/application.h>
 #include <projectexplorer/buildstep.h>
 #include <utils/qtcsettings.h>
 

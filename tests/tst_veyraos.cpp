@@ -4,9 +4,9 @@
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
 #include <extensionsystem/pluginmanager.h>
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
+#include <projectexplorer/devicesupport/devicekitaspects.h>
 #include <projectexplorer/kit.h>
-#include <projectexplorer/kitaspects.h>
 #include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>

@@ -11,7 +11,7 @@
 #include <promptanswerer.h>
 #include <session.h>
 
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>

@@ -1,7 +1,7 @@
 #include "aboutplugins.h"
 
 #include <extensionsystem/pluginmanager.h>
-#include <extensionsystem/pluginspec.h>
+#include <host/pluginspec.h>
 
 #include <QCoreApplication>
 #include <QDialog>

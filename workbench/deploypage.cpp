@@ -2,7 +2,7 @@
 
 #include "steplistwidget.h"
 
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>

@@ -3,8 +3,8 @@
 #include "signsteps.h"
 
 #include <coreplugin/icore.h>
-#include <coreplugin/messagemanager.h>
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
+#include <host/generalmessages.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
@@ -54,8 +54,8 @@ HeadlessDeploy::HeadlessDeploy(const CommandLine &commandLine)
     connect(&m_answerer, &PromptAnswerer::declined, this, &printLine);
     connect(&m_interrupts, &Interrupts::interrupted, this, &HeadlessDeploy::interrupt);
     connect(&m_session, &Session::problemFound, this, &printError);
-    connect(Core::MessageManager::instance(),
-            &Core::MessageManager::messageWritten,
+    connect(Core::Host::GeneralMessages::instance(),
+            &Core::Host::GeneralMessages::messageWritten,
             this,
             &HeadlessDeploy::printMessage);
     connect(

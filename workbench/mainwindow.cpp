@@ -10,10 +10,11 @@
 
 #include <coreplugin/actionmanager/actioncontainer.h>
 #include <coreplugin/actionmanager/actionmanager.h>
-#include <coreplugin/host.h>
 #include <coreplugin/icore.h>
 #include <coreplugin/messagemanager.h>
-#include <projectexplorer/buildmanager.h>
+#include <host/application.h>
+#include <host/buildmanager.h>
+#include <host/generalmessages.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
@@ -160,8 +161,8 @@ void MainWindow::connectPlatform()
     connect(builds, &BuildManager::buildQueueFinished, this, &MainWindow::endRun);
     connect(builds, &BuildManager::outputAdded, m_compileOutput, &OutputPane::append);
 
-    connect(Core::MessageManager::instance(),
-            &Core::MessageManager::messageWritten,
+    connect(Core::Host::GeneralMessages::instance(),
+            &Core::Host::GeneralMessages::messageWritten,
             this,
             [this](const QString &message, bool disrupting) {
                 m_messages->appendMessage(message);

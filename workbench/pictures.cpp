@@ -9,7 +9,7 @@
 #include <brisk/sdk.h>
 #include <coreplugin/actionmanager/actionmanager.h>
 #include <coreplugin/actionmanager/command.h>
-#include <projectexplorer/buildmanager.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/buildstep.h>
 #include <utils/pathchooser.h>
 

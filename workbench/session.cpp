@@ -1,8 +1,8 @@
 #include "session.h"
 
 #include <brisk/sdk.h>
-#include <coreplugin/host.h>
-#include <extensionsystem/pluginspec.h>
+#include <host/application.h>
+#include <host/pluginspec.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>

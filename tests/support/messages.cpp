@@ -1,11 +1,11 @@
 #include "messages.h"
 
-#include <coreplugin/messagemanager.h>
+#include <host/generalmessages.h>
 
 Messages::Messages()
 {
-    connect(Core::MessageManager::instance(),
-            &Core::MessageManager::messageWritten,
+    connect(Core::Host::GeneralMessages::instance(),
+            &Core::Host::GeneralMessages::messageWritten,
             this,
             [this](const QString &message, bool disrupting) {
                 m_messages << (disrupting ? u'!' + message : message);

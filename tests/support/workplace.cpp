@@ -3,6 +3,7 @@
 #include "files.h"
 
 #include <brisk/sdk.h>
+#include <host/buildmanager.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
@@ -121,7 +122,7 @@ QStringList runStep(BuildStep *step)
                              output << QLatin1String(formats.valueToKey(int(format))) + ": " + text;
                          });
     QEventLoop loop;
-    Tasking::TaskTree tree({step->recipe()});
+    Tasking::TaskTree tree({BuildManager::recipeOf(step)});
     QObject::connect(
         &tree, &Tasking::TaskTree::done, &loop, &QEventLoop::quit, Qt::QueuedConnection);
     tree.start();

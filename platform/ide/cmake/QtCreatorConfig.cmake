@@ -2,7 +2,6 @@
 # functions; the QtCreator::* targets are those of this build.
 set(IDE_VERSION 16.0.0)
 set(IDE_VERSION_COMPAT 16.0.0)
-set(IDE_COPYRIGHT_YEAR 2026)
 set(IDE_PLUGIN_PATH lib/qtcreator/plugins)
 set(IDE_LIBRARY_PATH lib/qtcreator)
 set(IDE_DATA_PATH share/qtcreator)
@@ -26,10 +25,10 @@ function(_qtc_plugin_dependencies out)
 endfunction()
 
 function(add_qtc_library target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "DEPENDS;PUBLIC_DEPENDS;SOURCES;PUBLIC_INCLUDES")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "DEPENDS;PUBLIC_DEPENDS;SOURCES;INCLUDES;PUBLIC_INCLUDES")
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(QtCreator::${target} ALIAS ${target})
-    target_include_directories(${target} PUBLIC ${ARG_PUBLIC_INCLUDES})
+    target_include_directories(${target} PRIVATE ${ARG_INCLUDES} PUBLIC ${ARG_PUBLIC_INCLUDES})
     target_link_libraries(${target} PRIVATE ${ARG_DEPENDS} PUBLIC ${ARG_PUBLIC_DEPENDS})
     set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${IDE_LIBRARY_PATH})
@@ -39,7 +38,7 @@ function(add_qtc_plugin target)
     cmake_parse_arguments(PARSE_ARGV 1 ARG
         "SKIP_INSTALL"
         "VERSION;COMPAT_VERSION"
-        "PLUGIN_DEPENDS;DEPENDS;PUBLIC_DEPENDS;SOURCES;PUBLIC_INCLUDES;PROPERTIES")
+        "PLUGIN_DEPENDS;DEPENDS;PUBLIC_DEPENDS;SOURCES;INCLUDES;PUBLIC_INCLUDES;PROPERTIES")
     _qtc_plugin_dependencies(IDE_PLUGIN_DEPENDENCIES ${ARG_PLUGIN_DEPENDS})
     configure_file(${CMAKE_CURRENT_SOURCE_DIR}/${target}.json.in
                    ${CMAKE_CURRENT_BINARY_DIR}/${target}.json)
@@ -47,7 +46,7 @@ function(add_qtc_plugin target)
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(QtCreator::${target} ALIAS ${target})
     target_include_directories(${target}
-        PRIVATE ${CMAKE_CURRENT_BINARY_DIR} PUBLIC ${ARG_PUBLIC_INCLUDES})
+        PRIVATE ${CMAKE_CURRENT_BINARY_DIR} ${ARG_INCLUDES} PUBLIC ${ARG_PUBLIC_INCLUDES})
     target_link_libraries(${target}
         PRIVATE ${ARG_DEPENDS} PUBLIC ${ARG_PLUGIN_DEPENDS} ${ARG_PUBLIC_DEPENDS})
     target_compile_definitions(${target} PRIVATE

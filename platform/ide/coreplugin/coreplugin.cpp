@@ -1,7 +1,7 @@
 #include "coreplugin.h"
 
-#include "actionmanager/actioncontainer.h"
-#include "actionmanager/actionmanager.h"
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/actionmanager.h>
 
 #include <QMenu>
 

@@ -1,4 +1,6 @@
-#include "fileutils.h"
+#include <coreplugin/fileutils.h>
+
+#include <coreplugin/icore.h>
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -12,7 +14,7 @@ static QString tr(const char *text)
     return QCoreApplication::translate("QtC::Core", text);
 }
 
-void FileUtils::showInGraphicalShell(QWidget *parent, const Utils::FilePath &path)
+void FileUtils::showInGraphicalShell(const Utils::FilePath &path)
 {
     const Utils::FilePath folder = path.isDir() ? path : path.parentDir();
     if (QDesktopServices::openUrl(QUrl::fromLocalFile(folder.toFSPathString())))
@@ -23,7 +25,7 @@ void FileUtils::showInGraphicalShell(QWidget *parent, const Utils::FilePath &pat
         tr("Cannot Show Folder"),
         tr("The file browser cannot be opened on \"%1\".").arg(folder.toUserOutput()),
         QMessageBox::Ok,
-        parent);
+        ICore::dialogParent());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

@@ -1,6 +1,6 @@
-#include "icore.h"
+#include <coreplugin/icore.h>
 
-#include "host.h"
+#include <host/application.h>
 
 #include <QApplication>
 #include <QMainWindow>

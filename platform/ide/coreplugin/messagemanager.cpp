@@ -1,21 +1,23 @@
-#include "messagemanager.h"
+#include <coreplugin/messagemanager.h>
+
+#include <host/generalmessages.h>
 
 namespace Core {
 
-MessageManager *MessageManager::instance()
+Host::GeneralMessages *Host::GeneralMessages::instance()
 {
-    static MessageManager theInstance;
+    static GeneralMessages theInstance;
     return &theInstance;
 }
 
 void MessageManager::writeSilently(const QString &message)
 {
-    emit instance()->messageWritten(message, false);
+    emit Host::GeneralMessages::instance()->messageWritten(message, false);
 }
 
 void MessageManager::writeDisrupting(const QString &message)
 {
-    emit instance()->messageWritten(message, true);
+    emit Host::GeneralMessages::instance()->messageWritten(message, true);
 }
 
 } // namespace Core

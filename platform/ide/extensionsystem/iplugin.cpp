@@ -1,4 +1,4 @@
-#include "iplugin.h"
+#include <extensionsystem/iplugin.h>
 
 namespace ExtensionSystem {
 

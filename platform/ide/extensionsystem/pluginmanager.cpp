@@ -1,6 +1,6 @@
-#include "pluginmanager.h"
+#include <extensionsystem/pluginmanager.h>
 
-#include "pluginspec.h"
+#include <host/pluginspec.h>
 
 #include <utils/qtcassert.h>
 #include <utils/qtcsettings.h>

@@ -1,6 +1,6 @@
-#include "pluginspec.h"
+#include <host/pluginspec.h>
 
-#include "iplugin.h"
+#include <extensionsystem/iplugin.h>
 
 #include <QCoreApplication>
 #include <QJsonArray>

@@ -1,4 +1,4 @@
-#include "abstractprocessstep.h"
+#include <projectexplorer/abstractprocessstep.h>
 
 #include "processtask.h"
 

@@ -1,7 +1,7 @@
-#include "buildmanager.h"
+#include <host/buildmanager.h>
 
 #include "buildrun.h"
-#include "buildsteplist.h"
+#include <projectexplorer/buildsteplist.h>
 
 #include <utils/qtcassert.h>
 
@@ -82,6 +82,11 @@ void BuildManager::cancel()
 {
     if (isBuilding())
         instance()->d->run->cancel();
+}
+
+Tasking::GroupItem BuildManager::recipeOf(BuildStep *step)
+{
+    return step->runRecipe();
 }
 
 } // namespace ProjectExplorer

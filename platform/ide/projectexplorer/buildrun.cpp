@@ -1,9 +1,10 @@
 #include "buildrun.h"
 
-#include "buildsteplist.h"
-#include "project.h"
 #include "projectexplorertr.h"
-#include "target.h"
+#include <host/buildmanager.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/target.h>
 
 #include <QPointer>
 
@@ -73,7 +74,7 @@ Tasking::GroupItem BuildRun::recipeOf(BuildStep *step)
     const auto onDone = [this, step](Tasking::DoneWith with) { stepDone(step, with); };
     return Tasking::Group{
         Tasking::onGroupSetup(onSetup),
-        step->recipe(),
+        BuildManager::recipeOf(step),
         Tasking::onGroupDone(onDone),
     };
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "buildstep.h"
+#include <projectexplorer/buildstep.h>
+#include <solutions/tasking/tasktree.h>
 
 #include <QList>
 #include <QObject>

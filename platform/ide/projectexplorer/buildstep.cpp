@@ -1,10 +1,10 @@
-#include "buildstep.h"
+#include <projectexplorer/buildstep.h>
 
-#include "buildsteplist.h"
-#include "deployconfiguration.h"
-#include "kitaspects.h"
-#include "projectexplorerconstants.h"
-#include "target.h"
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/devicesupport/devicekitaspects.h>
+#include <projectexplorer/projectexplorerconstants.h>
+#include <projectexplorer/target.h>
 
 #include <utils/qtcassert.h>
 

@@ -1,8 +1,8 @@
-#include "buildsteplist.h"
+#include <projectexplorer/buildsteplist.h>
 
-#include "buildmanager.h"
-#include "buildstep.h"
-#include "projectconfiguration.h"
+#include <host/buildmanager.h>
+#include <projectexplorer/buildstep.h>
+#include <projectexplorer/projectconfiguration.h>
 
 #include <utils/qtcassert.h>
 

@@ -1,9 +1,9 @@
-#include "deployconfiguration.h"
+#include <projectexplorer/deployconfiguration.h>
 
-#include "buildstep.h"
-#include "kitaspects.h"
-#include "projectexplorerconstants.h"
-#include "target.h"
+#include <projectexplorer/buildstep.h>
+#include <projectexplorer/devicesupport/devicekitaspects.h>
+#include <projectexplorer/projectexplorerconstants.h>
+#include <projectexplorer/target.h>
 
 #include <memory>
 

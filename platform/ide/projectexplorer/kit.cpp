@@ -1,4 +1,4 @@
-#include "kit.h"
+#include <projectexplorer/kit.h>
 
 namespace ProjectExplorer {
 

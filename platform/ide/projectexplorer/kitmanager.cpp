@@ -1,6 +1,6 @@
-#include "kitmanager.h"
+#include <projectexplorer/kitmanager.h>
 
-#include "kit.h"
+#include <projectexplorer/kit.h>
 
 #include <utils/qtcassert.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "abstractprocessstep.h"
+#include <projectexplorer/abstractprocessstep.h>
 
 #include <solutions/tasking/tasktree.h>
 

@@ -1,11 +1,11 @@
-#include "project.h"
+#include <projectexplorer/project.h>
 
-#include "buildmanager.h"
-#include "kit.h"
-#include "kitmanager.h"
 #include "projectexplorertr.h"
-#include "target.h"
 #include "usersettings.h"
+#include <host/buildmanager.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/kitmanager.h>
+#include <projectexplorer/target.h>
 
 #include <utils/qtcassert.h>
 

@@ -1,6 +1,6 @@
-#include "projectconfiguration.h"
+#include <projectexplorer/projectconfiguration.h>
 
-#include "target.h"
+#include <projectexplorer/target.h>
 
 #include <utils/qtcassert.h>
 

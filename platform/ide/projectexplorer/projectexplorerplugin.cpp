@@ -1,7 +1,7 @@
 #include "projectexplorerplugin.h"
 
-#include "project.h"
-#include "projectmanager.h"
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectmanager.h>
 
 namespace ProjectExplorer {
 

@@ -1,6 +1,6 @@
-#include "projectmanager.h"
+#include <projectexplorer/projectmanager.h>
 
-#include "project.h"
+#include <projectexplorer/project.h>
 
 #include <utils/qtcassert.h>
 

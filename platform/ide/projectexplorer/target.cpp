@@ -1,9 +1,9 @@
-#include "target.h"
+#include <projectexplorer/target.h>
 
-#include "buildmanager.h"
-#include "deployconfiguration.h"
-#include "kit.h"
-#include "project.h"
+#include <host/buildmanager.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/project.h>
 
 #include <utils/qtcassert.h>
 

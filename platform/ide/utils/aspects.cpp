@@ -1,4 +1,4 @@
-#include "aspects.h"
+#include <utils/aspects.h>
 
 namespace Utils {
 

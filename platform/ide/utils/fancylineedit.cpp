@@ -1,7 +1,7 @@
-#include "fancylineedit.h"
+#include <utils/fancylineedit.h>
 
-#include "qtcsettings.h"
-#include "theme/theme.h"
+#include <utils/qtcsettings.h>
+#include <utils/theme/theme.h>
 
 #include <QCompleter>
 #include <QStringListModel>

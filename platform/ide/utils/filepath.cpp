@@ -1,4 +1,4 @@
-#include "filepath.h"
+#include <utils/filepath.h>
 
 #include <QDebug>
 #include <QDir>

@@ -1,6 +1,6 @@
-#include "fileutils.h"
+#include <utils/fileutils.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QMessageBox>
@@ -61,9 +61,8 @@ static bool replaceFile(const FilePath &source, const FilePath &destination, QSt
 }
 
 FileUtils::CopyAskingForOverwrite::CopyAskingForOverwrite(
-    QWidget *dialogParent, const std::function<void(FilePath)> &postOperation)
-    : m_parent(dialogParent)
-    , m_postOperation(postOperation)
+    const std::function<void(FilePath)> &postOperation)
+    : m_postOperation(postOperation)
 {
 }
 
@@ -80,7 +79,7 @@ bool FileUtils::CopyAskingForOverwrite::copyFile(const FilePath &source,
 {
     if (destination.exists() && m_answer == Answer::AskEachTime) {
         const int button = QMessageBox::question(
-            m_parent,
+            QApplication::activeWindow(),
             tr("Overwrite File?"),
             tr("Overwrite existing file \"%1\"?").arg(destination.toUserOutput()),
             QMessageBox::Yes | QMessageBox::YesToAll | QMessageBox::No | QMessageBox::NoToAll

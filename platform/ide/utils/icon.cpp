@@ -1,4 +1,4 @@
-#include "icon.h"
+#include <utils/icon.h>
 
 #include <QGuiApplication>
 #include <QImageReader>

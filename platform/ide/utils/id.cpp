@@ -1,4 +1,4 @@
-#include "id.h"
+#include <utils/id.h>
 
 namespace Utils {
 

@@ -1,4 +1,4 @@
-#include "pathchooser.h"
+#include <utils/pathchooser.h>
 
 #include <QDir>
 #include <QFileDialog>

@@ -1,4 +1,4 @@
-#include "qtcassert.h"
+#include <utils/qtcassert.h>
 
 #include <QDebug>
 #include <QTime>

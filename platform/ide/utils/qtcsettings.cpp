@@ -1,4 +1,4 @@
-#include "qtcsettings.h"
+#include <utils/qtcsettings.h>
 
 namespace Utils {
 

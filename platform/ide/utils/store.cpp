@@ -1,4 +1,4 @@
-#include "store.h"
+#include <utils/store.h>
 
 namespace Utils {
 
@@ -9,7 +9,7 @@ Key keyFromString(const QString &text)
 
 QString stringFromKey(const Key &key)
 {
-    return QString::fromUtf8(key);
+    return QString::fromUtf8(key.toByteArray());
 }
 
 static QVariant mapValueFromStoreValue(const QVariant &value)

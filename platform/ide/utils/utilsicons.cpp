@@ -1,4 +1,4 @@
-#include "utilsicons.h"
+#include <utils/utilsicons.h>
 
 namespace Utils::Icons {
 

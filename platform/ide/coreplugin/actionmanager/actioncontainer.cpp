@@ -1,6 +1,6 @@
-#include "actioncontainer.h"
+#include <coreplugin/actionmanager/actioncontainer.h>
 
-#include "command.h"
+#include <coreplugin/actionmanager/command.h>
 
 #include <utils/qtcassert.h>
 

@@ -1,7 +1,7 @@
-#include "actionmanager.h"
+#include <coreplugin/actionmanager/actionmanager.h>
 
-#include "actioncontainer.h"
-#include "command.h"
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/command.h>
 
 #include <QAction>
 #include <QCoreApplication>

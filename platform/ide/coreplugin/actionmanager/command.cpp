@@ -1,4 +1,4 @@
-#include "command.h"
+#include <coreplugin/actionmanager/command.h>
 
 #include <QAction>
 

@@ -1,4 +1,4 @@
-#include "ioptionspage.h"
+#include <coreplugin/dialogs/ioptionspage.h>
 
 #include <QHash>
 

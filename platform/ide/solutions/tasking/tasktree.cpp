@@ -1,4 +1,4 @@
-#include "tasktree.h"
+#include <solutions/tasking/tasktree.h>
 
 #include <QDebug>
 #include <QScopedValueRollback>

@@ -1,4 +1,4 @@
-#include "theme.h"
+#include <utils/theme/theme.h>
 
 #include <QGuiApplication>
 #include <QPalette>
