@@ -4,6 +4,7 @@
 #include "testrow.h"
 
 #include <host/buildmanager.h>
+#include <host/issues.h>
 #include <projectexplorer/abstractprocessstep.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/devicesupport/devicekitaspects.h>
@@ -13,6 +14,7 @@
 #include <projectexplorer/projectexplorerconstants.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
+#include <projectexplorer/task.h>
 
 #include <QDir>
 #include <QJsonDocument>
@@ -185,6 +187,10 @@ void ProjectExplorerTest::init()
                 static const QStringList prefixes{"out: ", "err: ", "", "! "};
                 m_output.append(prefixes.at(int(format)) + text);
             });
+    const auto *issues = Host::Issues::instance();
+    connect(issues, &Host::Issues::added, this, [this](const Task &issue) {
+        m_output.append("issue: " + issue.summary + " (" + issue.details.join(", ") + ")\n");
+    });
     connect(manager, &BuildManager::buildQueueFinished, this, [this](bool success) {
         m_results.append(success);
     });
@@ -193,6 +199,7 @@ void ProjectExplorerTest::init()
 void ProjectExplorerTest::cleanup()
 {
     BuildManager::instance()->disconnect(this);
+    Host::Issues::instance()->disconnect(this);
     while (!ProjectManager::projects().isEmpty())
         ProjectManager::removeProject(ProjectManager::projects().constFirst());
     KitManager::deregisterAllKits();
@@ -329,6 +336,12 @@ void ProjectExplorerTest::stepsRunInOrder_data()
         };
     };
     const Prepare disabled = [](TestStep *step) { step->setEnabled(false); };
+    const Prepare reporting = [](TestStep *step) {
+        step->setHandler([step] {
+            emit step->addTask(DeploymentTask(Task::Error, "text\nmore"));
+            return SetupResult::Continue;
+        });
+    };
     const Prepare refusing = [](TestStep *step) { step->onInit = [] { return false; }; };
     const Prepare hiding = [](TestStep *step) {
         step->makeRecipe = [] {
@@ -347,6 +360,7 @@ void ProjectExplorerTest::stepsRunInOrder_data()
 
     addRow("success", succeeding, true, QStringList{first, "out: text\n", second});
     addRow("a disabled step is left out", disabled, true, QStringList{second});
+    addRow("an issue", reporting, true, QStringList{first, "issue: text (more)\n", second});
     addRow("init refuses", refusing, false, failure);
     addRow(
         "a failing step ends the run", failing, false, QStringList{first, "err: text\n"} + failure);
@@ -363,7 +377,10 @@ void ProjectExplorerTest::stepsRunInOrder()
     stepListOf(target)->appendStep(STEP_ID);
     stepOf(target)->setDisplayName("First");
     prepareFirst(stepOf(target));
+    Host::Issues::instance()->add(DeploymentTask(Task::Warning, "of the run before"));
+    m_output.clear();
     run(target, success);
+    QCOMPARE(Host::Issues::instance()->tasks().size(), m_output.filter("issue: ").size());
 
     QCOMPARE(m_output.takeFirst(), QString("Running steps for project app...\n"));
     QCOMPARE(m_output.takeLast(),

@@ -75,7 +75,7 @@ private:
     }
     GroupItem task(std::optional<DoneResult> immediateResult = {})
     {
-        return Task([this, immediateResult] {
+        return CustomTask([this, immediateResult] {
             auto made = std::make_unique<TestTask>(&m_trace, immediateResult);
             m_task = made.get();
             return made;

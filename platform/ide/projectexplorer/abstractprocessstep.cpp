@@ -27,7 +27,7 @@ void AbstractProcessStep::setWorkingDirectoryProvider(
 
 Tasking::GroupItem AbstractProcessStep::defaultProcessTask()
 {
-    return Tasking::Task([this] {
+    return Tasking::CustomTask([this] {
         const Utils::FilePath workingDirectory =
             m_workingDirectoryProvider ? m_workingDirectoryProvider() : Utils::FilePath();
         return std::make_unique<ProcessTask>(this, m_commandLineProvider(), workingDirectory);

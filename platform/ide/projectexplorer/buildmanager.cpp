@@ -1,6 +1,7 @@
 #include <host/buildmanager.h>
 
 #include "buildrun.h"
+#include <host/issues.h>
 #include <projectexplorer/buildsteplist.h>
 
 #include <utils/qtcassert.h>
@@ -44,6 +45,7 @@ bool BuildManager::buildList(BuildStepList *stepList)
     BuildRun *run = d->run.get();
     connect(run, &BuildRun::outputAdded, instance(), &BuildManager::outputAdded);
     connect(run, &BuildRun::finished, instance(), [d](bool success) { d->finish(success); });
+    Host::Issues::instance()->clear();
     emit instance()->buildQueueStarted();
     if (d->run.get() == run)
         run->start();

@@ -2,6 +2,7 @@
 
 #include "projectexplorertr.h"
 #include <host/buildmanager.h>
+#include <host/issues.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
@@ -21,6 +22,9 @@ BuildRun::BuildRun(BuildStepList *stepList)
     erase_if(m_steps, [](const BuildStep *step) { return !step->isEnabled(); });
     for (const BuildStep *step : std::as_const(m_steps)) {
         connect(step, &BuildStep::addOutput, this, &BuildRun::addStepOutput);
+        connect(step, &BuildStep::addTask, this, [](const Task &task) {
+            Host::Issues::instance()->add(task);
+        });
         connect(step, &QObject::destroyed, this, &BuildRun::abandon);
     }
 }

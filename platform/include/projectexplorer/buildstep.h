@@ -13,6 +13,7 @@ namespace ProjectExplorer {
 class BuildStepFactory;
 class BuildStepList;
 class DeployConfiguration;
+class Task;
 
 /// One thing that is done in a build or a deploy run. Disabled steps are left out of the run.
 class BuildStep : public ProjectConfiguration
@@ -39,6 +40,8 @@ public:
 
 signals:
     void updateSummary();
+    /// Adds \a task to the issues of the run.
+    void addTask(const ProjectExplorer::Task &task, int linkedOutputLines = 0, int skipLines = 0);
     void
     addOutput(const QString &output,
               ProjectExplorer::BuildStep::OutputFormat format,

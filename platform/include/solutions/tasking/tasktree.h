@@ -103,10 +103,10 @@ public:
 };
 
 /// A task made by \a creator when its turn comes.
-class Task : public ExecutableItem
+class CustomTask : public ExecutableItem
 {
 public:
-    explicit Task(const TaskCreator &creator)
+    explicit CustomTask(const TaskCreator &creator)
         : ExecutableItem(creator)
     {
     }
