@@ -2,6 +2,7 @@
 
 #include "constants.h"
 #include "customersignstepwidget.h"
+#include "signprogress.h"
 #include "signstep.h"
 
 #include <brisk/buildengine.h>
@@ -62,7 +63,7 @@ bool CustomerSignStep::init()
 GroupItem CustomerSignStep::runRecipe()
 {
     return signRecipe(
-        this, [this] { return doRun(); }, [this] { doCancel(); });
+        this, &m_tools, [this] { return doRun(); }, [this] { doCancel(); });
 }
 
 SetupResult CustomerSignStep::doRun()
@@ -74,14 +75,14 @@ SetupResult CustomerSignStep::doRun()
     QString error;
     if (!hasBuildTarget(m_buildEngine, target()->kit(), &error)
         || !m_signData.isValid<CustomerSealkit>(workspace, &error)) {
-        emit addOutput(error, OutputFormat::ErrorMessage);
+        reportFailure(this, error);
         return SetupResult::StopWithError;
     }
 
     if (!m_rpmBuildStep) {
-        emit addOutput(
-            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()),
-            OutputFormat::ErrorMessage);
+        reportFailure(
+            this,
+            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()));
         return SetupResult::StopWithError;
     }
 
@@ -89,17 +90,19 @@ SetupResult CustomerSignStep::doRun()
     if (!m_signDebugPackages)
         packages = packages.filter(QRegularExpression(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN));
     if (packages.isEmpty()) {
-        emit addOutput(tr("Error: no package for sign found"), OutputFormat::ErrorMessage);
+        reportFailure(this, tr("Error: no package for sign found"));
         return SetupResult::StopWithError;
     }
 
     const QPointer<CustomerSignStep> self(this);
+    const SignProgress progress(&m_tools, packages);
     const bool isSigned = runSign(packages);
     if (!self)
         return SetupResult::StopWithError;
     if (!isSigned) {
         // The tool itself may have ended without a word.
-        emit addOutput(tr("Error: package sign failed"), OutputFormat::ErrorMessage);
+        if (!m_tools.isStopped())
+            reportFailure(this, tr("Error: package sign failed"));
         return SetupResult::StopWithError;
     }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);

@@ -3,6 +3,7 @@
 #include "constants.h"
 #include "rpmsignexternalwidget.h"
 #include "signdata.h"
+#include "signprogress.h"
 #include "signstep.h"
 #include "utils.h"
 
@@ -71,7 +72,7 @@ bool RpmsignExternalStep::init()
 GroupItem RpmsignExternalStep::runRecipe()
 {
     return signRecipe(
-        this, [this] { return doRun(); }, [this] { doCancel(); });
+        this, &m_tool, [this] { return doRun(); }, [this] { doCancel(); });
 }
 
 SetupResult RpmsignExternalStep::doRun()
@@ -86,31 +87,33 @@ SetupResult RpmsignExternalStep::doRun()
     QString error;
     if (!hasBuildTarget(m_keys.buildEngine, target()->kit(), &error)
         || !data.isValid<RpmsignExternal>(workspace, &error)) {
-        emit addOutput(error, OutputFormat::ErrorMessage);
+        reportFailure(this, error);
         return SetupResult::StopWithError;
     }
 
     const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
     if (!buildStep) {
-        emit addOutput(
-            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()),
-            OutputFormat::ErrorMessage);
+        reportFailure(
+            this,
+            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()));
         return SetupResult::StopWithError;
     }
 
     const QStringList packages = buildStep->packages();
     if (packages.isEmpty()) {
-        emit addOutput(tr("Error: no package for sign found"), OutputFormat::ErrorMessage);
+        reportFailure(this, tr("Error: no package for sign found"));
         return SetupResult::StopWithError;
     }
 
     const QPointer<RpmsignExternalStep> self(this);
+    const SignProgress progress(&m_tool, packages);
     const bool isSigned = runSign(packages, data);
     if (!self)
         return SetupResult::StopWithError;
     if (!isSigned) {
         // The tool itself may have ended without a word.
-        emit addOutput(tr("Error: package sign failed"), OutputFormat::ErrorMessage);
+        if (!m_tool.isStopped())
+            reportFailure(this, tr("Error: package sign failed"));
         return SetupResult::StopWithError;
     }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
@@ -132,12 +135,12 @@ static bool namesAll(const QStringList &packages, const QString &dump)
 
 void RpmsignExternalStep::dumpSign(const QStringList &packages)
 {
-    if (!isLastSigningStep())
+    if (!isLastSigningStep() || m_tool.isStopped())
         return;
 
     const QPointer<RpmsignExternalStep> self(this);
     const Command::Result result = m_tool.dumpSignature(buildTargetName(), packages);
-    if (!self)
+    if (!self || m_tool.isStopped())
         return;
     if (!result.succeeded()) {
         emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);

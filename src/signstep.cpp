@@ -3,6 +3,7 @@
 #include "signtool.h"
 
 #include <projectexplorer/buildstep.h>
+#include <projectexplorer/task.h>
 #include <veyraos/kilnsdkkitaspect.h>
 
 #include <QPointer>
@@ -10,23 +11,37 @@
 using namespace Tasking;
 using Kiln::Internal::KilnSdkKitAspectFactory;
 using ProjectExplorer::BuildStep;
+using ProjectExplorer::DeploymentTask;
 
 namespace Sealkit::Internal {
 
 Group signRecipe(QObject *step,
+                 SignTool *tool,
                  const std::function<SetupResult()> &run,
                  const std::function<void()> &cancel)
 {
     const QPointer<QObject> guard(step);
-    const auto onSetup = [guard, run] { return guard ? run() : SetupResult::StopWithError; };
-    const auto onDone = [guard, cancel](DoneWith result) {
-        if (result != DoneWith::Cancel)
+    const auto onSetup = [guard, tool, run] {
+        if (!guard)
+            return SetupResult::StopWithError;
+        tool->setStopped(false);
+        return run();
+    };
+    const auto onDone = [guard, tool, cancel](DoneWith result) {
+        const bool isStopped = guard && tool->isStopped();
+        if (result != DoneWith::Cancel && !isStopped)
             return DoneResult::Success;
         if (guard)
             cancel();
         return DoneResult::Error;
     };
     return Group{onGroupSetup(onSetup), onGroupDone(onDone)};
+}
+
+void reportFailure(BuildStep *step, const QString &reason)
+{
+    emit step->addOutput(reason, BuildStep::OutputFormat::ErrorMessage);
+    emit step->addTask(DeploymentTask(ProjectExplorer::Task::Error, reason));
 }
 
 void forwardOutput(const SignTool *tool, BuildStep *step)

@@ -20,11 +20,16 @@ namespace Sealkit::Internal {
 class SignTool;
 
 /// The recipe of a sign step: \a run does all the work when the group is set up, \a cancel is
-/// called after a cancelled run. Nothing is called once \a step is gone. Only a cancelled run ends
-/// as failed: any other failure has been told in the step's output.
+/// called after a run that was cancelled, or whose \a tool, a member of the step, was stopped by
+/// the user. Nothing is called once \a step is gone. Only such a run ends as failed: any other
+/// failure has been told by the step.
 Tasking::Group signRecipe(QObject *step,
+                          SignTool *tool,
                           const std::function<Tasking::SetupResult()> &run,
                           const std::function<void()> &cancel);
+
+/// Says in the step's output and among the issues why nothing was signed.
+void reportFailure(ProjectExplorer::BuildStep *step, const QString &reason);
 
 /// Shows what \a tool prints in the output of \a step, line by line.
 void forwardOutput(const SignTool *tool, ProjectExplorer::BuildStep *step);

@@ -23,7 +23,7 @@ SignTool::SignTool(QObject *parent)
     , m_handler([self = QPointer<SignTool>(this)](const QByteArray &stdOutChunk,
                                                   const QByteArray &stdErrChunk,
                                                   QByteArray &input) {
-        return self && self->handleIO(stdOutChunk, stdErrChunk, input);
+        return self && !self->m_isStopped && self->handleIO(stdOutChunk, stdErrChunk, input);
     })
 {
     connect(this, &SignTool::addOutput, this, [](const QString &line) {

@@ -32,6 +32,10 @@ public:
     /// and when this object went while the user was asked.
     bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
 
+    /// While stopped, each program that this object runs is killed, the present one included.
+    void setStopped(bool stopped) { m_isStopped = stopped; }
+    bool isStopped() const { return m_isStopped; }
+
 signals:
     void addOutput(const QString &output);
     void addError(const QString &error);
@@ -42,6 +46,8 @@ protected:
 
 private:
     bool handleIOInternal(const QByteArray &chunk, bool isError, QByteArray &input);
+
+    bool m_isStopped = false;
 };
 
 /// Whether a tool asks for a pass phrase with this line.

@@ -1,4 +1,5 @@
 #include "files.h"
+#include "heldprogram.h"
 #include "messages.h"
 #include "ownprogram.h"
 #include "processes.h"
@@ -68,7 +69,6 @@ private:
         return Core::ActionManager::command("Sealkit.SignDialog")->action();
     }
 
-    void hold(const QString &program, const QByteArray &words);
     void release();
     void quit();
     void meanwhile(const std::function<void()> &action, bool releaseAfterwards);
@@ -93,7 +93,7 @@ private:
     std::unique_ptr<SealkitPlugin> m_plugin;
     QPointer<SignDialog> m_dialog;
     QString m_package;
-    QString m_heldProgram;
+    std::unique_ptr<HeldProgram> m_held;
     std::unique_ptr<QTimer> m_moment;
     std::unique_ptr<PromptAnswers> m_user;
     bool m_acted = false;
@@ -119,30 +119,14 @@ void InterruptionsTest::cleanup()
     m_plugin.reset();
     QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
     m_user.reset();
-    if (!m_heldProgram.isEmpty()) {
-        QFile::remove(m_heldProgram);
-        QFile::rename(m_heldProgram + ".real", m_heldProgram);
-        m_heldProgram.clear();
-    }
-    QFile::remove(inSdk("held"));
-    QFile::remove(inSdk("go"));
-}
-
-/// From now on \a program waits before it does anything, when its arguments begin with \a words.
-void InterruptionsTest::hold(const QString &program, const QByteArray &words)
-{
-    m_heldProgram = program;
-    QVERIFY(QFile::rename(program, program + ".real"));
-    const QByteArray sdk = m_workplace.sdk().path().toUtf8();
-    writeScript(program,
-                "case \"$*\" in \"" + words + "\"*)\n: > " + sdk + "/held\nwhile [ ! -e " + sdk
-                    + "/go ]; do sleep 0.02; done;;\nesac\nexec \"$0.real\" \"$@\"\n");
+    m_held.reset();
 }
 
 /// Held programs go on, and prompts are answered.
 void InterruptionsTest::release()
 {
-    writeFile(inSdk("go"), {});
+    if (m_held)
+        m_held->release();
     m_user = std::make_unique<PromptAnswers>(QStringList{"demo"});
 }
 
@@ -158,7 +142,7 @@ void InterruptionsTest::meanwhile(const std::function<void()> &action, bool rele
     m_moment = std::make_unique<QTimer>();
     QTimer *timer = m_moment.get();
     connect(timer, &QTimer::timeout, this, [this, timer, action, releaseAfterwards] {
-        if (m_heldProgram.isEmpty() ? !isPrompted() : !QFile::exists(inSdk("held")))
+        if (m_held ? !m_held->isWaiting() : !isPrompted())
             return;
         disconnect(timer, nullptr, this, nullptr);
         action();
@@ -263,7 +247,7 @@ void InterruptionsTest::duringADeploy()
     if (heldWord == "dump") // which comes after the prompt
         m_user = std::make_unique<PromptAnswers>(QStringList{"demo"});
     if (!heldWord.isEmpty())
-        hold(m_workplace.sdk().tool(tool, target), heldWord);
+        m_held = std::make_unique<HeldProgram>(m_workplace.sdk().tool(tool, target), heldWord);
     meanwhile([&] { actOnDeploy(action, steps); }, goesOn);
 
     QString output;
@@ -388,7 +372,7 @@ void InterruptionsTest::duringTheDialog()
     writeFile(package, "\xed\xab\xee\xdb");
     QFile::remove(package + ".1.p7s");
     if (!heldWords.isEmpty())
-        hold(inSdk(program), heldWords);
+        m_held = std::make_unique<HeldProgram>(inSdk(program), heldWords);
     Messages messages;
     meanwhile([&] { actOnDialog(action); }, goesOn);
     signInDialog(package);

@@ -1,4 +1,5 @@
 #include "customersignstep.h"
+#include "files.h"
 #include "promptanswers.h"
 #include "rpmsignexternalstep.h"
 #include "stepfactory.h"
@@ -12,7 +13,9 @@
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/project.h>
+#include <projectexplorer/projectexplorerconstants.h>
 #include <projectexplorer/target.h>
+#include <projectexplorer/task.h>
 #include <utils/fancylineedit.h>
 #include <utils/pathchooser.h>
 
@@ -475,6 +478,8 @@ void StepsTest::refusesWhatCannotBeSigned_data()
                                              << "ErrorMessage: Error: the kit has no build engine";
         QTest::addRow("%s, no target", kind) << customer << "no target"
                                              << "ErrorMessage: Error: the kit has no build target";
+        QTest::addRow("%s, the tool fails", kind) << customer << "failing tool"
+                                                  << "ErrorMessage: Error: package sign failed";
     }
 }
 
@@ -484,14 +489,21 @@ void StepsTest::refusesWhatCannotBeSigned()
     QFETCH(const QString, obstacle);
     QFETCH(const QString, message);
 
-    Project *project = m_workplace.openProject(forCustomerSign ? CUSTOMER_TARGET : RPMSIGN_TARGET);
+    const QString targetName = forCustomerSign ? CUSTOMER_TARGET : RPMSIGN_TARGET;
+    Project *project = m_workplace.openProject(targetName);
     BuildStepList *steps = deploySteps(project);
     if (obstacle == "no step")
         steps->clear();
-    const QString targetFolder = m_workplace.sdk().path() + "/engine/targets/"
-                                 + project->activeTarget()->kit()->displayName();
+    const QString targetFolder = m_workplace.sdk().path() + "/engine/targets/" + targetName;
     if (obstacle == "no target")
         QVERIFY(QFile::rename(targetFolder, targetFolder + ".gone"));
+    const QString tool =
+        m_workplace.sdk().tool(forCustomerSign ? "customer-sign" : "rpmsign-external", targetName);
+    if (obstacle == "failing tool") {
+        QVERIFY(QFile::rename(tool, tool + ".real"));
+        writeScript(tool, "exit 3\n");
+        m_workplace.makePackages(project, {"a.rpm"});
+    }
 
     steps->appendStep(forCustomerSign ? CustomerSignStep::stepId() : RpmsignExternalStep::stepId());
     BuildStep *step = steps->steps().last();
@@ -503,8 +515,19 @@ void StepsTest::refusesWhatCannotBeSigned()
     }
     if (obstacle == "no engine")
         Brisk::Sdk::close();
+    QStringList issues;
+    connect(step, &BuildStep::addTask, this, [&issues](const Task &task) {
+        QCOMPARE(task.type, Task::Error);
+        QCOMPARE(task.category, Utils::Id(ProjectExplorer::Constants::TASK_CATEGORY_DEPLOYMENT));
+        issues << "ErrorMessage: " + task.summary;
+    });
     QCOMPARE(ownMessages(runStep(step)), (QStringList{START, message}));
+    QCOMPARE(issues, QStringList{message}); // the run counts as a success
 
+    if (obstacle == "failing tool") {
+        QFile::remove(tool);
+        QVERIFY(QFile::rename(tool + ".real", tool));
+    }
     if (obstacle == "no target")
         QVERIFY(QFile::rename(targetFolder + ".gone", targetFolder));
     QString error;

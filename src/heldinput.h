@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <vector>
+
+class QEvent;
+class QWindow;
+
+namespace Sealkit::Internal {
+
+/// Keeps the user's keys, clicks and closing of windows from all windows of the IDE while it lives.
+/// Nothing of it is lost: afterwards everything reaches its window, in the order in which it came.
+/// A modal window that is opened meanwhile is usable; Qt then blocks the others, whose input is
+/// dropped as under any modal window.
+class HeldInput : public QObject
+{
+    Q_OBJECT
+
+public:
+    HeldInput();
+    /// What was held is on its way to the windows, and gets there from the event loop.
+    ~HeldInput() override;
+
+    /// Whether a modal window has been opened meanwhile, and is still there.
+    bool isModalWindowOpen() const;
+
+    bool eventFilter(QObject *receiver, QEvent *event) override;
+
+private:
+    const QPointer<QWindow> m_modalWindowBefore;
+    std::vector<std::function<void()>> m_deliveries;
+};
+
+} // namespace Sealkit::Internal
