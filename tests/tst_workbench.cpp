@@ -12,6 +12,7 @@
 #include <session.h>
 
 #include <host/buildmanager.h>
+#include <host/issues.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
@@ -23,11 +24,13 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QProcess>
 #include <QScrollBar>
 #include <QSettings>
 #include <QSignalSpy>
+#include <QTabWidget>
 #include <QTextBlock>
 #include <QTimer>
 #include <QToolButton>
@@ -38,7 +41,9 @@ using namespace Workbench;
 using ProjectExplorer::BuildManager;
 using ProjectExplorer::BuildStep;
 using ProjectExplorer::BuildStepList;
+using ProjectExplorer::DeploymentTask;
 using ProjectExplorer::ProjectManager;
+using ProjectExplorer::Task;
 
 namespace {
 
@@ -144,6 +149,7 @@ private slots:
     void interruptLeavesNothingBehind();
     void deployLeavesTheWindowsMemoryAlone();
 
+    void firstErrorBringsIssuesForward();
     void windowConfiguresSteps();
     void closingWhileItOpensForgetsNothing();
     void quitEndsTheRun();
@@ -428,6 +434,29 @@ void WorkbenchTest::deployLeavesTheWindowsMemoryAlone()
     QCOMPARE(settings.value("Workbench/Projects").toStringList(), (QStringList{"/one", "/two"}));
     QCOMPARE(settings.value("Workbench/Sdk").toString(), "/other");
     QVERIFY(QFile::exists(ground.project() + "/rpm/quick.spec.user"));
+}
+
+void WorkbenchTest::firstErrorBringsIssuesForward()
+{
+    Session session;
+    const MainWindow window(&session);
+    auto *tabs = window.findChild<QTabWidget *>();
+    const auto *pane = window.findChild<QListWidget *>("issues");
+    const QWidget *output = tabs->currentWidget();
+    auto *issues = ProjectExplorer::Host::Issues::instance();
+    issues->add(DeploymentTask(Task::Warning, "w"));
+    QCOMPARE(tabs->currentWidget(), output);
+    issues->add(DeploymentTask(Task::Error, "e\nmore"));
+    QCOMPARE(tabs->currentWidget(), pane);
+    QCOMPARE(pane->item(1)->text(), "e\nmore");
+    QCOMPARE(tabs->tabText(tabs->indexOf(pane)), "&Issues (2)");
+
+    tabs->setCurrentIndex(0);
+    issues->add(DeploymentTask(Task::Error, "e"));
+    QCOMPARE(tabs->currentWidget(), output); // where the user has gone
+    issues->clear();
+    QCOMPARE(pane->count(), 0);
+    QCOMPARE(tabs->tabText(tabs->indexOf(pane)), "&Issues");
 }
 
 static QStringList stepNames(const QWidget &window)

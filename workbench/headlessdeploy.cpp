@@ -5,6 +5,7 @@
 #include <coreplugin/icore.h>
 #include <host/buildmanager.h>
 #include <host/generalmessages.h>
+#include <host/issues.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
@@ -60,6 +61,7 @@ HeadlessDeploy::HeadlessDeploy(const CommandLine &commandLine)
             &HeadlessDeploy::printMessage);
     connect(
         BuildManager::instance(), &BuildManager::outputAdded, this, &HeadlessDeploy::printOutput);
+    connect(Host::Issues::instance(), &Host::Issues::added, this, &HeadlessDeploy::printIssue);
 }
 
 void HeadlessDeploy::printMessage(const QString &message)
@@ -75,6 +77,12 @@ void HeadlessDeploy::printOutput(const QString &text)
     if (text != m_lastToolLine)
         print(stdout, text);
     m_lastToolLine.clear();
+}
+
+void HeadlessDeploy::printIssue(const Task &issue)
+{
+    const QStringList lines = QStringList(issue.summary) + issue.details;
+    printLine(tr("Issue: %1").arg(lines.join('\n')));
 }
 
 int HeadlessDeploy::run()

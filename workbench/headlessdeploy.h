@@ -7,7 +7,8 @@
 
 namespace ProjectExplorer {
 class BuildStepList;
-}
+class Task;
+} // namespace ProjectExplorer
 
 namespace Workbench {
 
@@ -31,6 +32,7 @@ private:
     void printMessage(const QString &message);
     /// A tool's line comes twice, as a message and then as its step's output: it is printed once.
     void printOutput(const QString &text);
+    void printIssue(const ProjectExplorer::Task &issue);
 
     const CommandLine m_commandLine;
     PromptAnswerer m_answerer;

@@ -2,6 +2,7 @@
 
 #include "aboutplugins.h"
 #include "deploypage.h"
+#include "issuespane.h"
 #include "optionsdialog.h"
 #include "outputpane.h"
 #include "projecttree.h"
@@ -54,6 +55,7 @@ MainWindow::MainWindow(Session *session)
     , m_tabs(new QTabWidget)
     , m_compileOutput(new OutputPane)
     , m_messages(new OutputPane)
+    , m_issues(new IssuesPane)
     , m_busy(new QProgressBar)
     , m_refreshTimer(new QTimer(this))
 {
@@ -89,8 +91,10 @@ void MainWindow::makeContent()
 
     m_compileOutput->setObjectName("compileOutput");
     m_messages->setObjectName("generalMessages");
+    m_issues->setObjectName("issues");
     m_tabs->addTab(m_compileOutput, tr("C&ompile Output"));
     m_tabs->addTab(m_messages, tr("General &Messages"));
+    m_tabs->addTab(m_issues, tr("&Issues"));
     m_tabs->setDocumentMode(true);
 
     auto *right = new QSplitter(Qt::Vertical);
@@ -120,6 +124,13 @@ void MainWindow::makeContent()
     m_busy->hide();
     statusBar()->addPermanentWidget(m_busy);
     connect(m_tree, &ProjectTree::chosen, this, &MainWindow::choose);
+    connect(m_issues, &IssuesPane::countChanged, this, [this](int count) {
+        m_tabs->setTabText(m_tabs->indexOf(m_issues),
+                           count > 0 ? tr("&Issues (%1)").arg(count) : tr("&Issues"));
+    });
+    connect(m_issues, &IssuesPane::errorArrived, m_tabs, [this] {
+        m_tabs->setCurrentWidget(m_issues);
+    });
     connect(m_page, &DeployPage::aboutToDeploy, m_session, &Session::save);
 }
 

@@ -18,6 +18,7 @@ class Target;
 namespace Workbench {
 
 class DeployPage;
+class IssuesPane;
 class OutputPane;
 class ProjectTree;
 class Session;
@@ -65,6 +66,7 @@ private:
     QTabWidget *m_tabs;
     OutputPane *m_compileOutput;
     OutputPane *m_messages;
+    IssuesPane *m_issues;
     QProgressBar *m_busy;
     QAction *m_closeProjectAction = nullptr;
     QTimer *m_refreshTimer;
