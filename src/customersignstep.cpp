@@ -32,6 +32,7 @@ CustomerSignStep::CustomerSignStep(BuildStepList *stepList, Utils::Id id, bool e
     m_signData.certificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CERT);
     m_signData.clientCertificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CLIENT_CERT);
     forwardOutput(&m_tools, this);
+    setStepEnabled(enabled);
     setEnabled(enabled);
 }
 

@@ -51,7 +51,9 @@ RpmsignExternalStep::RpmsignExternalStep(BuildStepList *parent, Utils::Id id, bo
     m_keys.buildEngine = KilnSdkKitAspectFactory::buildEngine(target()->kit());
 
     forwardOutput(&m_tool, this);
-    setEnabled(QSettings().value(Constants::ENABLE_DEFAULT_SIGN_KEY, enabled).toBool());
+    const bool on = QSettings().value(Constants::ENABLE_DEFAULT_SIGN_KEY, enabled).toBool();
+    setStepEnabled(on);
+    setEnabled(on);
 }
 
 Utils::Id RpmsignExternalStep::stepId()
@@ -179,7 +181,7 @@ bool RpmsignExternalStep::isLastSigningStep() const
     const QList<BuildStep *> steps = stepList()->steps();
     const auto later = steps.mid(steps.indexOf(this) + 1);
     return std::none_of(later.begin(), later.end(), [](const BuildStep *step) {
-        return step->id() == stepId() && step->isEnabled();
+        return step->id() == stepId() && step->stepEnabled();
     });
 }
 

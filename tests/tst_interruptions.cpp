@@ -196,9 +196,9 @@ BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
     const Project *project = m_workplace.openProject(target);
     m_package = m_workplace.makePackages(project, {"a.rpm"}).first();
     BuildStepList *steps = deploySteps(project);
-    steps->at(0)->setEnabled(false); // the packages are there already
+    steps->at(0)->setStepEnabled(false); // the packages are there already
     BuildStep *sign = steps->at(1);
-    sign->setEnabled(true);
+    sign->setStepEnabled(true);
     const QString home = m_workplace.sdk().workspace() + "/home/.kilnsdk/";
     sign->fromMap({{"Sealkit.UseDefaultValues", false},
                    {"Sealkit.Key", key("encrypted_key.pem")},

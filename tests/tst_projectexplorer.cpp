@@ -232,7 +232,7 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
     QCOMPARE(target->activeDeployConfiguration()->displayName(), QString("Test Deploy 2"));
 
     stepListOf(target)->appendStep(STEP_ID);
-    stepOf(target)->setEnabled(false);
+    stepOf(target)->setStepEnabled(false);
     stepOf(target)->setDisplayName("Mine");
     const Utils::Store values{{"Bool", true},
                               {"Text", "ä \"quoted\"\n"},
@@ -249,7 +249,7 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
     QCOMPARE(asText(restored.activeTarget()), asText(target));
     QCOMPARE(asText(restored.targets().constFirst()), asText(project.targets().constFirst()));
     QCOMPARE(stepOf(restored.activeTarget(), 1)->values, values);
-    QVERIFY(!stepOf(restored.activeTarget())->isEnabled());
+    QVERIFY(!stepOf(restored.activeTarget())->stepEnabled());
     QCOMPARE(stepOf(restored.activeTarget())->displayName(), QString("Mine"));
 }
 
@@ -335,7 +335,8 @@ void ProjectExplorerTest::stepsRunInOrder_data()
             });
         };
     };
-    const Prepare disabled = [](TestStep *step) { step->setEnabled(false); };
+    const Prepare disabled = [](TestStep *step) { step->setStepEnabled(false); };
+    const Prepare greyedOut = [](TestStep *step) { step->setEnabled(false); };
     const Prepare reporting = [](TestStep *step) {
         step->setHandler([step] {
             emit step->addTask(DeploymentTask(Task::Error, "text\nmore"));
@@ -360,6 +361,7 @@ void ProjectExplorerTest::stepsRunInOrder_data()
 
     addRow("success", succeeding, true, QStringList{first, "out: text\n", second});
     addRow("a disabled step is left out", disabled, true, QStringList{second});
+    addRow("a disabled aspect is not", greyedOut, true, QStringList{first, second});
     addRow("an issue", reporting, true, QStringList{first, "issue: text (more)\n", second});
     addRow("init refuses", refusing, false, failure);
     addRow(

@@ -98,7 +98,7 @@ void ProjectListenerTest::insertsTheStepThatFitsTheTarget()
 
     const BuildStepList *steps = deploySteps(m_workplace.openProject(targetName));
     QTEST(stepIds(steps), "steps");
-    QTEST(steps->steps().last()->isEnabled(), "enabled");
+    QTEST(steps->steps().last()->stepEnabled(), "enabled");
     if (addCustomerSign)
         QFile::remove(tools.arg(targetName));
 }
@@ -119,7 +119,7 @@ void ProjectListenerTest::obeysTheSwitchForNewSteps()
     QFETCH(const QString, targetName);
     QFETCH(const bool, stored);
     QSettings().setValue("Sealkit.DefaultSign", stored);
-    QTEST(deploySteps(m_workplace.openProject(targetName))->at(1)->isEnabled(), "enabled");
+    QTEST(deploySteps(m_workplace.openProject(targetName))->at(1)->stepEnabled(), "enabled");
 }
 
 void ProjectListenerTest::servesWhatIsAddedLater()
@@ -147,7 +147,7 @@ void ProjectListenerTest::leavesConfigurationsAlone()
     // A step of the other kind counts, wherever it stands and though it is switched off.
     QVERIFY(steps->removeStep(1));
     steps->insertStep(0, Utils::Id("Sealkit.RpmSignStep"));
-    steps->at(0)->setEnabled(false);
+    steps->at(0)->setStepEnabled(false);
     addConfiguration(project->activeTarget());
     QCOMPARE(stepIds(steps), (QStringList{CUSTOMER, RPM_BUILD}));
 
@@ -191,7 +191,7 @@ void ProjectListenerTest::offersStepsWhereTheyFit()
         deployList->appendStep(factory->stepId());
         const BuildStep *step = deployList->steps().last();
         QCOMPARE(step->id(), factory->stepId());
-        QVERIFY(step->isEnabled());
+        QVERIFY(step->stepEnabled());
         const ProjectConfiguration *configuration = step;
         QCOMPARE(configuration->displayName(), factory->displayName());
     }

@@ -238,7 +238,7 @@ QString SecretsTest::deploy(const QString &target)
     Project *project = m_workplace.openProject(target);
     const QString package = m_workplace.makePackages(project, {"a.rpm"}).first();
     BuildStepList *steps = deploySteps(project);
-    steps->at(0)->setEnabled(false); // the package is there already
+    steps->at(0)->setStepEnabled(false); // the package is there already
     steps->appendStep(target == RPMSIGN_TARGET ? RpmsignExternalStep::stepId()
                                                : CustomerSignStep::stepId());
     steps->at(1)->fromMap({{"Sealkit.UseDefaultValues", false},

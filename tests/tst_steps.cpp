@@ -212,7 +212,7 @@ void StepsTest::rpmsignReportsOnlyInTheLastEnabledStep()
 
     QCOMPARE(ownMessages(runStep(first)), (QStringList{START, COMPLETED}));
     QCOMPARE(ownMessages(runStep(second)), (QStringList{START, COMPLETED, developerNote("a.rpm")}));
-    second->setEnabled(false);
+    second->setStepEnabled(false);
     QCOMPARE(ownMessages(runStep(first)), (QStringList{START, COMPLETED, developerNote("a.rpm")}));
 }
 

@@ -342,9 +342,9 @@ void WorkbenchTest::deploys_data()
     const Prepare unbuilt =
         configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->removeStep(0); });
     const Prepare off =
-        configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(false); });
+        configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setStepEnabled(false); });
     const Prepare customer =
-        configured(CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setEnabled(true); });
+        configured(CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setStepEnabled(true); });
     const Prepare broken = [](const Ground &ground) {
         writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
     };

@@ -43,7 +43,7 @@ static bool hasEnabledSignStep(const BuildStepList *list)
 {
     const QList<BuildStep *> steps = list->steps();
     return std::any_of(steps.begin(), steps.end(), [](const BuildStep *step) {
-        return step->isEnabled()
+        return step->stepEnabled()
                && (step->id() == RPM_SIGN_EXTERNAL_STEP || step->id() == RPM_SIGN_STEP);
     });
 }

@@ -47,10 +47,10 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
     m_enabled->setObjectName("enabled");
     m_enabled->setFont(nameFont);
     m_enabled->setToolTip(tr("A step that is not checked is left out of the run"));
-    m_enabled->setChecked(step->isEnabled());
-    connect(m_enabled, &QCheckBox::toggled, step, &BuildStep::setEnabled);
-    connect(step, &BuildStep::enabledChanged, this, [this] {
-        m_enabled->setChecked(m_step->isEnabled());
+    m_enabled->setChecked(step->stepEnabled());
+    connect(m_enabled, &QCheckBox::toggled, step, &BuildStep::setStepEnabled);
+    connect(step, &BuildStep::stepEnabledChanged, this, [this] {
+        m_enabled->setChecked(m_step->stepEnabled());
     });
 
     m_summary->setForegroundRole(QPalette::PlaceholderText);

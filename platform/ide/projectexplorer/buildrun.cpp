@@ -19,7 +19,7 @@ BuildRun::BuildRun(BuildStepList *stepList)
     , m_steps(stepList->steps())
 {
     connect(stepList, &QObject::destroyed, this, &BuildRun::abandon);
-    erase_if(m_steps, [](const BuildStep *step) { return !step->isEnabled(); });
+    erase_if(m_steps, [](const BuildStep *step) { return !step->stepEnabled(); });
     for (const BuildStep *step : std::as_const(m_steps)) {
         connect(step, &BuildStep::addOutput, this, &BuildRun::addStepOutput);
         connect(step, &BuildStep::addTask, this, [](const Task &task) {

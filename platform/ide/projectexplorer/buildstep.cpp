@@ -20,14 +20,22 @@ BuildStep::BuildStep(BuildStepList *stepList, Utils::Id id)
 
 void BuildStep::fromMap(const Utils::Store &map)
 {
-    setEnabled(map.value(ENABLED_KEY, isEnabled()).toBool());
+    m_stepEnabled = map.value(ENABLED_KEY, true).toBool();
     ProjectConfiguration::fromMap(map);
 }
 
 void BuildStep::toMap(Utils::Store &map) const
 {
     ProjectConfiguration::toMap(map);
-    map.insert(ENABLED_KEY, isEnabled());
+    map.insert(ENABLED_KEY, m_stepEnabled);
+}
+
+void BuildStep::setStepEnabled(bool enabled)
+{
+    if (m_stepEnabled == enabled)
+        return;
+    m_stepEnabled = enabled;
+    emit stepEnabledChanged();
 }
 
 void BuildStep::setSummaryText(const QString &text)

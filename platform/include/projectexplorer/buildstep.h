@@ -15,7 +15,8 @@ class BuildStepList;
 class DeployConfiguration;
 class Task;
 
-/// One thing that is done in a build or a deploy run. Disabled steps are left out of the run.
+/// One thing that is done in a build or a deploy run. Runs leave out steps by stepEnabled();
+/// isEnabled(), which every aspect has, makes no difference to them.
 class BuildStep : public ProjectConfiguration
 {
     Q_OBJECT
@@ -32,6 +33,9 @@ public:
     void fromMap(const Utils::Store &map) override;
     void toMap(Utils::Store &map) const override;
 
+    bool stepEnabled() const { return m_stepEnabled; }
+    void setStepEnabled(bool enabled);
+
     BuildStepList *stepList() const { return m_stepList; }
     QString summaryText() const { return m_summaryText; }
 
@@ -46,6 +50,7 @@ signals:
     addOutput(const QString &output,
               ProjectExplorer::BuildStep::OutputFormat format,
               ProjectExplorer::BuildStep::OutputNewlineSetting newlineSetting = DoAppendNewline);
+    void stepEnabledChanged();
 
 protected:
     explicit BuildStep(BuildStepList *stepList, Utils::Id id);
@@ -60,6 +65,7 @@ private:
     virtual Tasking::GroupItem runRecipe() = 0;
 
     BuildStepList *m_stepList;
+    bool m_stepEnabled = true;
     QString m_summaryText;
 };
 

@@ -6,7 +6,7 @@
 
 namespace Utils {
 
-/// A thing that has settings and can be switched off.
+/// A thing that has settings. Whether it is enabled is about its controls, and is not saved.
 class BaseAspect : public QObject
 {
     Q_OBJECT
