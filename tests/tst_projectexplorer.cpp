@@ -98,9 +98,8 @@ public:
 
 void registerKit(const char *id)
 {
-    auto kit = std::make_unique<Kit>(id);
-    RunDeviceTypeKitAspect::setDeviceTypeId(kit.get(), DEVICE_TYPE);
-    KitManager::registerKit(std::move(kit));
+    const auto init = [](Kit *kit) { RunDeviceTypeKitAspect::setDeviceTypeId(kit, DEVICE_TYPE); };
+    KitManager::registerKit(init, id);
 }
 
 BuildStepList *stepListOf(const Target *target)

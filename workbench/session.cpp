@@ -8,7 +8,6 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
-#include <veyraos/kilnkits.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -62,7 +61,6 @@ bool Session::openSdk(const QString &folder, QString *error)
     if (!Brisk::Sdk::open(FilePath::fromString(chosen), error))
         return false;
     m_sdk = chosen;
-    Kiln::Internal::registerKits();
     return true;
 }
 

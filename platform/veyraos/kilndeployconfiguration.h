@@ -1,18 +1,21 @@
 #pragma once
 
+#include <veyraos/veyraos_global.h>
+
 #include <projectexplorer/buildstep.h>
 #include <projectexplorer/deployconfiguration.h>
 
 namespace Kiln::Internal {
 
 /// Packages are built and brought to the device.
-class KilnRpmDeployConfigurationFactory : public ProjectExplorer::DeployConfigurationFactory
+class VEYRAOS_EXPORT KilnRpmDeployConfigurationFactory
+    : public ProjectExplorer::DeployConfigurationFactory
 {
 public:
     KilnRpmDeployConfigurationFactory();
 };
 
-class KilnKb2RpmBuildStepFactory : public ProjectExplorer::BuildStepFactory
+class VEYRAOS_EXPORT KilnKb2RpmBuildStepFactory : public ProjectExplorer::BuildStepFactory
 {
 public:
     KilnKb2RpmBuildStepFactory();

@@ -9,6 +9,7 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
 #include <solutions/tasking/tasktree.h>
+#include <utils/commandline.h>
 
 #include <QDir>
 #include <QDirIterator>
@@ -20,6 +21,7 @@ using namespace Tasking;
 namespace Kiln::Internal {
 
 constexpr char BUILD_TOOL[] = "rpmbuild";
+constexpr char PACKAGING_FOLDER[] = "rpm";
 constexpr char PACKAGES_FOLDER[] = "RPMS";
 constexpr char WORKING_FOLDER[] = ".rpmbuild";
 
@@ -35,18 +37,35 @@ static QString macroDefinition(const char *name, const Utils::FilePath &path)
     return QLatin1String(name) + QLatin1Char(' ') + value;
 }
 
-static CommandLine buildCommand(const Project *project)
+static QString buildTool()
+{
+    return QStandardPaths::findExecutable(QLatin1String(BUILD_TOOL));
+}
+
+/// The package description: the project file, or the only one that goes with it. Otherwise empty.
+static QString specFile(const Project *project)
+{
+    const QString projectFile = project->projectFilePath().toFSPathString();
+    if (projectFile.endsWith(QLatin1String(".spec")))
+        return projectFile;
+    const Utils::FilePath folder = project->projectDirectory() / QLatin1String(PACKAGING_FOLDER);
+    const QFileInfoList specs =
+        QDir(folder.toFSPathString()).entryInfoList({QLatin1String("*.spec")}, QDir::Files);
+    return specs.size() == 1 ? specs.constFirst().filePath() : QString();
+}
+
+static Utils::CommandLine buildCommand(const Project *project)
 {
     const Utils::FilePath workingFolder =
         project->projectDirectory() / QLatin1String(WORKING_FOLDER);
-    return {QStandardPaths::findExecutable(QLatin1String(BUILD_TOOL)),
-            {QLatin1String("-bb"),
-             QLatin1String("--build-in-place"),
-             QLatin1String("--define"),
-             macroDefinition("_topdir", workingFolder),
-             QLatin1String("--define"),
-             macroDefinition("_rpmdir", packagesFolder(project)),
-             project->projectFilePath().toFSPathString()}};
+    const QStringList arguments{QLatin1String("-bb"),
+                                QLatin1String("--build-in-place"),
+                                QLatin1String("--define"),
+                                macroDefinition("_topdir", workingFolder),
+                                QLatin1String("--define"),
+                                macroDefinition("_rpmdir", packagesFolder(project)),
+                                specFile(project)};
+    return {Utils::FilePath::fromString(buildTool()), arguments};
 }
 
 KilnKb2RpmBuildStep::KilnKb2RpmBuildStep(BuildStepList *stepList, Utils::Id id)
@@ -115,11 +134,15 @@ bool KilnKb2RpmBuildStep::init()
                              "\"%2\" of the build engine.")
                           .arg(folder.toUserOutput(), engine->sharedSrcPath().toUserOutput()));
     }
-    if (!KilnProcessStep::init()) {
+    if (specFile(project()).isEmpty()) {
+        return refuse(Tr::tr("Error: there must be one package description in \"%1\".")
+                          .arg((folder / QLatin1String(PACKAGING_FOLDER)).toUserOutput()));
+    }
+    if (buildTool().isEmpty()) {
         return refuse(Tr::tr("Error: \"%1\" is needed to build packages and was not found.")
                           .arg(QLatin1String(BUILD_TOOL)));
     }
-    return true;
+    return KilnProcessStep::init();
 }
 
 /// What is named after a package, as its detached signatures are, belongs to it and goes too.

@@ -19,11 +19,12 @@ static void registerKit(const Brisk::BuildEngine *engine, const QString &targetN
     const Utils::Id id = Utils::Id::fromString(QString(QLatin1String("Kiln.Kit.") + targetName));
     if (KitManager::kit(id))
         return;
-    auto kit = std::make_unique<Kit>(id);
-    kit->setUnexpandedDisplayName(targetName);
-    RunDeviceTypeKitAspect::setDeviceTypeId(kit.get(), Constants::KILN_DEVICE_TYPE);
-    KilnSdkKitAspectFactory::setBuildTarget(kit.get(), engine, targetName);
-    KitManager::registerKit(std::move(kit));
+    const auto init = [engine, targetName](Kit *kit) {
+        kit->setUnexpandedDisplayName(targetName);
+        RunDeviceTypeKitAspect::setDeviceTypeId(kit, Constants::KILN_DEVICE_TYPE);
+        KilnSdkKitAspectFactory::setBuildTarget(kit, engine, targetName);
+    };
+    KitManager::registerKit(init, id);
 }
 
 void registerKits()

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <veyraos/veyraos_global.h>
+
 namespace Kiln::Internal {
 
 /// One kit for each target of the SDK's build engines; those that are registered already stay.
-void registerKits();
+VEYRAOS_EXPORT void registerKits();
 
 } // namespace Kiln::Internal

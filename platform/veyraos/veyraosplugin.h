@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kilndeployconfiguration.h"
+#include "kilndevice.h"
 
 #include <extensionsystem/iplugin.h>
 
@@ -15,6 +16,9 @@ public:
     bool initialize(const QStringList &arguments, QString *errorString) override;
 
 private:
+    void addToolsMenu();
+
+    KilnDeviceFactory m_deviceFactory;
     KilnKb2RpmBuildStepFactory m_rpmBuildStepFactory;
     KilnRpmDeployConfigurationFactory m_rpmDeployConfigurationFactory;
 };

@@ -24,12 +24,19 @@ function(_qtc_plugin_dependencies out)
     set(${out} "\"Dependencies\" : [\n${entries}\n    ]" PARENT_SCOPE)
 endfunction()
 
+# What export headers look for: BRISK_LIBRARY for Brisk.
+function(_qtc_define_library target)
+    string(TOUPPER ${target}_LIBRARY definition)
+    target_compile_definitions(${target} PRIVATE ${definition})
+endfunction()
+
 function(add_qtc_library target)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "DEPENDS;PUBLIC_DEPENDS;SOURCES;INCLUDES;PUBLIC_INCLUDES")
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(QtCreator::${target} ALIAS ${target})
     target_include_directories(${target} PRIVATE ${ARG_INCLUDES} PUBLIC ${ARG_PUBLIC_INCLUDES})
     target_link_libraries(${target} PRIVATE ${ARG_DEPENDS} PUBLIC ${ARG_PUBLIC_DEPENDS})
+    _qtc_define_library(${target})
     set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${IDE_LIBRARY_PATH})
 endfunction()
@@ -49,6 +56,7 @@ function(add_qtc_plugin target)
         PRIVATE ${CMAKE_CURRENT_BINARY_DIR} ${ARG_INCLUDES} PUBLIC ${ARG_PUBLIC_INCLUDES})
     target_link_libraries(${target}
         PRIVATE ${ARG_DEPENDS} PUBLIC ${ARG_PLUGIN_DEPENDS} ${ARG_PUBLIC_DEPENDS})
+    _qtc_define_library(${target})
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_TO_ASCII QT_RESTRICTED_CAST_FROM_ASCII QT_USE_QSTRINGBUILDER)
     set_target_properties(${target} PROPERTIES

@@ -11,10 +11,11 @@ AbstractProcessStep::AbstractProcessStep(BuildStepList *stepList, Utils::Id id)
 
 bool AbstractProcessStep::init()
 {
-    return m_commandLineProvider && !m_commandLineProvider().program.isEmpty();
+    return true;
 }
 
-void AbstractProcessStep::setCommandLineProvider(const std::function<CommandLine()> &provider)
+void AbstractProcessStep::setCommandLineProvider(
+    const std::function<Utils::CommandLine()> &provider)
 {
     m_commandLineProvider = provider;
 }
@@ -30,7 +31,9 @@ Tasking::GroupItem AbstractProcessStep::defaultProcessTask()
     return Tasking::CustomTask([this] {
         const Utils::FilePath workingDirectory =
             m_workingDirectoryProvider ? m_workingDirectoryProvider() : Utils::FilePath();
-        return std::make_unique<ProcessTask>(this, m_commandLineProvider(), workingDirectory);
+        const Utils::CommandLine commandLine =
+            m_commandLineProvider ? m_commandLineProvider() : Utils::CommandLine();
+        return std::make_unique<ProcessTask>(this, commandLine, workingDirectory);
     });
 }
 

@@ -15,9 +15,11 @@ KitManager *KitManager::instance()
     return &manager;
 }
 
-Kit *KitManager::registerKit(std::unique_ptr<Kit> kit)
+Kit *KitManager::registerKit(const std::function<void(Kit *)> &init, Utils::Id id)
 {
-    QTC_ASSERT(!KitManager::kit(kit->id()), return nullptr);
+    QTC_ASSERT(!KitManager::kit(id), return nullptr);
+    auto kit = std::make_unique<Kit>(id);
+    init(kit.get());
     return instance()->m_kits.emplace_back(std::move(kit)).get();
 }
 

@@ -17,14 +17,14 @@ constexpr std::chrono::seconds TERMINATE_TIMEOUT{3};
 constexpr std::chrono::milliseconds KILL_TIMEOUT{1'000};
 
 ProcessTask::ProcessTask(BuildStep *step,
-                         const CommandLine &commandLine,
+                         const Utils::CommandLine &commandLine,
                          const Utils::FilePath &workingDirectory)
     : m_step(step)
     , m_commandLine(commandLine)
     , m_process(new QProcess)
 {
-    m_process->setProgram(commandLine.program);
-    m_process->setArguments(commandLine.arguments);
+    m_process->setProgram(commandLine.executable().toFSPathString());
+    m_process->setArguments(commandLine.splitArguments());
     m_process->setWorkingDirectory(workingDirectory.toFSPathString());
     m_process->setStandardInputFile(QProcess::nullDevice());
     m_process->setChildProcessModifier([] { ::setsid(); });
@@ -49,14 +49,9 @@ ProcessTask::~ProcessTask()
     m_process->deleteLater();
 }
 
-static QString describe(const CommandLine &commandLine)
-{
-    return (QStringList(commandLine.program) + commandLine.arguments).join(QLatin1Char(' '));
-}
-
 void ProcessTask::start()
 {
-    const QString headline = Tr::tr("Starting: %1").arg(describe(m_commandLine));
+    const QString headline = Tr::tr("Starting: %1").arg(m_commandLine.toUserOutput());
     if (!addOutput(headline, OutputFormat::NormalMessage))
         return;
     if (m_isCanceled) {
@@ -106,8 +101,9 @@ void ProcessTask::processFailed(QProcess::ProcessError error)
 {
     if (error != QProcess::FailedToStart)
         return; // finished() follows
-    const QString line = Tr::tr("The process \"%1\" could not be started: %2.")
-                             .arg(m_commandLine.program, m_process->errorString());
+    const QString line =
+        Tr::tr("The process \"%1\" could not be started: %2.")
+            .arg(m_commandLine.executable().toUserOutput(), m_process->errorString());
     if (addOutput(line, OutputFormat::ErrorMessage))
         emit done(Tasking::DoneResult::Error);
 }
@@ -125,7 +121,7 @@ void ProcessTask::processFinished(int exitCode, QProcess::ExitStatus status)
 
 bool ProcessTask::reportEnd(int exitCode, QProcess::ExitStatus status)
 {
-    const QString program = m_commandLine.program;
+    const QString program = m_commandLine.executable().toUserOutput();
     if (status == QProcess::CrashExit) {
         return addOutput(Tr::tr("The process \"%1\" crashed.").arg(program),
                          OutputFormat::ErrorMessage);

@@ -18,7 +18,7 @@ class ProcessTask : public Tasking::TaskInterface
 
 public:
     ProcessTask(BuildStep *step,
-                const CommandLine &commandLine,
+                const Utils::CommandLine &commandLine,
                 const Utils::FilePath &workingDirectory);
     ~ProcessTask() override;
 
@@ -44,7 +44,7 @@ private:
     void signalGroup(int signal);
 
     const QPointer<BuildStep> m_step;
-    const CommandLine m_commandLine;
+    const Utils::CommandLine m_commandLine;
     QProcess *const m_process; // outlives this while one of its signals is on the stack
     qint64 m_processId = 0;
     Channel m_stdout{BuildStep::OutputFormat::Stdout};

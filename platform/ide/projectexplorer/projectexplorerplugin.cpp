@@ -1,9 +1,15 @@
 #include "projectexplorerplugin.h"
 
+#include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 
 namespace ProjectExplorer {
+
+void ProjectExplorerPlugin::extensionsInitialized()
+{
+    emit KitManager::instance()->kitsLoaded();
+}
 
 ExtensionSystem::IPlugin::ShutdownFlag ProjectExplorerPlugin::aboutToShutdown()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <brisk/brisk_global.h>
 #include <brisk/buildtargetdata.h>
 
 #include <utils/filepath.h>
@@ -11,7 +12,7 @@
 namespace Brisk {
 
 /// The place where packages are built: its targets, and the folders it shares with the host.
-class BuildEngine : public QObject
+class BRISK_EXPORT BuildEngine : public QObject
 {
     Q_OBJECT
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <brisk/brisk_global.h>
+
 #include <utils/filepath.h>
 
 #include <QList>
@@ -10,7 +12,7 @@ namespace Brisk {
 class BuildEngine;
 
 /// The SDK installation in use.
-class Sdk
+class BRISK_EXPORT Sdk
 {
 public:
     static QString installationPath();

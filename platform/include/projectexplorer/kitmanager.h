@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -19,12 +20,17 @@ class KitManager : public QObject
 public:
     static KitManager *instance();
 
-    static Kit *registerKit(std::unique_ptr<Kit> kit);
+    /// A new kit, which \a init fills before the others learn of it.
+    static Kit *registerKit(const std::function<void(Kit *)> &init, Utils::Id id);
     static QList<Kit *> kits();
     /// Null when there is none.
     static Kit *kit(Utils::Id id);
     /// No target may use these kits any more.
     static void deregisterAllKits();
+
+signals:
+    /// All plugins are initialized: kits can be registered from now on.
+    void kitsLoaded();
 
 private:
     KitManager();

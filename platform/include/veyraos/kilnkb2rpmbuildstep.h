@@ -1,13 +1,14 @@
 #pragma once
 
 #include <veyraos/kilnprocessstep.h>
+#include <veyraos/veyraos_global.h>
 
 #include <QStringList>
 
 namespace Kiln::Internal {
 
 /// Builds the packages of the project's description with `rpmbuild` in the workspace.
-class KilnKb2RpmBuildStep : public KilnProcessStep
+class VEYRAOS_EXPORT KilnKb2RpmBuildStep : public KilnProcessStep
 {
     Q_OBJECT
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <veyraos/veyraos_global.h>
+
 #include <projectexplorer/abstractprocessstep.h>
 
 namespace Kiln::Internal {
 
 /// Base of the host plugin's steps, and of those of others that work on its packages.
-class KilnProcessStep : public ProjectExplorer::AbstractProcessStep
+class VEYRAOS_EXPORT KilnProcessStep : public ProjectExplorer::AbstractProcessStep
 {
     Q_OBJECT
 
@@ -23,7 +25,6 @@ protected:
     KilnProcessStep(ProjectExplorer::BuildStepList *stepList, Utils::Id id);
 
     bool init() override;
-    /// False when the options ask for a command line and there is none.
     bool init(InitOptions options);
     /// Stops what the step has going on.
     virtual void doCancel() = 0;

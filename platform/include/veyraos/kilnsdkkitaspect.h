@@ -1,5 +1,7 @@
 #pragma once
 
+#include <veyraos/veyraos_global.h>
+
 #include <brisk/buildtargetdata.h>
 
 namespace Brisk {
@@ -13,7 +15,7 @@ class Kit;
 namespace Kiln::Internal {
 
 /// Ties a kit to a target of a build engine.
-class KilnSdkKitAspectFactory
+class VEYRAOS_EXPORT KilnSdkKitAspectFactory
 {
 public:
     /// Invalid when the kit names no target or the engine is gone.

@@ -1,0 +1,11 @@
+#include <projectexplorer/devicesupport/devicemanager.h>
+
+namespace ProjectExplorer {
+
+DeviceManager *DeviceManager::instance()
+{
+    static DeviceManager manager;
+    return &manager;
+}
+
+} // namespace ProjectExplorer
