@@ -56,7 +56,7 @@ public:
     /// Runs this text in a shell.
     void setScript(const QString &script)
     {
-        setCommandLineProvider([=] { return CommandLine{"/bin/sh", {"-c", script}}; });
+        setCommandLineProvider([=] { return Utils::CommandLine{"/bin/sh", {"-c", script}}; });
         makeRecipe = [this] { return GroupItems{defaultProcessTask()}; };
     }
     void setHandler(const std::function<SetupResult()> &handler)

@@ -20,6 +20,9 @@ namespace Kiln::Internal {
 constexpr char SDK_VARIABLE[] = "VEYRAOS_SDK";
 constexpr char SDK_PATH_KEY[] = "Kiln.SdkPath";
 
+VeyraOSPlugin::VeyraOSPlugin() = default;
+VeyraOSPlugin::~VeyraOSPlugin() = default;
+
 /// From the environment, otherwise from the settings. A shell around this plugin may have opened
 /// one before.
 static void openSdk()
