@@ -251,10 +251,14 @@ void InterruptionsTest::duringADeploy()
     meanwhile([&] { actOnDeploy(action, steps); }, goesOn);
 
     QString output;
+    bool hasErrors = false;
     connect(BuildManager::instance(),
             &BuildManager::outputAdded,
             m_moment.get(),
-            [&](const QString &text) { output += text; });
+            [&](const QString &text, BuildStep::OutputFormat format) {
+                output += text;
+                hasErrors |= format == BuildStep::OutputFormat::ErrorMessage;
+            });
     QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
     QVERIFY(BuildManager::buildList(steps));
     QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), TIMEOUT);
@@ -263,7 +267,7 @@ void InterruptionsTest::duringADeploy()
 
     QVERIFY(m_acted);
     QCOMPARE(finished.size(), 1);
-    QCOMPARE(finished.first().first().toBool(), success);
+    QCOMPARE(finished.first().first().toBool() && !hasErrors, success);
     QVERIFY(!isPrompted());
     QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
     const bool isSigned = QFile::exists(m_package + ".1.p7s");

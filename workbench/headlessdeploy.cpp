@@ -72,8 +72,9 @@ void HeadlessDeploy::printMessage(const QString &message)
     m_lastToolLine = isToolLine ? message.mid(4) + '\n' : QString();
 }
 
-void HeadlessDeploy::printOutput(const QString &text)
+void HeadlessDeploy::printOutput(const QString &text, BuildStep::OutputFormat format)
 {
+    m_hasErrors |= format == BuildStep::OutputFormat::ErrorMessage;
     if (text != m_lastToolLine)
         print(stdout, text);
     m_lastToolLine.clear();
@@ -82,6 +83,7 @@ void HeadlessDeploy::printOutput(const QString &text)
 void HeadlessDeploy::printIssue(const Task &issue)
 {
     const QStringList lines = QStringList(issue.summary) + issue.details;
+    m_hasErrors |= issue.type == Task::Error;
     printLine(tr("Issue: %1").arg(lines.join('\n')));
 }
 
@@ -129,7 +131,9 @@ void HeadlessDeploy::deploy()
         return;
     }
     const bool signsPackages = hasEnabledSignStep(m_stepList);
-    const auto end = [this, signsPackages](bool success) {
+    const auto end = [this, signsPackages](bool finished) {
+        // A step may report an error and let the run go on.
+        const bool success = finished && !m_hasErrors;
         if (!success)
             printError(m_signalNumber ? tr("The deploy was interrupted.")
                                       : tr("The deploy failed."));

@@ -5,6 +5,8 @@
 #include "promptanswerer.h"
 #include "session.h"
 
+#include <projectexplorer/buildstep.h>
+
 namespace ProjectExplorer {
 class BuildStepList;
 class Task;
@@ -31,7 +33,7 @@ private:
     void interrupt(int signalNumber);
     void printMessage(const QString &message);
     /// A tool's line comes twice, as a message and then as its step's output: it is printed once.
-    void printOutput(const QString &text);
+    void printOutput(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);
     void printIssue(const ProjectExplorer::Task &issue);
 
     const CommandLine m_commandLine;
@@ -40,6 +42,7 @@ private:
     Session m_session;
     ProjectExplorer::BuildStepList *m_stepList = nullptr;
     int m_signalNumber = 0;
+    bool m_hasErrors = false;
     QString m_lastToolLine;
 };
 

@@ -297,8 +297,12 @@ void MainWindow::startRun()
 void MainWindow::endRun(bool success)
 {
     m_busy->hide();
-    statusBar()->showMessage(success ? tr("The deploy has finished.")
-                                     : tr("The deploy has failed or was cancelled."));
+    if (!success)
+        statusBar()->showMessage(tr("The deploy has failed or was cancelled."));
+    else if (m_issues->count() > 0)
+        statusBar()->showMessage(tr("The deploy has finished; see its issues."));
+    else
+        statusBar()->showMessage(tr("The deploy has finished."));
     m_refreshTimer->start();
     if (m_isClosing)
         QCoreApplication::exit();

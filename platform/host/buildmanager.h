@@ -37,8 +37,9 @@ public:
 
 signals:
     void buildQueueStarted();
-    /// \a success is false after a failed or cancelled run, and also when a step reported an error
-    /// or stopped with one but ended as a success. A run whose steps are deleted ends at once.
+    /// \a success is false after a failed or cancelled run. It is the recipes of the steps that
+    /// fail a run: a step that printed an error or reported an issue need not have failed. A run
+    /// whose steps are deleted ends at once.
     void buildQueueFinished(bool success);
     /// Text of a step, with its line end.
     void outputAdded(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);

@@ -42,7 +42,6 @@ void BuildRun::start()
     for (BuildStep *step : std::as_const(m_steps))
         recipes.append(recipeOf(step));
     m_tree = std::make_unique<Tasking::TaskTree>(Tasking::Group(recipes));
-    connect(m_tree.get(), &Tasking::TaskTree::setupFailed, this, [this] { m_stepStopped = true; });
     connect(m_tree.get(), &Tasking::TaskTree::done, this, &BuildRun::treeDone);
     m_tree->start();
 }
@@ -71,7 +70,6 @@ bool BuildRun::initSteps()
 Tasking::GroupItem BuildRun::recipeOf(BuildStep *step)
 {
     const auto onSetup = [this, step] {
-        m_stepStopped = false;
         addLine(Tr::tr("Running step \"%1\"...").arg(step->displayName()),
                 OutputFormat::NormalMessage);
     };
@@ -87,16 +85,13 @@ void BuildRun::stepDone(const BuildStep *step, Tasking::DoneWith with)
 {
     if (with == Tasking::DoneWith::Error)
         reportFailureOf(step);
-    else if (with == Tasking::DoneWith::Success && m_stepStopped)
-        addLine(Tr::tr("Error: step \"%1\" stopped with an error.").arg(step->displayName()),
-                OutputFormat::ErrorMessage);
 }
 
 void BuildRun::treeDone(Tasking::DoneWith with)
 {
     if (with == Tasking::DoneWith::Cancel)
         finish(false, Tr::tr("Canceled build/deployment."));
-    else if (with == Tasking::DoneWith::Error || m_hasErrors)
+    else if (with == Tasking::DoneWith::Error)
         finish(false, Tr::tr("The steps for project %1 failed.").arg(m_projectName));
     else
         finish(true, Tr::tr("The steps for project %1 finished successfully.").arg(m_projectName));
@@ -160,8 +155,6 @@ void BuildRun::addLine(const QString &line, OutputFormat format)
 
 void BuildRun::addOutput(const QString &text, OutputFormat format)
 {
-    if (format == OutputFormat::ErrorMessage)
-        m_hasErrors = true;
     emit outputAdded(text, format);
 }
 

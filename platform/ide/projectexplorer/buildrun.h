@@ -50,8 +50,6 @@ private:
     const QString m_projectName;
     QList<BuildStep *> m_steps;
     std::unique_ptr<Tasking::TaskTree> m_tree;
-    bool m_stepStopped = false;
-    bool m_hasErrors = false;
     bool m_isCanceled = false;
     bool m_isOver = false;
 };

@@ -134,8 +134,6 @@ void TaskTree::Private::enterGroup(const GroupItem &group)
         return;
     frame.pending.clear();
     frame.result = toDoneResult(setupResult == SetupResult::StopWithSuccess);
-    if (setupResult == SetupResult::StopWithError)
-        emit tree->setupFailed();
 }
 
 void TaskTree::Private::leaveGroup()

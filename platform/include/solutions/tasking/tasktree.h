@@ -178,9 +178,6 @@ public:
 signals:
     void started();
     void done(Tasking::DoneWith result);
-    /// Stand-in's own: a setup handler stopped its group with an error, whatever the group's done
-    /// handler then makes of it.
-    void setupFailed();
 
 private:
     class Private;
