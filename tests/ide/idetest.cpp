@@ -1,0 +1,430 @@
+#include "idetest.h"
+
+#include "files.h"
+#include "processes.h"
+#include "user.h"
+
+#include <coreplugin/actionmanager/actioncontainer.h>
+#include <coreplugin/actionmanager/actionmanager.h>
+#include <coreplugin/actionmanager/command.h>
+#include <coreplugin/icore.h>
+#include <extensionsystem/pluginmanager.h>
+#include <extensionsystem/pluginspec.h>
+#include <projectexplorer/buildmanager.h>
+#include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/deployconfiguration.h>
+#include <projectexplorer/kit.h>
+#include <projectexplorer/kitmanager.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectexplorer.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
+#include <projectexplorer/taskhub.h>
+#include <utils/pathchooser.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDirIterator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBrowser>
+
+using namespace ProjectExplorer;
+
+constexpr int RUN_TIMEOUT = 60'000;
+constexpr int ROUNDS = 20;
+
+static QAction *action(const Utils::Id &id)
+{
+    const Core::Command *command = Core::ActionManager::command(id);
+    return command ? command->action() : nullptr;
+}
+
+static QStringList stepIds(const Target *target)
+{
+    QStringList ids;
+    const QList<BuildStep *> steps = target->activeDeployConfiguration()->stepList()->steps();
+    for (const BuildStep *step : steps)
+        ids << step->id().toString();
+    return ids;
+}
+
+template<class Widget>
+static Widget *child(const QWidget *parent, const char *name)
+{
+    auto *found = parent->findChild<Widget *>(name);
+    if (!found)
+        qFatal("There is no %s", name);
+    return found;
+}
+
+static void enter(const QWidget *parent, const char *chooser, const QString &path)
+{
+    child<Utils::PathChooser>(parent, chooser)->lineEdit()->setText(path);
+}
+
+QString IdeTest::inWorkspace(const QString &path) const
+{
+    return m_sdk + "/workspace/" + path;
+}
+
+BuildStep *IdeTest::signStep() const
+{
+    const Target *target = ProjectManager::startupTarget();
+    return target->activeDeployConfiguration()->stepList()->steps().value(1);
+}
+
+// The tool of the SDK is behind a script that looks into a file for what to do.
+void IdeTest::setToolBehaviour(const QString &behaviour) const
+{
+    QFile::remove(m_sdk + "/busy");
+    writeFile(m_sdk + "/behaviour", behaviour.toUtf8() + '\n');
+}
+
+bool IdeTest::toolIsBusy() const
+{
+    return QFile::exists(m_sdk + "/busy");
+}
+
+void IdeTest::init()
+{
+    setToolBehaviour({});
+}
+
+void IdeTest::startDeploy()
+{
+    m_output.clear();
+    const QList<BuildStep *> steps =
+        ProjectManager::startupTarget()->activeDeployConfiguration()->stepList()->steps();
+    for (BuildStep *step : steps) {
+        step->disconnect(this);
+        connect(
+            step, &BuildStep::addOutput, this, [this](const QString &text) { m_output << text; });
+    }
+    action("ProjectExplorer.Deploy")->trigger();
+}
+
+bool IdeTest::waitForDeploy()
+{
+    QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
+    return finished.wait(RUN_TIMEOUT) && finished.constFirst().constFirst().toBool();
+}
+
+QString IdeTest::lastOutput() const
+{
+    return m_output.mid(m_output.size() - 15).join('\n');
+}
+
+void IdeTest::pluginsRun()
+{
+    QStringList running;
+    for (const ExtensionSystem::PluginSpec *spec : ExtensionSystem::PluginManager::plugins()) {
+        const bool isOurs = spec->id() == "sealkit" || spec->id() == "veyraos";
+        if (isOurs && spec->state() == ExtensionSystem::PluginSpec::Running && !spec->hasError())
+            running << spec->id();
+    }
+    running.sort();
+    QCOMPARE(running, (QStringList{"sealkit", "veyraos"}));
+}
+
+void IdeTest::kitsHaveNoWarning()
+{
+    QStringList names;
+    const QList<Kit *> kits = KitManager::kits();
+    for (const Kit *kit : kits) {
+        if (!kit->id().toString().startsWith("Kiln.Kit."))
+            continue;
+        names << kit->displayName();
+        const Tasks problems = kit->validate();
+        for (const Task &problem : problems)
+            QVERIFY2(false, qPrintable(kit->displayName() + ": " + problem.description()));
+    }
+    names.sort();
+    QCOMPARE(names,
+             (QStringList{"VeyraOS-3.4-x86_64", "VeyraOS-4.0-x86_64", "VeyraOS-5.1-x86_64"}));
+}
+
+void IdeTest::signStepFollowsRpmStep()
+{
+    const Target *target = ProjectManager::startupTarget();
+    QCOMPARE(target->kit()->displayName(), QString("VeyraOS-5.1-x86_64"));
+    QCOMPARE(stepIds(target), (QStringList{"Kiln.Kb2RpmBuildStep", "Sealkit.RpmSignExternalStep"}));
+    QVERIFY(signStep()->stepEnabled());
+}
+
+void IdeTest::customerSignStepIsOff()
+{
+    Project *project = ProjectManager::startupProject();
+    Target *target = project->addTargetForKit(KitManager::kit("Kiln.Kit.VeyraOS-4.0-x86_64"));
+    QVERIFY(target);
+    QCOMPARE(stepIds(target), (QStringList{"Kiln.Kb2RpmBuildStep", "Sealkit.RpmSignStep"}));
+    QVERIFY(!target->activeDeployConfiguration()->stepList()->at(1)->stepEnabled());
+    QVERIFY(project->removeTarget(target));
+}
+
+void IdeTest::deploySigns()
+{
+    startDeploy();
+    QVERIFY2(waitForDeploy(), qPrintable(lastOutput()));
+    QDirIterator packages(
+        inWorkspace("hello-veyra/RPMS"), {"*.rpm"}, QDir::Files, QDirIterator::Subdirectories);
+    int count = 0;
+    while (packages.hasNext()) {
+        const QString package = packages.next();
+        QProcess brisk;
+        brisk.setProcessChannelMode(QProcess::MergedChannels);
+        brisk.start(m_sdk + "/bin/brisk",
+                    {"engine",
+                     "exec",
+                     "-tt",
+                     "sb2",
+                     "-t",
+                     "VeyraOS-5.1-x86_64",
+                     "rpmsign-external",
+                     "verify",
+                     package});
+        QVERIFY(brisk.waitForFinished());
+        const QString said = QString::fromUtf8(brisk.readAll());
+        QVERIFY2(brisk.exitCode() == 0, qPrintable(said + lastOutput()));
+        ++count;
+    }
+    QCOMPARE(count, 3);
+}
+
+void IdeTest::dialogSignsVerifiesDumpsAndRemoves()
+{
+    const Core::ActionContainer *menu = Core::ActionManager::actionContainer("Kiln.Tools.Menu");
+    QVERIFY(menu && menu->menu()->actions().contains(action("Sealkit.SignDialog")));
+    action("Sealkit.SignDialog")->trigger();
+    const auto *dialog = Core::ICore::mainWindow()->findChild<QDialog *>("SignDialog");
+    QVERIFY(dialog && dialog->isVisible());
+    QTRY_VERIFY(child<QComboBox>(dialog, "m_comboBoxBuildTargets")->count() == 3);
+    child<QComboBox>(dialog, "m_comboBoxBuildTargets")->setCurrentText("VeyraOS-5.1-x86_64");
+
+    const QString package = inWorkspace("package.rpm");
+    writeFile(package,
+              "\xed\xab\xee\xdb"
+              "package");
+    const auto waitUntilIdle = [dialog] {
+        QCoreApplication::processEvents();
+        QTRY_VERIFY_WITH_TIMEOUT(child<QWidget>(dialog, "busyIndicator")->isHidden(), RUN_TIMEOUT);
+    };
+    const auto click = [dialog, waitUntilIdle](const char *name) {
+        waitUntilIdle();
+        child<QPushButton>(dialog, name)->click();
+        waitUntilIdle();
+    };
+    const auto verdict = [dialog] { return child<QLabel>(dialog, "verifyLabel")->text(); };
+    const auto dump = [dialog] {
+        return child<QTextBrowser>(dialog, "developerSignatureTextBrowser")->toPlainText();
+    };
+
+    enter(dialog, "rpmPathChooser", package);
+    enter(dialog, "developerKeyPathChooser", inWorkspace(".veyraos-regular-keys/regular_key.pem"));
+    enter(dialog,
+          "developerCertificatePathChooser",
+          inWorkspace(".veyraos-regular-keys/regular_cert.pem"));
+    click("addSignaturePushButton");
+    click("verifySignaturePushButton");
+    QCOMPARE(verdict(), QString("Signatures successfully verified"));
+    click("dumpPushButton");
+    QVERIFY2(dump().contains("Regular Developer"), qPrintable(dump()));
+    click("removeSignaturePushButton");
+    click("dumpPushButton");
+    QCOMPARE(dump(), QString("No signatures found in package"));
+    const_cast<QDialog *>(dialog)->close();
+}
+
+void IdeTest::inOptions(const std::function<void(QWidget *)> &act) const
+{
+    bool isDone = false;
+    const Once whenShown(
+        [] {
+            const QWidget *dialog = QApplication::activeModalWidget();
+            return dialog && dialog->findChild<QWidget *>("enableSignStepCheckBox");
+        },
+        [&] {
+            QWidget *dialog = QApplication::activeModalWidget();
+            act(dialog);
+            isDone = true;
+            child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Cancel)->click();
+        });
+    Core::ICore::showOptionsDialog("Z.SignOptions");
+    QTRY_VERIFY(isDone);
+}
+
+void IdeTest::optionsAreApplied()
+{
+    const auto checkBox = [](const QWidget *dialog) {
+        return child<QCheckBox>(dialog, "enableSignStepCheckBox");
+    };
+    const auto stored = [] { return QSettings().value("Sealkit.DefaultSign", true).toBool(); };
+
+    inOptions([&](QWidget *dialog) {
+        QVERIFY(checkBox(dialog)->isChecked());
+        checkBox(dialog)->setChecked(false);
+        child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Apply)->click();
+    });
+    QVERIFY(!stored());
+    inOptions([&](QWidget *dialog) {
+        QVERIFY(!checkBox(dialog)->isChecked());
+        checkBox(dialog)->setChecked(true); // and cancelled
+    });
+    QVERIFY(!stored());
+    inOptions([&](QWidget *dialog) {
+        QVERIFY(!checkBox(dialog)->isChecked());
+        checkBox(dialog)->setChecked(true);
+        child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Apply)->click();
+        const QString text = checkBox(dialog)->text().remove('&');
+        dialog->findChild<QLineEdit *>()->setText(text);
+        QTRY_COMPARE(dialog->findChild<QListView *>()->model()->rowCount(), 1);
+    });
+    QVERIFY(stored());
+}
+
+void IdeTest::failedToolIsAnIssue()
+{
+    setToolBehaviour("fail");
+    QSignalSpy tasks(&taskHub(), &TaskHub::taskAdded);
+    startDeploy();
+    waitForDeploy();
+    QStringList errors;
+    for (const QList<QVariant> &arguments : std::as_const(tasks)) {
+        const auto task = arguments.constFirst().value<Task>();
+        if (task.type == Task::Error)
+            errors << task.description();
+    }
+    QVERIFY2(!errors.isEmpty(), qPrintable(lastOutput()));
+}
+
+void IdeTest::deployAsksForPassPhrase()
+{
+    QWidget *widget = signStep()->doCreateConfigWidget();
+    child<QComboBox>(widget, "keysTypeComboBox")->setCurrentIndex(1);
+    enter(widget, "keyPathChooser", inWorkspace("keys/encrypted_key.pem"));
+    enter(widget, "certificatePathChooser", inWorkspace("keys/encrypted_cert.pem"));
+    delete widget;
+
+    int prompts = 0;
+    const Answers answers([&prompts](QWidget *window) {
+        const auto *edit = window->findChild<QLineEdit *>();
+        if (!edit || edit->echoMode() != QLineEdit::Password || !edit->text().isEmpty())
+            return;
+        ++prompts;
+        typeLine("demo");
+    });
+    startDeploy();
+    QVERIFY2(waitForDeploy(), qPrintable(lastOutput()));
+    QVERIFY(prompts > 0);
+    QCOMPARE(m_output.filter("successfully").size(), 1);
+}
+
+void IdeTest::stepIsRestored()
+{
+    QCOMPARE(stepIds(ProjectManager::startupTarget()),
+             (QStringList{"Kiln.Kb2RpmBuildStep", "Sealkit.RpmSignExternalStep"}));
+    const std::unique_ptr<QWidget> widget(signStep()->doCreateConfigWidget());
+    QCOMPARE(child<QComboBox>(widget.get(), "keysTypeComboBox")->currentIndex(), 1);
+    const auto *chooser = child<Utils::PathChooser>(widget.get(), "keyPathChooser");
+    QCOMPARE(chooser->lineEdit()->text(), inWorkspace("keys/encrypted_key.pem"));
+    QTest::qWait(1000); // a verdict may come late
+    QVERIFY2(chooser->isValid(), qPrintable(chooser->errorMessage()));
+}
+
+void IdeTest::textsAreGerman()
+{
+    QCOMPARE(action("Sealkit.SignDialog")->text().remove('&'), QString("Pakete signieren"));
+    inOptions([](QWidget *dialog) {
+        const auto *box = child<QCheckBox>(dialog, "enableSignStepCheckBox");
+        QVERIFY2(!box->text().contains("sign step"), qPrintable(box->text()));
+    });
+}
+
+static QPushButton *buttonOf(const QWidget *window, QMessageBox::ButtonRole role)
+{
+    if (const auto *box = qobject_cast<const QMessageBox *>(window)) {
+        const QList<QAbstractButton *> buttons = box->buttons();
+        for (QAbstractButton *button : buttons) {
+            if (box->buttonRole(button) == role)
+                return qobject_cast<QPushButton *>(button);
+        }
+    }
+    return nullptr;
+}
+
+// The IDE asks whether it shall stop what it is doing: yes. The plugin's own window offers to
+// cancel the tool: please.
+static void stopEverything(const QWidget *window)
+{
+    const QPushButton *button = buttonOf(window, QMessageBox::AcceptRole);
+    if (!button) {
+        const auto buttons = window->findChildren<QPushButton *>();
+        const auto isCancel = [](const QPushButton *candidate) {
+            return candidate->isVisible() && candidate->text().remove('&') == "Cancel";
+        };
+        const auto found = std::find_if(buttons.begin(), buttons.end(), isCancel);
+        button = found == buttons.end() ? nullptr : *found;
+    }
+    if (button)
+        clickOn(button);
+}
+
+static QStringList toolsLeft(const QString &sdk)
+{
+    return processesOf(sdk + "/engine/") + processesOf(sdk + "/bin/");
+}
+
+void IdeTest::deployIsCanceled()
+{
+    const Answers answers(stopEverything);
+    for (int round = 1; round <= ROUNDS; ++round) {
+        setToolBehaviour("wait");
+        const Once cancel([this] { return toolIsBusy(); }, [] { pressKeys("alt+BackSpace"); });
+        startDeploy();
+        QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && !BuildManager::isBuilding(),
+                                  qPrintable(QString("round %1").arg(round)),
+                                  RUN_TIMEOUT);
+        QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
+        QCOMPARE(m_output.filter("Package sign stopped by user").size(), 1);
+    }
+}
+
+void IdeTest::projectIsClosed()
+{
+    const Utils::FilePath file = ProjectManager::startupProject()->projectFilePath();
+    Core::ActionManager::command("ProjectExplorer.Unload")
+        ->setKeySequences({QKeySequence("Ctrl+Alt+Shift+U")});
+    const Answers answers(stopEverything);
+    for (int round = 1; round <= ROUNDS; ++round) {
+        setToolBehaviour("wait");
+        const Once close([this] { return toolIsBusy(); }, [] { pressKeys("ctrl+alt+shift+u"); });
+        startDeploy();
+        QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && ProjectManager::projects().isEmpty(),
+                                  qPrintable(QString("round %1").arg(round)),
+                                  RUN_TIMEOUT);
+        QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
+        QVERIFY(ProjectExplorerPlugin::openProject(file));
+    }
+}
+
+void IdeTest::ideIsClosed()
+{
+    bool isClosing = false;
+    connect(
+        Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [&] { isClosing = true; });
+    setToolBehaviour("wait");
+    const Answers answers(stopEverything);
+    const Once close([this] { return toolIsBusy(); }, [] { pressKeys("ctrl+q"); });
+    startDeploy();
+    QTRY_VERIFY_WITH_TIMEOUT(isClosing, RUN_TIMEOUT);
+}
