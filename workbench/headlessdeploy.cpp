@@ -93,6 +93,7 @@ int HeadlessDeploy::run()
     if (open()) {
         QTimer::singleShot(0, this, &HeadlessDeploy::deploy);
         exitCode = QCoreApplication::exec();
+        BuildManager::cancel();
         // The window's own list of projects and its SDK are not ours to change.
         m_session.closeProject(m_stepList->target()->project());
     }
@@ -151,10 +152,8 @@ void HeadlessDeploy::interrupt(int signalNumber)
     m_signalNumber = signalNumber;
     emit Core::ICore::instance()->coreAboutToClose();
     m_answerer.declineAll();
-    if (BuildManager::isBuilding())
-        BuildManager::cancel();
-    else
-        QCoreApplication::exit(FAILURE);
+    // What runs is cancelled when this loop has ended: a step may be at work below this function.
+    QCoreApplication::exit(FAILURE);
 }
 
 } // namespace Workbench

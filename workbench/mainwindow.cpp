@@ -38,6 +38,7 @@
 #include <QVBoxLayout>
 
 #include <cstdio>
+#include <utility>
 
 using namespace ProjectExplorer;
 
@@ -304,8 +305,6 @@ void MainWindow::endRun(bool success)
     else
         statusBar()->showMessage(tr("The deploy has finished."));
     m_refreshTimer->start();
-    if (m_isClosing)
-        QCoreApplication::exit();
 }
 
 void MainWindow::refresh()
@@ -321,26 +320,27 @@ void MainWindow::refresh()
 void MainWindow::closeAtOnce()
 {
     m_isSilent = true;
-    declineOpenDialogs();
+    prepareToClose();
     close();
 }
 
-void MainWindow::closeEvent(QCloseEvent *event)
+void MainWindow::prepareToClose()
 {
-    event->accept();
-    if (m_isClosing)
+    if (std::exchange(m_isClosing, true))
         return;
-    m_isClosing = true;
     QSettings().setValue(GEOMETRY_KEY, saveGeometry());
     // Before that, what is open is not yet what is to be remembered.
     if (m_hasOpened)
         m_session->save();
     emit Core::ICore::instance()->coreAboutToClose();
     declineOpenDialogs();
-    if (BuildManager::isBuilding())
-        BuildManager::cancel();
-    else
-        QCoreApplication::exit();
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    prepareToClose();
+    QCoreApplication::exit();
 }
 
 } // namespace Workbench

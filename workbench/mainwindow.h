@@ -23,7 +23,7 @@ class OutputPane;
 class ProjectTree;
 class Session;
 
-/// The desktop shell. Closing it ends the program, once a run that is going on has ended.
+/// The desktop shell. Closing it ends the program, and what runs with it.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -58,6 +58,7 @@ private:
     void startRun();
     void endRun(bool success);
     void refresh();
+    void prepareToClose();
 
     Session *m_session;
     ProjectTree *m_tree;

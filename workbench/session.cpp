@@ -2,6 +2,7 @@
 
 #include <brisk/sdk.h>
 #include <host/application.h>
+#include <host/buildmanager.h>
 #include <host/pluginspec.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
@@ -191,6 +192,7 @@ void Session::save()
 
 void Session::shutdown()
 {
+    BuildManager::cancel();
     const QList<Project *> open = ProjectManager::projects();
     for (Project *project : open)
         ProjectManager::removeProject(project);
