@@ -8,8 +8,18 @@
 
 namespace Sealkit::Internal {
 
+static QList<QPointer<QWindow>> openWindows()
+{
+    QList<QPointer<QWindow>> windows;
+    for (QWindow *window : QGuiApplication::topLevelWindows()) {
+        if (window->isVisible())
+            windows << window;
+    }
+    return windows;
+}
+
 HeldInput::HeldInput()
-    : m_modalWindowBefore(QGuiApplication::modalWindow())
+    : m_windowsBefore(openWindows())
 {
     qGuiApp->installEventFilter(this);
 }
@@ -23,7 +33,8 @@ HeldInput::~HeldInput()
 
 bool HeldInput::isModalWindowOpen() const
 {
-    return QGuiApplication::modalWindow() != m_modalWindowBefore;
+    QWindow *modalWindow = QGuiApplication::modalWindow();
+    return modalWindow && !m_windowsBefore.contains(modalWindow);
 }
 
 enum class Treatment { Deliver, Hold, Drop };
@@ -47,8 +58,11 @@ static Treatment treatmentOf(const QObject *receiver, const QEvent *event)
     case QEvent::Wheel:
     case QEvent::KeyPress:
     case QEvent::KeyRelease:
-    case QEvent::Close:
         return Treatment::Hold;
+    case QEvent::Close:
+        // A dialog that has been answered closes in this way, too.
+        return static_cast<const QWindow *>(receiver)->type() == Qt::Dialog ? Treatment::Deliver
+                                                                            : Treatment::Hold;
     case QEvent::TabletPress: // who does not take these gets them as those of a mouse
     case QEvent::TabletMove:
     case QEvent::TabletRelease:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 
@@ -11,10 +12,10 @@ class QWindow;
 
 namespace Sealkit::Internal {
 
-/// Keeps the user's keys, clicks and closing of windows from all windows of the IDE while it lives.
-/// Nothing of it is lost: afterwards everything reaches its window, in the order in which it came.
-/// A modal window that is opened meanwhile is usable; Qt then blocks the others, whose input is
-/// dropped as under any modal window.
+/// Keeps the user's keys and clicks from all windows of the IDE while it lives, and its main
+/// windows open. Nothing is lost: afterwards everything reaches its window, in the order in which
+/// it came. A modal window that is opened meanwhile is usable; Qt then blocks the others, whose
+/// input is dropped as under any modal window.
 class HeldInput : public QObject
 {
     Q_OBJECT
@@ -30,7 +31,7 @@ public:
     bool eventFilter(QObject *receiver, QEvent *event) override;
 
 private:
-    const QPointer<QWindow> m_modalWindowBefore;
+    const QList<QPointer<QWindow>> m_windowsBefore;
     std::vector<std::function<void()>> m_deliveries;
 };
 
