@@ -29,6 +29,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
 #include <QSettings>
 #include <QSplitter>
@@ -245,7 +246,18 @@ void MainWindow::openProjectByDialog()
 
 void MainWindow::closeProject()
 {
-    if (Project *project = m_page->project())
+    const QPointer<Project> project = m_page->project();
+    if (!project)
+        return;
+    if (BuildManager::isBuilding(project.data())
+        && QMessageBox::question(this,
+                                 tr("Close Project"),
+                                 tr("The deploy that runs is cancelled when the project is closed. "
+                                    "Close it?"))
+               != QMessageBox::Yes) {
+        return;
+    }
+    if (project)
         m_session->closeProject(project);
 }
 
@@ -291,7 +303,6 @@ void MainWindow::startRun()
     m_compileOutput->clear();
     m_tabs->setCurrentWidget(m_compileOutput);
     m_busy->show();
-    m_closeProjectAction->setEnabled(false);
     statusBar()->showMessage(tr("Deploying..."));
 }
 
@@ -311,7 +322,7 @@ void MainWindow::refresh()
 {
     m_tree->refresh(m_page->project());
     m_page->refresh();
-    m_closeProjectAction->setEnabled(m_page->project() && !BuildManager::isBuilding());
+    m_closeProjectAction->setEnabled(m_page->project());
     const Project *project = m_page->project();
     setWindowTitle(project ? tr("%1 - Sealkit Workbench").arg(project->displayName())
                            : tr("Sealkit Workbench"));

@@ -11,6 +11,7 @@
 namespace ProjectExplorer {
 
 class BuildStepList;
+class Project;
 class Target;
 
 /// Runs the enabled steps of one list at a time, one after the other, and collects what they print.
@@ -25,12 +26,14 @@ public:
     /// when a run is going on already.
     static bool buildList(BuildStepList *stepList);
     static bool isBuilding();
-    /// Whether the list that runs is the one with this step, of this configuration or target.
+    /// Whether the list that runs is the one with this step, of this configuration, target or
+    /// project.
     static bool isBuilding(const BuildStep *step);
     static bool isBuilding(const ProjectConfiguration *configuration);
     static bool isBuilding(const Target *target);
-    /// Asks the run to stop; buildQueueFinished() follows, at the latest when the step that runs
-    /// comes back.
+    static bool isBuilding(const Project *project);
+    /// Deletes what runs, at once, and emits buildQueueFinished(). Not to be called from a handler
+    /// of a step's recipe.
     static void cancel();
     /// What \a step does when its turn comes.
     static Tasking::GroupItem recipeOf(BuildStep *step);
@@ -38,8 +41,7 @@ public:
 signals:
     void buildQueueStarted();
     /// \a success is false after a failed or cancelled run. It is the recipes of the steps that
-    /// fail a run: a step that printed an error or reported an issue need not have failed. A run
-    /// whose steps are deleted ends at once.
+    /// fail a run: a step that printed an error or reported an issue need not have failed.
     void buildQueueFinished(bool success);
     /// Text of a step, with its line end.
     void outputAdded(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);

@@ -3,6 +3,9 @@
 #include "buildrun.h"
 #include <host/issues.h>
 #include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/project.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
 
 #include <utils/qtcassert.h>
 
@@ -25,6 +28,13 @@ void BuildManager::Private::finish(bool success)
 BuildManager::BuildManager()
     : d(std::make_unique<Private>())
 {
+    connect(ProjectManager::instance(),
+            &ProjectManager::aboutToRemoveProject,
+            this,
+            [](const Project *project) {
+                if (isBuilding(project))
+                    cancel();
+            });
 }
 
 BuildManager::~BuildManager() = default;
@@ -78,6 +88,12 @@ bool BuildManager::isBuilding(const Target *target)
 {
     const BuildStepList *list = runningList(instance()->d->run.get());
     return list && list->target() == target;
+}
+
+bool BuildManager::isBuilding(const Project *project)
+{
+    const BuildStepList *list = runningList(instance()->d->run.get());
+    return list && list->target()->project() == project;
 }
 
 void BuildManager::cancel()

@@ -18,14 +18,12 @@ BuildRun::BuildRun(BuildStepList *stepList)
     , m_projectName(stepList->target()->project()->displayName())
     , m_steps(stepList->steps())
 {
-    connect(stepList, &QObject::destroyed, this, &BuildRun::abandon);
     erase_if(m_steps, [](const BuildStep *step) { return !step->stepEnabled(); });
     for (const BuildStep *step : std::as_const(m_steps)) {
         connect(step, &BuildStep::addOutput, this, &BuildRun::addStepOutput);
         connect(step, &BuildStep::addTask, this, [](const Task &task) {
             Host::Issues::instance()->add(task);
         });
-        connect(step, &QObject::destroyed, this, &BuildRun::abandon);
     }
 }
 
@@ -46,25 +44,22 @@ void BuildRun::start()
     m_tree->start();
 }
 
-/// False when the run is over: a step refused, or it was ended meanwhile, and may be deleted then.
+/// False when the run is over: a step refused, or it was cancelled meanwhile, and may be deleted
+/// then.
 bool BuildRun::initSteps()
 {
     const QPointer<BuildRun> self(this);
     for (BuildStep *step : std::as_const(m_steps)) {
-        const bool ready = m_isCanceled || step->init();
+        const bool ready = step->init();
         if (!self || m_isOver)
             return false; // nothing is left to go on with
-        if (m_isCanceled)
-            break;
         if (!ready) {
             reportFailureOf(step);
             treeDone(Tasking::DoneWith::Error);
             return false;
         }
     }
-    if (m_isCanceled)
-        treeDone(Tasking::DoneWith::Cancel);
-    return !m_isOver;
+    return true;
 }
 
 Tasking::GroupItem BuildRun::recipeOf(BuildStep *step)
@@ -89,9 +84,7 @@ void BuildRun::stepDone(const BuildStep *step, Tasking::DoneWith with)
 
 void BuildRun::treeDone(Tasking::DoneWith with)
 {
-    if (with == Tasking::DoneWith::Cancel)
-        finish(false, Tr::tr("Canceled build/deployment."));
-    else if (with == Tasking::DoneWith::Error)
+    if (with == Tasking::DoneWith::Error)
         finish(false, Tr::tr("The steps for project %1 failed.").arg(m_projectName));
     else
         finish(true, Tr::tr("The steps for project %1 finished successfully.").arg(m_projectName));
@@ -108,25 +101,8 @@ void BuildRun::reportFailureOf(const BuildStep *step)
 
 void BuildRun::cancel()
 {
-    if (m_isOver || m_isCanceled)
-        return;
-    m_isCanceled = true;
-    if (!m_tree || m_tree->isInHandler()) {
-        addLine(Tr::tr("Canceling: the running step cannot be interrupted, waiting for it to "
-                       "end..."),
-                OutputFormat::NormalMessage);
-    }
-    if (m_tree)
-        m_tree->cancel();
-}
-
-/// Ends the run without a look at what is left of its steps.
-void BuildRun::abandon()
-{
-    m_stepList = nullptr;
-    m_steps.clear();
     m_tree.reset();
-    finish(false, Tr::tr("The steps were removed while they ran, the run is abandoned."));
+    finish(false, Tr::tr("Canceled build/deployment."));
 }
 
 void BuildRun::finish(bool success, const QString &lastLine)

@@ -10,8 +10,7 @@
 
 namespace ProjectExplorer {
 
-/// One run of a step list. Its steps may be deleted meanwhile, also while one of their functions is
-/// on the stack.
+/// One run of a step list, which must outlive it.
 class BuildRun : public QObject
 {
     Q_OBJECT
@@ -20,11 +19,11 @@ public:
     explicit BuildRun(BuildStepList *stepList);
     ~BuildRun() override;
 
-    /// Null when the list was deleted.
     BuildStepList *stepList() const { return m_stepList; }
 
     /// The run may be over when this returns.
     void start();
+    /// Deletes what runs, at once. So this must not be called from a handler of a step's recipe.
     void cancel();
 
 signals:
@@ -38,7 +37,6 @@ private:
     void stepDone(const BuildStep *step, Tasking::DoneWith with);
     void treeDone(Tasking::DoneWith with);
     void reportFailureOf(const BuildStep *step);
-    void abandon();
     void finish(bool success, const QString &lastLine);
     void addStepOutput(const QString &text,
                        BuildStep::OutputFormat format,
@@ -46,11 +44,10 @@ private:
     void addLine(const QString &line, BuildStep::OutputFormat format);
     void addOutput(const QString &text, BuildStep::OutputFormat format);
 
-    BuildStepList *m_stepList;
+    BuildStepList *const m_stepList;
     const QString m_projectName;
     QList<BuildStep *> m_steps;
     std::unique_ptr<Tasking::TaskTree> m_tree;
-    bool m_isCanceled = false;
     bool m_isOver = false;
 };
 

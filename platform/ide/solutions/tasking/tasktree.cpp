@@ -48,8 +48,8 @@ Frame::Frame(const GroupItem &group)
     }
 }
 
-// A handler may destroy the tree that calls it. What is left on the stack then is this object,
-// which lives until it has returned, and which touches nothing after it found its tree gone.
+// A task may destroy the tree that starts it. What is left on the stack then is this object, which
+// lives until it has returned, and which touches nothing after it found its tree gone.
 class TaskTree::Private : public std::enable_shared_from_this<Private>
 {
 public:
@@ -130,7 +130,7 @@ void TaskTree::Private::enterGroup(const GroupItem &group)
         const QScopedValueRollback guard(inHandler, true);
         return frame.setupHandler();
     }();
-    if (!tree || setupResult == SetupResult::Continue)
+    if (setupResult == SetupResult::Continue)
         return;
     frame.pending.clear();
     frame.result = toDoneResult(setupResult == SetupResult::StopWithSuccess);
@@ -146,8 +146,6 @@ void TaskTree::Private::leaveGroup()
         const QScopedValueRollback guard(inHandler, true);
         groupResult = frame.doneHandler(canceled ? DoneWith::Cancel : with);
     }
-    if (!tree)
-        return;
     frames.pop_back();
     endItem(groupResult);
 }
@@ -188,6 +186,9 @@ TaskTree::TaskTree(const Group &recipe)
 
 TaskTree::~TaskTree()
 {
+    // Where the IDE goes on it crashes later, and nobody can tell why.
+    if (d->inHandler)
+        qFatal("A task tree was deleted from within one of its handlers");
     d->tree = nullptr;
 }
 
@@ -212,11 +213,6 @@ void TaskTree::cancel()
 bool TaskTree::isRunning() const
 {
     return d->running;
-}
-
-bool TaskTree::isInHandler() const
-{
-    return d->inHandler;
 }
 
 } // namespace Tasking

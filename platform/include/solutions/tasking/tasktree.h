@@ -164,7 +164,8 @@ class TaskTree : public QObject
 
 public:
     explicit TaskTree(const Group &recipe);
-    /// Calls no handler any more.
+    /// Calls no handler any more. To delete a tree from within one of its handlers is a programming
+    /// error that ends the program.
     ~TaskTree() override;
 
     /// Handlers run from here; done() may be emitted before this returns.
@@ -172,8 +173,6 @@ public:
     /// While a handler runs, the tree stops as soon as that handler has returned.
     void cancel();
     bool isRunning() const;
-    /// Stand-in's own: whether a handler is on the stack, which cancel() has to wait for.
-    bool isInHandler() const;
 
 signals:
     void started();
