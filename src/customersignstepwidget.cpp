@@ -43,7 +43,7 @@ void CustomerSignStepWidget::initPathChooser(PathChooser *chooser,
 {
     chooser->setExpectedKind(PathChooser::File);
     chooser->setPromptDialogTitle(title);
-    chooser->setValidationFunction([this, allowEmpty](FancyLineEdit *edit, QString *error) -> bool {
+    setValidation(chooser, [this, allowEmpty](FancyLineEdit *edit, QString *error) -> bool {
         return (allowEmpty && edit->text().isEmpty()) || verifyPath(edit->text(), error);
     });
 }

@@ -42,7 +42,7 @@ void RpmsignExternalWidget::initPathChooser(PathChooser *chooser, const QString 
 {
     chooser->setExpectedKind(PathChooser::File);
     chooser->setPromptDialogTitle(title);
-    chooser->setValidationFunction([this](FancyLineEdit *edit, QString *error) -> bool {
+    setValidation(chooser, [this](FancyLineEdit *edit, QString *error) -> bool {
         return verifyPath(edit->text(), error);
     });
 }

@@ -94,7 +94,7 @@ static void initPathChooser(PathChooser *chooser,
     chooser->setPromptDialogTitle(title);
     // Histories are stored under the key in the user's language.
     chooser->setHistoryCompleter(Utils::keyFromString(SignDialog::tr(historyKey)));
-    chooser->setValidationFunction(validator);
+    setValidation(chooser, validator);
     chooser->lineEdit()->setPlaceholderText(placeholderText);
     chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
     chooser->buttonAtIndex(0)->setText({});

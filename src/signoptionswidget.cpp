@@ -85,7 +85,7 @@ void SignOptionsWidget::initPathChooser(PathChooser *chooser,
         Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE));
     chooser->setHistoryCompleter(historyKey);
     // The chooser's path is what will be stored; the text can have a "~" in it.
-    chooser->setValidationFunction([this, chooser](FancyLineEdit *, QString *error) -> bool {
+    setValidation(chooser, [this, chooser](FancyLineEdit *, QString *error) -> bool {
         return verifyPath(chooser->filePath().toFSPathString(), error);
     });
     chooser->lineEdit()->setPlaceholderText(

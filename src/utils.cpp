@@ -3,12 +3,21 @@
 #include "constants.h"
 
 #include <brisk/sdk.h>
+#include <utils/pathchooser.h>
 
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
 
 namespace Sealkit::Internal {
+
+void setValidation(Utils::PathChooser *chooser,
+                   const Utils::FancyLineEdit::ValidationFunction &function)
+{
+    chooser->setValidationFunction(function);
+    QMetaObject::invokeMethod(
+        chooser->lineEdit(), &Utils::FancyLineEdit::validate, Qt::QueuedConnection);
+}
 
 QString getDefaultKeysDir(const Utils::FilePath &workspace)
 {

@@ -1,10 +1,20 @@
 #pragma once
 
+#include <utils/fancylineedit.h>
 #include <utils/filepath.h>
 
 #include <QStringList>
 
+namespace Utils {
+class PathChooser;
+}
+
 namespace Sealkit::Internal {
+
+/// Lets \a function alone judge the path. A new chooser is about to tell what it makes of its empty
+/// text, and that would stay until the next change.
+void setValidation(Utils::PathChooser *chooser,
+                   const Utils::FancyLineEdit::ValidationFunction &function);
 
 /// The folder of the regular keys: the one in the workspace if it is there, else the SDK
 /// installation's.

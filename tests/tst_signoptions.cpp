@@ -314,6 +314,9 @@ void SignOptionsTest::pathsOutsideTheWorkspaceAreRefused()
 void SignOptionsTest::validityFollowsTheWorkspace()
 {
     SignOptionsPage page;
+    page.widget();
+    QCoreApplication::processEvents(); // what the choosers first made of no text comes in
+    QVERIFY(OpenPage(page).chooser("key")->isValid());
     perform("key custom; key type ws/a.pem; key regular; key custom; move moved", page);
     QVERIFY(!OpenPage(page).chooser("key")->isValid());
     QVERIFY(OpenPage(page).chooser("certificate")->isValid());

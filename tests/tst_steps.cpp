@@ -318,9 +318,12 @@ void StepsTest::rpmsignWidgetConfiguresTheStep()
 void StepsTest::rpmsignWidgetMarksPathsOutside()
 {
     auto *step = addStep<RpmsignExternalStep>(RPMSIGN_TARGET);
-    step->fromMap({{"Sealkit.UseDefaultValues", false}});
+    step->fromMap({{"Sealkit.UseDefaultValues", false},
+                   {"Sealkit.Key", m_workplace.sdk().workspace() + "/k.pem"}});
     const std::unique_ptr<QWidget> widget(step->doCreateConfigWidget());
     auto *chooser = widget->findChild<PathChooser *>("keyPathChooser");
+    QCoreApplication::processEvents(); // what the chooser first made of no text comes in
+    QVERIFY(chooser->isValid());
 
     for (const char *path : {"", "/elsewhere/k.pem"}) {
         chooser->lineEdit()->setText(path);
@@ -449,6 +452,7 @@ void StepsTest::customerWidgetJudgesPaths()
 {
     auto *step = addStep<CustomerSignStep>(CUSTOMER_TARGET);
     const std::unique_ptr<QWidget> widget(step->doCreateConfigWidget());
+    QCoreApplication::processEvents(); // what the choosers first made of no text comes in
     for (const char *name : {"binariesKey", "packagesKey", "packagesCert", "packagesClientCert"}) {
         auto *chooser = widget->findChild<PathChooser *>(QLatin1String(name) + "PathChooser");
         QVERIFY(chooser->isValid());

@@ -10,14 +10,20 @@ namespace Utils {
 
 constexpr int MAX_HISTORY_ENTRIES = 10;
 
+static bool acceptsInput(const FancyLineEdit *edit, QString *)
+{
+    return edit->hasAcceptableInput();
+}
+
 class FancyLineEdit::Private
 {
 public:
-    SynchronousValidationFunction validation;
-    bool valid = true;
+    SynchronousValidationFunction validation = acceptsInput;
+    LateValidationFunction lateValidation; // in force where it is set
+    std::unique_ptr<QObject> lateVerdict;
+    State state = Invalid;
     QString errorMessage;
-    QString shownReason;
-    QString ownToolTip;
+    bool hasShownReason = false;
     Key historyKey;
     QStringListModel *history = nullptr;
 };
@@ -48,14 +54,12 @@ FancyLineEdit::~FancyLineEdit() = default;
 
 FancyLineEdit::State FancyLineEdit::state() const
 {
-    if (!d->valid)
-        return Invalid;
-    return text().isEmpty() && !placeholderText().isEmpty() ? DisplayingPlaceholderText : Valid;
+    return d->state;
 }
 
 bool FancyLineEdit::isValid() const
 {
-    return d->valid;
+    return d->state == Valid;
 }
 
 QString FancyLineEdit::errorMessage() const
@@ -66,35 +70,53 @@ QString FancyLineEdit::errorMessage() const
 void FancyLineEdit::setValidationFunction(const ValidationFunction &function)
 {
     d->validation = std::get<SynchronousValidationFunction>(function);
+    d->lateValidation = {};
+    validate();
+}
+
+void FancyLineEdit::setLateValidationFunction(const LateValidationFunction &function)
+{
+    d->lateValidation = function;
     validate();
 }
 
 void FancyLineEdit::validate()
 {
+    if (d->lateValidation) {
+        validateLater();
+        return;
+    }
     QString reason;
-    const bool valid = d->validation ? d->validation(this, &reason) : hasAcceptableInput();
-    const bool changed = valid != d->valid;
-    d->valid = valid;
-    d->errorMessage = valid ? QString() : reason;
-    showValidity();
-    if (changed)
-        emit validChanged(valid);
+    const bool isAccepted = d->validation(this, &reason);
+    showVerdict(text(), isAccepted, isAccepted ? QString() : reason);
 }
 
-void FancyLineEdit::showValidity()
+void FancyLineEdit::validateLater()
 {
-    if (toolTip() != d->shownReason)
-        d->ownToolTip = toolTip(); // somebody has set another one since
-    d->shownReason = d->errorMessage.isEmpty() ? d->ownToolTip : d->errorMessage;
-    setToolTip(d->shownReason);
+    const QString judged = text();
+    const QString reason = d->lateValidation(judged);
+    const auto tell = [this, judged, reason] { showVerdict(judged, reason.isEmpty(), reason); };
+    d->lateVerdict = std::make_unique<QObject>(); // the one before it, if any, is not told any more
+    QMetaObject::invokeMethod(d->lateVerdict.get(), tell, Qt::QueuedConnection);
+}
+
+void FancyLineEdit::showVerdict(const QString &judgedText, bool isAccepted, const QString &reason)
+{
+    const bool wasValid = isValid();
+    const bool showsPlaceholder = judgedText.isEmpty() && !placeholderText().isEmpty();
+    d->state = showsPlaceholder ? DisplayingPlaceholderText : isAccepted ? Valid : Invalid;
+    d->errorMessage = reason;
+    d->hasShownReason |= !isAccepted;
+    if (d->hasShownReason)
+        setToolTip(reason);
 
     QPalette colors;
-    if (!d->valid) {
-        const QColor errorColor = creatorTheme()->color(Theme::TextColorError);
-        colors.setColor(QPalette::Active, QPalette::Text, errorColor);
-        colors.setColor(QPalette::Inactive, QPalette::Text, errorColor);
-    }
+    if (d->state == Invalid)
+        colors.setColor(
+            QPalette::Active, QPalette::Text, creatorTheme()->color(Theme::TextColorError));
     setPalette(colors);
+    if (isValid() != wasValid)
+        emit validChanged(isValid());
 }
 
 void FancyLineEdit::setHistoryCompleter(const Key &historyKey, bool restoreLastItemFromHistory)
@@ -113,7 +135,7 @@ void FancyLineEdit::setHistoryCompleter(const Key &historyKey, bool restoreLastI
 
 void FancyLineEdit::updateHistory()
 {
-    if (!d->history || !d->valid || text().isEmpty())
+    if (!d->history || !isValid() || text().isEmpty())
         return;
     rememberInHistory(d->historyKey, text());
     d->history->setStringList(storedHistory(d->historyKey));

@@ -68,12 +68,12 @@ PathChooser::PathChooser(QWidget *parent)
 
     connect(d->lineEdit, &FancyLineEdit::validChanged, this, &PathChooser::validChanged);
     connect(d->lineEdit, &QLineEdit::editingFinished, this, &PathChooser::editingFinished);
-    connect(d->lineEdit, &QLineEdit::textChanged, this, &PathChooser::announceChange);
+    connect(d->lineEdit, &QLineEdit::textChanged, this, &PathChooser::rawPathChanged);
+    connect(d->lineEdit, &QLineEdit::textChanged, this, &PathChooser::textChanged);
     connect(d->button, &QAbstractButton::clicked, this, &PathChooser::browse);
 
-    setValidationFunction([this](FancyLineEdit *edit, QString *errorMessage) {
-        *errorMessage = whatIsWrong(FilePath::fromUserInput(edit->text()), d->kind);
-        return errorMessage->isEmpty();
+    d->lineEdit->setLateValidationFunction([this](const QString &text) {
+        return whatIsWrong(FilePath::fromUserInput(text), d->kind);
     });
 }
 
@@ -85,6 +85,8 @@ PathChooser::~PathChooser()
 
 void PathChooser::setExpectedKind(Kind kind)
 {
+    if (d->kind == kind)
+        return;
     d->kind = kind;
     d->lineEdit->validate();
 }
@@ -97,6 +99,7 @@ void PathChooser::setPromptDialogTitle(const QString &title)
 void PathChooser::setPromptDialogFilter(const QString &filter)
 {
     d->filter = filter;
+    d->lineEdit->validate();
 }
 
 QString PathChooser::promptDialogFilter() const
@@ -112,6 +115,11 @@ void PathChooser::setInitialBrowsePathBackup(const FilePath &path)
 void PathChooser::setHistoryCompleter(const Key &historyKey, bool restoreLastItemFromHistory)
 {
     d->lineEdit->setHistoryCompleter(historyKey, restoreLastItemFromHistory);
+}
+
+void PathChooser::setToolTip(const QString &toolTip)
+{
+    d->lineEdit->setToolTip(toolTip);
 }
 
 void PathChooser::setValidationFunction(const FancyLineEdit::ValidationFunction &function)
@@ -147,18 +155,11 @@ QAbstractButton *PathChooser::buttonAtIndex(int index) const
 void PathChooser::triggerChanged()
 {
     d->lineEdit->validate();
-    announceChange();
 }
 
 void PathChooser::setFilePath(const FilePath &path)
 {
     d->lineEdit->setText(path.toUserOutput());
-}
-
-void PathChooser::announceChange()
-{
-    emit rawPathChanged();
-    emit textChanged(d->lineEdit->text());
 }
 
 /// Where browsing starts: a present file or folder is preselected.

@@ -10,8 +10,8 @@
 
 namespace Utils {
 
-/// A line edit that judges its text: what is invalid is written in the error colour, and while it
-/// is invalid the reason takes the place of the tool tip.
+/// A line edit that judges its text: what is invalid is written in the error colour, and the reason
+/// takes the place of the tool tip, which is gone from then on.
 class FancyLineEdit : public QLineEdit
 {
     Q_OBJECT
@@ -27,9 +27,11 @@ public:
     ~FancyLineEdit() override;
 
     State state() const;
+    /// Not where the placeholder text shows, whatever the function says.
     bool isValid() const;
     QString errorMessage() const;
 
+    /// Judges the present text. A verdict that is still on its way comes nonetheless.
     void setValidationFunction(const ValidationFunction &function);
     /// Judges the present text again.
     void validate();
@@ -42,7 +44,14 @@ signals:
     void validChanged(bool valid);
 
 private:
-    void showValidity();
+    friend class PathChooser;
+    /// What is wrong with a text; empty when nothing is.
+    using LateValidationFunction = std::function<QString(const QString &text)>;
+
+    /// From now on verdicts come when the event loop turns.
+    void setLateValidationFunction(const LateValidationFunction &function);
+    void validateLater();
+    void showVerdict(const QString &judgedText, bool isAccepted, const QString &reason);
     void updateHistory();
 
     class Private;

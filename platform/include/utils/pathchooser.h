@@ -9,7 +9,9 @@ class QAbstractButton;
 
 namespace Utils {
 
-/// A line edit for a path with a button that browses for it.
+/// A line edit for a path with a button that browses for it. By default, whether there is such a
+/// path is found out aside: a first verdict, on the empty text, is on its way when the chooser has
+/// been made, and comes also where another function judges by then.
 class PathChooser : public QWidget
 {
     Q_OBJECT
@@ -27,6 +29,7 @@ public:
     /// Where browsing starts when the line edit names no folder.
     void setInitialBrowsePathBackup(const FilePath &path);
     void setHistoryCompleter(const Key &historyKey, bool restoreLastItemFromHistory = false);
+    void setToolTip(const QString &toolTip);
     void setValidationFunction(const FancyLineEdit::ValidationFunction &function);
 
     /// The text as a path, with "~" expanded.
@@ -36,7 +39,7 @@ public:
     FancyLineEdit *lineEdit() const;
     QAbstractButton *buttonAtIndex(int index) const;
 
-    /// Judges the text again and announces it as if it had changed.
+    /// Judges the text again.
     void triggerChanged();
 
 public slots:
@@ -49,7 +52,6 @@ signals:
     void editingFinished();
 
 private:
-    void announceChange();
     FilePath browseStart() const;
     QString askForPath();
     void browse();
