@@ -41,7 +41,7 @@
 
 using namespace ProjectExplorer;
 
-constexpr int RUN_TIMEOUT = 60'000;
+constexpr int RUN_TIMEOUT = 20'000;
 constexpr int ROUNDS = 20;
 
 static QAction *action(const Utils::Id &id)
@@ -392,10 +392,11 @@ void IdeTest::deployIsCanceled()
         const Once cancel([this] { return toolIsBusy(); }, [] { pressKeys("alt+BackSpace"); });
         startDeploy();
         QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && !BuildManager::isBuilding(),
-                                  qPrintable(QString("round %1").arg(round)),
+                                  qPrintable(QString("round %1: ").arg(round) + lastOutput()),
                                   RUN_TIMEOUT);
         QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
         QCOMPARE(m_output.filter("Package sign stopped by user").size(), 1);
+        QTest::qWait(500); // keys that were held back must not meet the next deploy
     }
 }
 
@@ -410,9 +411,10 @@ void IdeTest::projectIsClosed()
         const Once close([this] { return toolIsBusy(); }, [] { pressKeys("ctrl+alt+shift+u"); });
         startDeploy();
         QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && ProjectManager::projects().isEmpty(),
-                                  qPrintable(QString("round %1").arg(round)),
+                                  qPrintable(QString("round %1: ").arg(round) + lastOutput()),
                                   RUN_TIMEOUT);
         QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
+        QTest::qWait(500); // keys that were held back must not meet the next project
         QVERIFY(ProjectExplorerPlugin::openProject(file));
     }
 }
