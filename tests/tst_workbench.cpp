@@ -17,6 +17,8 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
+#include <utils/utilsicons.h>
+#include <veyraos/kilnconstants.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -151,6 +153,7 @@ private slots:
     void deployLeavesTheWindowsMemoryAlone();
 
     void firstErrorBringsIssuesForward();
+    void iconsAreDrawnByMasks();
     void windowConfiguresSteps();
     void closingWhileItOpensForgetsNothing();
     void quitEndsTheRun();
@@ -458,6 +461,25 @@ void WorkbenchTest::firstErrorBringsIssuesForward()
     issues->clear();
     QCOMPARE(pane->count(), 0);
     QCOMPARE(tabs->tabText(tabs->indexOf(pane)), "&Issues");
+}
+
+void WorkbenchTest::iconsAreDrawnByMasks()
+{
+    Session session;
+    session.loadPlugins(); // one of them brings the icon of the options' category
+    const Utils::FilePath category(Kiln::Constants::KILN_OPTIONS_CATEGORY_ICON);
+    for (const Utils::Icon &icon : {Utils::Icons::OK,
+                                    Utils::Icons::BROKEN,
+                                    Utils::Icons::NEWFILE,
+                                    Utils::Icon({{category, Utils::Theme::IconsErrorColor}})}) {
+        const QImage image = icon.pixmap().toImage();
+        QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
+        int painted = 0;
+        for (int i = 0; i < image.width() * image.height(); ++i)
+            painted += image.pixelColor(i % image.width(), i / image.width()).alpha() > 200;
+        QVERIFY2(painted > 10, qPrintable(icon.imageFilePath().toUserOutput()));
+    }
+    session.shutdown();
 }
 
 static QStringList stepNames(const QWidget &window)

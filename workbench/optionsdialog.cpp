@@ -1,10 +1,10 @@
 #include "optionsdialog.h"
 
 #include <coreplugin/dialogs/ioptionspage.h>
+#include <utils/icon.h>
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -86,9 +86,8 @@ void OptionsDialog::fillCategories()
         if (known.contains(page->category()))
             continue;
         known << page->category();
-        auto *item = new QListWidgetItem(QIcon(page->categoryIconPath().toFSPathString()),
-                                         page->displayCategory(),
-                                         m_categories);
+        const Utils::Icon icon({{page->categoryIconPath(), Utils::Theme::IconsBaseColor}});
+        auto *item = new QListWidgetItem(icon.icon(), page->displayCategory(), m_categories);
         item->setData(CATEGORY_ROLE, page->category().toSetting());
     }
     if (known.isEmpty())

@@ -1,5 +1,6 @@
 #include <utils/icon.h>
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QPainter>
@@ -7,30 +8,46 @@
 
 namespace Utils {
 
-constexpr int SMALL_ICON_SIZE = 16;
-
-static QImage tintedMask(const IconMaskAndColor &mask, const QColor &color, int pixels)
+static QSize sizeOf(const FilePath &image)
 {
-    QImageReader reader(mask.first.toFSPathString());
-    reader.setScaledSize({pixels, pixels}); // vector masks are drawn at this very size
-    QImage image = reader.read().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
-        return image;
+    return QImageReader(image.toFSPathString()).size();
+}
 
-    QPainter painter(&image);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(image.rect(), color);
+/// The file beside \a image that was drawn for this scale, or \a image itself.
+static QString fileAt(int scale, const FilePath &image)
+{
+    const QFileInfo info = image.toFileInfo();
+    const QString scaled = QStringLiteral("%1/%2@%3x.%4")
+                               .arg(info.path(), info.baseName())
+                               .arg(scale)
+                               .arg(info.suffix());
+    return QFile::exists(scaled) ? scaled : image.toFSPathString();
+}
+
+/// What is dark in the mask is painted, what is white is not; its own transparency means nothing.
+static QImage tintedMask(const QString &file, const QColor &color, const QSize &size)
+{
+    QImageReader reader(file);
+    reader.setScaledSize(size); // vector masks are drawn at this very size
+    QImage image = reader.read().convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < image.width(); ++x)
+            line[x] = qRgba(color.red(), color.green(), color.blue(), 255 - qBlue(line[x]));
+    }
     return image;
 }
 
-static QPixmap paintedMasks(const QList<IconMaskAndColor> &masks, QIcon::Mode mode, int pixels)
+static QPixmap paintedMasks(const QList<IconMaskAndColor> &masks, QIcon::Mode mode, int scale)
 {
-    QImage result(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    const QSize size = sizeOf(masks.first().first) * scale;
+    QImage result(size, QImage::Format_ARGB32_Premultiplied);
     result.fill(Qt::transparent);
     QPainter painter(&result);
     for (const IconMaskAndColor &mask : masks) {
         const Theme::Color role = mode == QIcon::Disabled ? Theme::IconsDisabledColor : mask.second;
-        painter.drawImage(0, 0, tintedMask(mask, creatorTheme()->color(role), pixels));
+        const QColor color = creatorTheme()->color(role);
+        painter.drawImage(0, 0, tintedMask(fileAt(scale, mask.first), color, size));
     }
     painter.end();
     return QPixmap::fromImage(result);
@@ -64,7 +81,7 @@ QIcon Icon::paintedIcon() const
     QIcon result;
     for (const QIcon::Mode mode : {QIcon::Normal, QIcon::Disabled}) {
         for (const int scale : {1, 2, 3}) {
-            QPixmap pixmap = paintedMasks(m_masks, mode, SMALL_ICON_SIZE * scale);
+            QPixmap pixmap = paintedMasks(m_masks, mode, scale);
             pixmap.setDevicePixelRatio(scale);
             result.addPixmap(pixmap, mode);
         }
@@ -74,8 +91,7 @@ QIcon Icon::paintedIcon() const
 
 QPixmap Icon::pixmap(QIcon::Mode iconMode) const
 {
-    return icon().pixmap(
-        QSize(SMALL_ICON_SIZE, SMALL_ICON_SIZE), qGuiApp->devicePixelRatio(), iconMode);
+    return icon().pixmap(sizeOf(imageFilePath()), qGuiApp->devicePixelRatio(), iconMode);
 }
 
 FilePath Icon::imageFilePath() const

@@ -10,7 +10,7 @@ namespace Utils {
 
 using IconMaskAndColor = QPair<FilePath, Theme::Color>;
 
-/// An icon made of one image, or of masks that take the theme's colours.
+/// An icon made of one image, or of masks, black on white, that take the theme's colours.
 class Icon
 {
 public:
@@ -19,7 +19,7 @@ public:
     Icon(const FilePath &imageFileName);
 
     QIcon icon() const;
-    /// The picture at the size of a small icon.
+    /// The picture at the size of the first image.
     QPixmap pixmap(QIcon::Mode iconMode = QIcon::Normal) const;
     /// The first image's path.
     FilePath imageFilePath() const;
