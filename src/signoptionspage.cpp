@@ -48,8 +48,8 @@ void SignOptionsPage::finish()
 
 bool SignOptionsPage::matches(const QRegularExpression &regexp) const
 {
-    // A search covers pages that nobody has opened, and leaves them unopened: the dialog finishes
-    // only those that it has shown.
+    // A search asks all pages, and most are not opened then. A widget that is made for the search
+    // alone need not be finished.
     if (m_searchKeywords.isEmpty())
         m_searchKeywords = SignOptionsWidget().searchKeywords();
     return m_searchKeywords.contains(regexp);

@@ -7,10 +7,12 @@
 
 #include <commandline.h>
 #include <mainwindow.h>
+#include <optionsdialog.h>
 #include <outputpane.h>
 #include <promptanswerer.h>
 #include <session.h>
 
+#include <coreplugin/dialogs/ioptionspage.h>
 #include <host/buildmanager.h>
 #include <host/issues.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -154,6 +156,7 @@ private slots:
 
     void firstErrorBringsIssuesForward();
     void iconsAreDrawnByMasks();
+    void optionsAreAppliedOnlyWhereTheyWereShown();
     void windowConfiguresSteps();
     void closingWhileItOpensForgetsNothing();
     void quitEndsTheRun();
@@ -480,6 +483,45 @@ void WorkbenchTest::iconsAreDrawnByMasks()
         QVERIFY2(painted > 10, qPrintable(icon.imageFilePath().toUserOutput()));
     }
     session.shutdown();
+}
+
+namespace {
+
+class RecordingPage : public Core::IOptionsPage
+{
+public:
+    RecordingPage(const char *id, QStringList *trace)
+        : m_trace(trace)
+    {
+        setId(id);
+        setCategory(id);
+        registerCategory(id, id, ":/utils/images/ok.svg");
+    }
+    QWidget *widget() override { return new QWidget; }
+    void apply() override { record("applied"); }
+    void cancel() override { record("canceled"); }
+    void finish() override { record("finished"); }
+    bool matches(const QRegularExpression &) const override { return false; }
+
+private:
+    void record(const QString &what) { m_trace->append(id().toString() + ' ' + what); }
+
+    QStringList *m_trace;
+};
+
+} // namespace
+
+void WorkbenchTest::optionsAreAppliedOnlyWhereTheyWereShown()
+{
+    QStringList trace;
+    const RecordingPage shown("shown", &trace);
+    const RecordingPage other("other", &trace);
+    OptionsDialog().accept();
+    QCOMPARE(trace, (QStringList{"shown applied", "shown finished", "other finished"}));
+    trace.clear();
+    OptionsDialog().reject();
+    QCOMPARE(trace,
+             (QStringList{"shown canceled", "shown finished", "other canceled", "other finished"}));
 }
 
 static QStringList stepNames(const QWidget &window)

@@ -155,11 +155,15 @@ void OptionsDialog::apply()
 
 void OptionsDialog::done(int result)
 {
+    if (std::exchange(m_isDone, true))
+        return;
     if (result == Accepted)
         apply();
-    for (IOptionsPage *page : std::as_const(m_visited))
+    for (IOptionsPage *page : IOptionsPage::allOptionsPages()) {
+        if (result == Rejected)
+            page->cancel();
         page->finish();
-    m_visited.clear();
+    }
     QDialog::done(result);
 }
 

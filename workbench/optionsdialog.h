@@ -18,7 +18,7 @@ class IOptionsPage;
 namespace Workbench {
 
 /// The pages of all plugins by category. A page's content is made when its category is first
-/// chosen; only such pages are applied and finished.
+/// chosen; only such pages are applied, but all are canceled and finished.
 class OptionsDialog : public QDialog
 {
     Q_OBJECT
@@ -45,6 +45,7 @@ private:
     QStackedWidget *m_stack;
     QHash<Utils::Id, QWidget *> m_categoryWidgets;
     QList<Core::IOptionsPage *> m_visited;
+    bool m_isDone = false;
 };
 
 } // namespace Workbench

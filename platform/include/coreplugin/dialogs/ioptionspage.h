@@ -34,9 +34,11 @@ public:
 
     /// The page's content, made when first asked for.
     virtual QWidget *widget() = 0;
-    /// Takes over what the user chose.
+    /// Takes over what the user chose. For pages that were shown.
     virtual void apply() = 0;
-    /// The dialog is gone: the content can go, too.
+    /// The dialog was canceled. For all pages, before finish().
+    virtual void cancel() {}
+    /// The dialog is about to close: the content can go, too. For all pages.
     virtual void finish() = 0;
     /// Whether a search for \a regexp finds this page.
     virtual bool matches(const QRegularExpression &regexp) const = 0;
