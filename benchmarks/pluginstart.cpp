@@ -3,7 +3,7 @@
 #include "comparison.h"
 #include "settingsscope.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <extensionsystem/iplugin.h>
 #include <veyraos/veyraosplugin.h>
 
@@ -18,7 +18,7 @@ using namespace Benchmarks;
 static void openSdk(const QString &path)
 {
     QString error;
-    const bool isOpen = Brisk::Sdk::open(Utils::FilePath::fromString(path), &error);
+    const bool isOpen = Brisk::openInstallation(Utils::FilePath::fromString(path), &error);
     require(isOpen, error.toStdString());
 }
 

@@ -8,6 +8,7 @@
 #include "temporarysdk.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 
 #include <QDir>
@@ -51,7 +52,8 @@ private:
 void BackEndsTest::initTestCase()
 {
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
 }
 
 void BackEndsTest::init()

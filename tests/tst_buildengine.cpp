@@ -5,7 +5,7 @@
 #include "targettoolsinfo.h"
 #include "temporarysdk.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 
 #include <QDir>
 #include <QSignalSpy>
@@ -38,7 +38,7 @@ void BuildEngineTest::init()
 {
     failOnStrayWarnings();
     QString error;
-    QVERIFY2(Brisk::Sdk::open(Utils::FilePath::fromString(m_sdk.path()), &error),
+    QVERIFY2(Brisk::openInstallation(Utils::FilePath::fromString(m_sdk.path()), &error),
              qPrintable(error));
     m_brisk.endWith({});
     m_brisk.takeCalls();
@@ -125,7 +125,7 @@ void BuildEngineTest::keepsTheTargetsWhenTheEngineDoesNotStart()
 
 void BuildEngineTest::offersNothingWithoutAnEngine()
 {
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
     BuildEngineInfo info(nullptr);
     QSignalSpy changed(&info, &BuildEngineInfo::targetsChanged);
     info.update();

@@ -10,6 +10,7 @@
 #include "straywarnings.h"
 #include "workplace.h"
 
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 #include <coreplugin/actionmanager/actionmanager.h>
 #include <coreplugin/actionmanager/command.h>
@@ -114,7 +115,7 @@ void InterruptionsTest::init()
 {
     failOnStrayWarnings();
     QString error;
-    QVERIFY(Brisk::Sdk::open(FilePath::fromString(m_workplace.sdk().path()), &error));
+    QVERIFY(Brisk::openInstallation(FilePath::fromString(m_workplace.sdk().path()), &error));
     m_ide = std::make_unique<QMainWindow>();
     m_button = new QPushButton;
     m_ide->setCentralWidget(m_button);
@@ -247,7 +248,7 @@ void InterruptionsTest::actOnDeploy(const QString &action, BuildStepList *steps)
         KilnSdkKitAspectFactory::setBuildTarget(
             target->kit(), Brisk::Sdk::buildEngines().first(), BARE_TARGET);
     } else if (action == "close the SDK") {
-        Brisk::Sdk::close();
+        Brisk::closeInstallation();
     } else if (action == "cancel") {
         click([] { BuildManager::cancel(); });
     } else if (action == "quit") {

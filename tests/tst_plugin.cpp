@@ -4,6 +4,7 @@
 #include "temporarysdk.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 #include <coreplugin/actionmanager/actioncontainer.h>
 #include <coreplugin/actionmanager/actionmanager.h>
@@ -67,7 +68,8 @@ static QByteArray content(const QString &path)
 void PluginTest::initTestCase()
 {
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
     PluginManager::setPluginPaths({PLUGIN_PATH});
     PluginManager::loadPlugins();
 }

@@ -7,6 +7,7 @@
 #include "temporarysdk.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 
 #include <QDir>
@@ -38,7 +39,8 @@ private:
 void SignDataTest::initTestCase()
 {
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
 }
 
 void SignDataTest::validates_data()
@@ -132,7 +134,7 @@ void SignDataTest::reportsWhyNoConfigurationIsWritten()
             .hasMatch(),
         qPrintable(error));
 
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
     QVERIFY(!KeyGenerationData::generateCsrConfig("Company", &error).exists());
     QCOMPARE(error, "No Build Engine found");
     initTestCase();

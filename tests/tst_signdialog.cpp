@@ -10,7 +10,7 @@
 #include "temporarysdk.h"
 #include "testrow.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 
@@ -195,7 +195,8 @@ private:
 void SignDialogTest::initTestCase()
 {
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
 }
 
 void SignDialogTest::init()

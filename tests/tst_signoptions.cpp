@@ -5,6 +5,7 @@
 #include "testrow.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 #include <utils/pathchooser.h>
 
@@ -117,12 +118,12 @@ void SignOptionsTest::init()
               "[BuildEngine]\nName=Engine\nSharedHome=../home\nSharedSource=" + path("ws").toUtf8()
                   + '\n');
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(path("sdk")), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(path("sdk")), &error), qPrintable(error));
 }
 
 void SignOptionsTest::cleanup()
 {
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
 }
 
 /// Actions, with "; " between them: "check": click the check box; "key custom", "certificate
@@ -326,7 +327,7 @@ void SignOptionsTest::validityFollowsTheWorkspace()
 
 void SignOptionsTest::withoutABuildEngine()
 {
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
     SignOptionsPage page;
     QCOMPARE(whatShows(page), "on; Regular key: (); Regular certificate: ()");
     perform("key custom; key type ws/a.pem", page);

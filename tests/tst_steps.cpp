@@ -7,6 +7,7 @@
 #include "workplace.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 #include <host/buildmanager.h>
 #include <projectexplorer/buildsteplist.h>
@@ -518,7 +519,7 @@ void StepsTest::refusesWhatCannotBeSigned()
         customerStep->setPackagesCert(key("client_cert.pem"));
     }
     if (obstacle == "no engine")
-        Brisk::Sdk::close();
+        Brisk::closeInstallation();
     QStringList issues;
     connect(step, &BuildStep::addTask, this, [&issues](const Task &task) {
         QCOMPARE(task.type, Task::Error);
@@ -536,7 +537,8 @@ void StepsTest::refusesWhatCannotBeSigned()
         QVERIFY(QFile::rename(targetFolder + ".gone", targetFolder));
     QString error;
     if (obstacle == "no engine") {
-        QVERIFY(Brisk::Sdk::open(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
+        QVERIFY(
+            Brisk::openInstallation(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
     }
 }
 

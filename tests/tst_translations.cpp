@@ -2,7 +2,7 @@
 #include "straywarnings.h"
 #include "temporarysdk.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <coreplugin/actionmanager/actionmanager.h>
 #include <coreplugin/actionmanager/command.h>
 #include <coreplugin/dialogs/ioptionspage.h>
@@ -177,7 +177,8 @@ void TranslationsTest::pluginSpeaks()
     else
         PluginManager::settings()->remove("General/OverrideLanguage");
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+             qPrintable(error));
     Core::Host::setResourcePath(FilePath::fromString(RESOURCES));
     PluginManager::setPluginPaths({PLUGIN_PATH});
     PluginManager::loadPlugins();

@@ -4,7 +4,7 @@
 #include "straywarnings.h"
 #include "temporarysdk.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 
 #include <QDir>
 #include <QTest>
@@ -165,7 +165,7 @@ void UtilsTest::findsTheRegularKeys()
 {
     const TemporarySdk sdk;
     QString error;
-    QVERIFY2(Brisk::Sdk::open(FilePath::fromString(sdk.path()), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(FilePath::fromString(sdk.path()), &error), qPrintable(error));
     const FilePath workspace = FilePath::fromString(sdk.workspace());
 
     QCOMPARE(getDefaultKeysDir(workspace), sdk.path() + "/package-signing");
@@ -177,7 +177,7 @@ void UtilsTest::findsTheRegularKeys()
              sdk.workspace() + "/.veyraos-regular-keys/regular_key.pem");
     QCOMPARE(getDefaultCertificate(workspace).toFSPathString(),
              sdk.workspace() + "/.veyraos-regular-keys/regular_cert.pem");
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
 }
 
 QTEST_GUILESS_MAIN(UtilsTest)

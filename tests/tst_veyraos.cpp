@@ -2,6 +2,7 @@
 #include "straywarnings.h"
 
 #include <brisk/buildengine.h>
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 #include <extensionsystem/pluginmanager.h>
 #include <host/buildmanager.h>
@@ -80,7 +81,8 @@ void VeyraOSTest::init()
     QFile::setPermissions(tool, QFile::ReadOwner | QFile::ExeOwner);
 
     QString error;
-    QVERIFY2(Brisk::Sdk::open(Utils::FilePath::fromString(path("sdk")), &error), qPrintable(error));
+    QVERIFY2(Brisk::openInstallation(Utils::FilePath::fromString(path("sdk")), &error),
+             qPrintable(error));
     registerKits();
     m_output.clear();
     m_errors.clear();
@@ -100,7 +102,7 @@ void VeyraOSTest::cleanup()
     while (!ProjectManager::projects().isEmpty())
         ProjectManager::removeProject(ProjectManager::projects().constFirst());
     KitManager::deregisterAllKits();
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
 }
 
 Target *VeyraOSTest::openProject(const QString &folder)
@@ -153,8 +155,8 @@ void VeyraOSTest::movedWorkspaceIsSaved()
     QCOMPARE(changed.size(), 1);
 
     QString error;
-    QVERIFY(Brisk::Sdk::saveSharedSrcPath(engine, &error));
-    QVERIFY(Brisk::Sdk::open(Utils::FilePath::fromString(path("sdk")), &error));
+    QVERIFY(Brisk::saveSharedSrcPath(engine, &error));
+    QVERIFY(Brisk::openInstallation(Utils::FilePath::fromString(path("sdk")), &error));
     QCOMPARE(Brisk::Sdk::buildEngines().constFirst()->sharedSrcPath(), moved);
     QCOMPARE(Brisk::Sdk::osVariant(), QString("Veyra OS Pro"));
 }
@@ -162,12 +164,12 @@ void VeyraOSTest::movedWorkspaceIsSaved()
 void VeyraOSTest::folderWithoutSdkIsRefused()
 {
     QString error;
-    QVERIFY(!Brisk::Sdk::open(Utils::FilePath::fromString(path("none")), &error));
+    QVERIFY(!Brisk::openInstallation(Utils::FilePath::fromString(path("none")), &error));
     QVERIFY2(error.contains(path("none")), qPrintable(error));
     QCOMPARE(Brisk::Sdk::installationPath(), path("sdk"));
 
     writeFile(path("bare/sdk.ini"));
-    QVERIFY(Brisk::Sdk::open(Utils::FilePath::fromString(path("bare")), &error));
+    QVERIFY(Brisk::openInstallation(Utils::FilePath::fromString(path("bare")), &error));
     QCOMPARE(Brisk::Sdk::osVariant(), QString("Veyra OS"));
     QVERIFY(Brisk::Sdk::buildEngines().isEmpty());
 }
@@ -184,7 +186,7 @@ void VeyraOSTest::kitsFollowTheSdk()
     QCOMPARE(KilnSdkKitAspectFactory::buildEngine(kit), Brisk::Sdk::buildEngines().constFirst());
     QCOMPARE(KilnSdkKitAspectFactory::buildTarget(kit).tools, QStringList{"tool"});
 
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
     QVERIFY(!KilnSdkKitAspectFactory::buildEngine(kit));
     QVERIFY(!KilnSdkKitAspectFactory::buildTarget(kit).isValid());
 }
@@ -251,7 +253,7 @@ void VeyraOSTest::buildIsRefused()
     const Target *target = openProject(folder);
     QVERIFY(QDir().mkpath(path("work space")));
     if (trouble == "engine")
-        Brisk::Sdk::close();
+        Brisk::closeInstallation();
     const QByteArray searchPath = qgetenv("PATH");
     if (trouble == "tool")
         qputenv("PATH", path("").toUtf8());

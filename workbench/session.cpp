@@ -1,6 +1,6 @@
 #include "session.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <host/application.h>
 #include <host/buildmanager.h>
 #include <host/pluginspec.h>
@@ -59,7 +59,7 @@ bool Session::openSdk(const QString &folder, QString *error)
         *error = tr("No SDK is chosen. Start with --sdk DIR.");
         return false;
     }
-    if (!Brisk::Sdk::open(FilePath::fromString(chosen), error))
+    if (!Brisk::openInstallation(FilePath::fromString(chosen), error))
         return false;
     m_sdk = chosen;
     return true;
@@ -198,7 +198,7 @@ void Session::shutdown()
         ProjectManager::removeProject(project);
     ExtensionSystem::PluginManager::shutdown();
     KitManager::deregisterAllKits();
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
 }
 
 } // namespace Workbench

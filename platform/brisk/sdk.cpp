@@ -1,5 +1,7 @@
 #include <brisk/sdk.h>
 
+#include "installation.h"
+
 #include <brisk/buildengine.h>
 
 #include <QCoreApplication>
@@ -81,7 +83,7 @@ QList<BuildEngine *> Sdk::buildEngines()
     return engines;
 }
 
-bool Sdk::open(const Utils::FilePath &path, QString *errorMessage)
+bool openInstallation(const Utils::FilePath &path, QString *errorMessage)
 {
     const QDir sdk(QDir::cleanPath(path.absoluteFilePath().toFSPathString()));
     const QString file = configurationFile(sdk.path());
@@ -106,14 +108,14 @@ bool Sdk::open(const Utils::FilePath &path, QString *errorMessage)
     return true;
 }
 
-void Sdk::close()
+void closeInstallation()
 {
     installation() = {};
 }
 
-bool Sdk::saveSharedSrcPath(BuildEngine *engine, QString *errorMessage)
+bool saveSharedSrcPath(BuildEngine *engine, QString *errorMessage)
 {
-    const QString file = configurationFile(installationPath());
+    const QString file = configurationFile(installation().path);
     QSettings configuration(file, QSettings::IniFormat);
     configuration.setValue(QLatin1String(SHARED_SOURCE_KEY),
                            engine->sharedSrcPath().toFSPathString());

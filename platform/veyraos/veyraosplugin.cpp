@@ -3,6 +3,7 @@
 #include "kilnkits.h"
 #include <veyraos/kilnconstants.h>
 
+#include <brisk/installation.h>
 #include <brisk/sdk.h>
 
 #include <coreplugin/actionmanager/actioncontainer.h>
@@ -35,7 +36,7 @@ static void openSdk()
     if (path.isEmpty())
         return;
     QString error;
-    if (!Brisk::Sdk::open(Utils::FilePath::fromUserInput(path), &error))
+    if (!Brisk::openInstallation(Utils::FilePath::fromUserInput(path), &error))
         Core::MessageManager::writeDisrupting(error);
 }
 

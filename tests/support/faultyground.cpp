@@ -2,7 +2,7 @@
 
 #include "files.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <projectexplorer/project.h>
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
@@ -116,10 +116,11 @@ void FaultyGround::moveAway(const QString &path)
 
 void FaultyGround::closeSdk()
 {
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
     m_ends << [this] {
         QString error;
-        QVERIFY(Brisk::Sdk::open(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
+        QVERIFY(
+            Brisk::openInstallation(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
     };
 }
 

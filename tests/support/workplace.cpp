@@ -2,7 +2,7 @@
 
 #include "files.h"
 
-#include <brisk/sdk.h>
+#include <brisk/installation.h>
 #include <host/buildmanager.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -26,7 +26,7 @@ Workplace::Workplace()
     : m_hostPlugin(std::make_unique<Kiln::Internal::VeyraOSPlugin>())
 {
     QString error;
-    if (!Brisk::Sdk::open(FilePath::fromString(m_sdk.path()), &error))
+    if (!Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error))
         qFatal("%s", qPrintable(error));
     Kiln::Internal::registerKits();
     copyRegularKeys();
@@ -47,7 +47,7 @@ Workplace::~Workplace()
 {
     closeProjects();
     KitManager::deregisterAllKits();
-    Brisk::Sdk::close();
+    Brisk::closeInstallation();
 }
 
 FilePath Workplace::workspace() const
