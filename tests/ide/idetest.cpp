@@ -8,6 +8,7 @@
 #include <coreplugin/actionmanager/actionmanager.h>
 #include <coreplugin/actionmanager/command.h>
 #include <coreplugin/icore.h>
+#include <coreplugin/modemanager.h>
 #include <extensionsystem/pluginmanager.h>
 #include <extensionsystem/pluginspec.h>
 #include <projectexplorer/buildmanager.h>
@@ -20,6 +21,7 @@
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
 #include <projectexplorer/taskhub.h>
+#include <utils/infobar.h>
 #include <utils/pathchooser.h>
 
 #include <QApplication>
@@ -38,6 +40,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBrowser>
+#include <QTreeView>
 
 using namespace ProjectExplorer;
 
@@ -429,4 +432,39 @@ void IdeTest::ideIsClosed()
     const Once close([this] { return toolIsBusy(); }, [] { pressKeys("ctrl+q"); });
     startDeploy();
     QTRY_VERIFY_WITH_TIMEOUT(isClosing, RUN_TIMEOUT);
+}
+
+static void take(const QString &name)
+{
+    QTest::qWait(1000); // until all is laid out and painted
+    const QString path = qEnvironmentVariable("SEALKIT_IDE_PICTURES") + '/' + name;
+    QVERIFY2(Core::ICore::mainWindow()->grab().save(path), qPrintable(path));
+}
+
+/// For the user guide.
+void IdeTest::picturesAreTaken()
+{
+    Core::ICore::infoBar()->clear();
+    Core::ICore::mainWindow()->resize(1200, 800);
+    startDeploy();
+    QVERIFY2(waitForDeploy(), qPrintable(lastOutput()));
+    action("QtCreator.Pane.CompileOutput")->trigger();
+    take("ide-compile-output.png");
+
+    action("QtCreator.Pane.CompileOutput")->trigger();
+    Core::ModeManager::activateMode("Project");
+    // The deploy steps are on the page "Run" of the active kit.
+    const auto trees = Core::ICore::mainWindow()->findChildren<QTreeView *>();
+    for (QTreeView *tree : trees) {
+        const QAbstractItemModel *model = tree->model();
+        if (!tree->isVisible() || !model)
+            continue;
+        const QModelIndexList pages = model->match(
+            model->index(0, 0), Qt::DisplayRole, "Run", -1, Qt::MatchExactly | Qt::MatchRecursive);
+        for (const QModelIndex &page : pages) {
+            if (page.parent().data().toString().contains("VeyraOS-5.1"))
+                emit tree->activated(page);
+        }
+    }
+    take("ide-deploy-steps.png");
 }

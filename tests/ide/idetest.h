@@ -38,6 +38,8 @@ private slots:
     void projectIsClosed();
     void ideIsClosed();
 
+    void picturesAreTaken();
+
 private:
     QString inWorkspace(const QString &path) const;
     ProjectExplorer::BuildStep *signStep() const;
