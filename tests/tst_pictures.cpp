@@ -97,8 +97,9 @@ void PicturesTest::areThoseThatThePagesShow()
     }
     QStringList names(shown.begin(), shown.end());
     names.sort();
-    QCOMPARE(names, picturesIn(m_folder.filePath("pictures")));
     QCOMPARE(names, picturesIn(PROJECT "/docs/images"));
+    names.removeIf([](const QString &name) { return name.startsWith("ide-"); }); // not taken here
+    QCOMPARE(names, picturesIn(m_folder.filePath("pictures")));
 }
 
 void PicturesTest::needOneProject()
