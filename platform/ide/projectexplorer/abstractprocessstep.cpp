@@ -28,12 +28,12 @@ void AbstractProcessStep::setWorkingDirectoryProvider(
 
 Tasking::GroupItem AbstractProcessStep::defaultProcessTask()
 {
-    return Tasking::CustomTask([this] {
-        const Utils::FilePath workingDirectory =
-            m_workingDirectoryProvider ? m_workingDirectoryProvider() : Utils::FilePath();
-        const Utils::CommandLine commandLine =
-            m_commandLineProvider ? m_commandLineProvider() : Utils::CommandLine();
-        return std::make_unique<ProcessTask>(this, commandLine, workingDirectory);
+    return ProcessTask([this](ProcessSetup &setup) {
+        setup.step = this;
+        if (m_commandLineProvider)
+            setup.commandLine = m_commandLineProvider();
+        if (m_workingDirectoryProvider)
+            setup.workingDirectory = m_workingDirectoryProvider();
     });
 }
 

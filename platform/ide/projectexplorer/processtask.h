@@ -10,22 +10,25 @@
 
 namespace ProjectExplorer {
 
-/// Runs one program without input and hands what it prints to a step, line by line. Cancelled or
-/// deleted, it leaves no process of the program's group behind.
-class ProcessTask : public Tasking::TaskInterface
+/// What to run, and for whom.
+struct ProcessSetup
 {
-    Q_OBJECT
+    QPointer<BuildStep> step;
+    Utils::CommandLine commandLine;
+    Utils::FilePath workingDirectory;
+};
 
+/// Runs one program without input and hands what it prints to a step, line by line. Deleted, it
+/// leaves no process of the program's group behind.
+class ProcessTaskAdapter : public Tasking::TaskAdapter<ProcessSetup>
+{
 public:
-    ProcessTask(BuildStep *step,
-                const Utils::CommandLine &commandLine,
-                const Utils::FilePath &workingDirectory);
-    ~ProcessTask() override;
-
-    void start() override;
-    void cancel() override;
+    ProcessTaskAdapter();
+    ~ProcessTaskAdapter() override;
 
 private:
+    void start() override;
+
     struct Channel
     {
         BuildStep::OutputFormat format;
@@ -41,15 +44,14 @@ private:
 
     void processFailed(QProcess::ProcessError error);
     void processFinished(int exitCode, QProcess::ExitStatus status);
-    void signalGroup(int signal);
+    void killGroup();
 
-    const QPointer<BuildStep> m_step;
-    const Utils::CommandLine m_commandLine;
     QProcess *const m_process; // outlives this while one of its signals is on the stack
     qint64 m_processId = 0;
     Channel m_stdout{BuildStep::OutputFormat::Stdout};
     Channel m_stderr{BuildStep::OutputFormat::Stderr};
-    bool m_isCanceled = false;
 };
+
+using ProcessTask = Tasking::CustomTask<ProcessTaskAdapter>;
 
 } // namespace ProjectExplorer

@@ -3,24 +3,10 @@
 #include <QDebug>
 #include <QScopedValueRollback>
 
+#include <utility>
 #include <vector>
 
 namespace Tasking {
-
-namespace {
-
-/// A group that has been entered and not left yet.
-struct Frame
-{
-    explicit Frame(const GroupItem &group);
-
-    GroupItem::SetupHandler setupHandler;
-    GroupItem::DoneHandler doneHandler;
-    QList<GroupItem> pending;
-    DoneResult result = DoneResult::Success;
-};
-
-} // namespace
 
 template<typename Handler>
 static void setHandler(Handler &target, const Handler &handler, const char *kind)
@@ -28,24 +14,6 @@ static void setHandler(Handler &target, const Handler &handler, const char *kind
     if (target)
         qDebug("SOFT ASSERT: a group has more than one %s handler", kind);
     target = handler;
-}
-
-Frame::Frame(const GroupItem &group)
-{
-    for (const GroupItem &child : group.children()) {
-        switch (child.type()) {
-        case GroupItem::Type::SetupHandler:
-            setHandler(setupHandler, child.setupHandler(), "setup");
-            break;
-        case GroupItem::Type::DoneHandler:
-            setHandler(doneHandler, child.doneHandler(), "done");
-            break;
-        case GroupItem::Type::Group:
-        case GroupItem::Type::Task:
-            pending.append(child);
-            break;
-        }
-    }
 }
 
 // A task may destroy the tree that starts it. What is left on the stack then is this object, which
@@ -59,7 +27,19 @@ public:
     {
     }
 
+    /// A group that has been entered and not left yet.
+    struct Frame
+    {
+        explicit Frame(const GroupItem &group);
+
+        GroupItem::GroupSetupHandler setupHandler;
+        GroupItem::GroupDoneHandler doneHandler;
+        QList<GroupItem> pending;
+        DoneResult result = DoneResult::Success;
+    };
+
     void start();
+    void cancel();
     void advance();
     void step();
     void enterGroup(const GroupItem &group);
@@ -79,6 +59,24 @@ public:
     bool canceled = false;
 };
 
+TaskTree::Private::Frame::Frame(const GroupItem &group)
+{
+    for (const GroupItem &child : group.m_children) {
+        switch (child.m_type) {
+        case GroupItem::Type::SetupHandler:
+            setHandler(setupHandler, child.m_setupHandler, "setup");
+            break;
+        case GroupItem::Type::DoneHandler:
+            setHandler(doneHandler, child.m_doneHandler, "done");
+            break;
+        case GroupItem::Type::Group:
+        case GroupItem::Type::Task:
+            pending.append(child);
+            break;
+        }
+    }
+}
+
 void TaskTree::Private::start()
 {
     const auto keepAlive = shared_from_this();
@@ -89,6 +87,16 @@ void TaskTree::Private::start()
         return;
     frames.emplace_back(recipe);
     advance();
+}
+
+void TaskTree::Private::cancel()
+{
+    canceled = true;
+    if (!task)
+        return; // whoever is on the stack goes on from there
+    delete std::exchange(task, nullptr);
+    if (!advancing)
+        advance();
 }
 
 /// Goes on until the end, or until there is a task to wait for.
@@ -115,7 +123,7 @@ void TaskTree::Private::step()
         return;
     }
     const GroupItem child = frame.pending.takeFirst();
-    if (child.type() == GroupItem::Type::Group)
+    if (child.m_type == GroupItem::Type::Group)
         enterGroup(child);
     else
         startTask(child);
@@ -152,7 +160,7 @@ void TaskTree::Private::leaveGroup()
 
 void TaskTree::Private::startTask(const GroupItem &item)
 {
-    task = item.taskCreator()().release();
+    task = item.m_taskCreator();
     task->setParent(tree);
     QObject::connect(
         task, &TaskInterface::done, tree, [this](DoneResult taskResult) { endTask(taskResult); });
@@ -205,9 +213,7 @@ void TaskTree::cancel()
 {
     if (!d->running || d->canceled)
         return;
-    d->canceled = true;
-    if (d->task)
-        d->task->cancel();
+    d->cancel();
 }
 
 bool TaskTree::isRunning() const

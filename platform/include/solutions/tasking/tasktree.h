@@ -18,49 +18,62 @@ inline DoneResult toDoneResult(bool success)
     return success ? DoneResult::Success : DoneResult::Error;
 }
 
-/// An asynchronous piece of work. The tree calls start() once and then waits for done(). A tree
-/// that goes away deletes its task, also while a function or a signal of the task is on the stack.
+/// An asynchronous piece of work, as the tree sees it; TaskAdapter is what to derive from. The tree
+/// calls start() once and then waits for done(). A tree that is cancelled or goes away deletes its
+/// task, also while a function or a signal of the task is on the stack.
 class TaskInterface : public QObject
 {
     Q_OBJECT
 
-public:
-    virtual void start() = 0;
-    /// Asks the work to end soon; done() is still expected, from here or later.
-    virtual void cancel() = 0;
-
 signals:
     void done(Tasking::DoneResult result);
+
+private:
+    template<typename Task>
+    friend class TaskAdapter;
+    friend class TaskTree;
+    TaskInterface() = default;
+    virtual void start() = 0;
+};
+
+/// Makes a task of a \a Task, which says what is to be done.
+template<typename Task>
+class TaskAdapter : public TaskInterface
+{
+protected:
+    TaskAdapter() = default;
+    Task *task() { return &m_task; }
+    const Task *task() const { return &m_task; }
+
+private:
+    using TaskType = Task;
+    template<typename Adapter>
+    friend class CustomTask;
+    Task m_task;
 };
 
 /// One element of a recipe: a group, a task, or a handler of the group that it stands in.
 class GroupItem
 {
 public:
-    using SetupHandler = std::function<SetupResult()>;
-    using DoneHandler = std::function<DoneResult(DoneWith)>;
-    using TaskCreator = std::function<std::unique_ptr<TaskInterface>()>;
+    using GroupSetupHandler = std::function<SetupResult()>;
+    using GroupDoneHandler = std::function<DoneResult(DoneWith)>;
+
+protected:
+    using TaskCreator = std::function<TaskInterface *()>;
 
     enum class Type { Group, SetupHandler, DoneHandler, Task };
 
-    Type type() const { return m_type; }
-    const QList<GroupItem> &children() const { return m_children; }
-    const SetupHandler &setupHandler() const { return m_setupHandler; }
-    const DoneHandler &doneHandler() const { return m_doneHandler; }
-    const TaskCreator &taskCreator() const { return m_taskCreator; }
-
-    explicit GroupItem(const SetupHandler &handler)
+    explicit GroupItem(const GroupSetupHandler &handler)
         : m_type(Type::SetupHandler)
         , m_setupHandler(handler)
     {
     }
-    explicit GroupItem(const DoneHandler &handler)
+    explicit GroupItem(const GroupDoneHandler &handler)
         : m_type(Type::DoneHandler)
         , m_doneHandler(handler)
     {
     }
-
-protected:
     explicit GroupItem(const QList<GroupItem> &children)
         : m_type(Type::Group)
         , m_children(children)
@@ -72,11 +85,18 @@ protected:
     {
     }
 
+    template<typename Handler>
+    static GroupItem groupHandler(const Handler &handler)
+    {
+        return GroupItem(handler);
+    }
+
 private:
+    friend class TaskTree;
     Type m_type;
     QList<GroupItem> m_children;
-    SetupHandler m_setupHandler;
-    DoneHandler m_doneHandler;
+    GroupSetupHandler m_setupHandler;
+    GroupDoneHandler m_doneHandler;
     TaskCreator m_taskCreator;
 };
 
@@ -100,26 +120,39 @@ public:
         : ExecutableItem(GroupItems(children))
     {
     }
+
+    template<typename Handler>
+    static GroupItem onGroupSetup(Handler &&handler);
+    template<typename Handler>
+    static GroupItem onGroupDone(Handler &&handler);
 };
 
-/// A task made by \a creator when its turn comes.
-class CustomTask : public ExecutableItem
+/// A task by \a Adapter, whose task \a setup fills when its turn comes.
+template<typename Adapter>
+class CustomTask final : public ExecutableItem
 {
 public:
-    explicit CustomTask(const TaskCreator &creator)
-        : ExecutableItem(creator)
+    using Task = typename Adapter::TaskType;
+
+    template<typename SetupHandler>
+    CustomTask(SetupHandler &&setup)
+        : ExecutableItem(TaskCreator([setup = std::forward<SetupHandler>(setup)] {
+            auto *adapter = new Adapter;
+            setup(*adapter->task());
+            return adapter;
+        }))
     {
     }
 };
 
 /// \a handler takes nothing and returns SetupResult, or nothing at all (which means Continue).
 template<typename Handler>
-GroupItem onGroupSetup(Handler &&handler)
+GroupItem Group::onGroupSetup(Handler &&handler)
 {
     using Result = std::invoke_result_t<std::decay_t<Handler> &>;
     static_assert(std::is_same_v<Result, SetupResult> || std::is_void_v<Result>,
                   "A setup handler returns SetupResult or void");
-    return GroupItem(GroupItem::SetupHandler([handler = std::forward<Handler>(handler)]() mutable {
+    return groupHandler(GroupSetupHandler([handler = std::forward<Handler>(handler)]() mutable {
         if constexpr (std::is_void_v<Result>) {
             handler();
             return SetupResult::Continue;
@@ -132,10 +165,10 @@ GroupItem onGroupSetup(Handler &&handler)
 /// \a handler takes DoneWith or nothing. What it returns (DoneResult or bool) becomes the group's
 /// result; without a return value the group keeps its own.
 template<typename Handler>
-GroupItem onGroupDone(Handler &&handler)
+GroupItem Group::onGroupDone(Handler &&handler)
 {
-    return GroupItem(
-        GroupItem::DoneHandler([handler = std::forward<Handler>(handler)](DoneWith with) mutable {
+    return groupHandler(
+        GroupDoneHandler([handler = std::forward<Handler>(handler)](DoneWith with) mutable {
             const auto call = [&handler, with]() -> decltype(auto) {
                 if constexpr (std::is_invocable_v<decltype(handler), DoneWith>)
                     return handler(with);
@@ -156,21 +189,34 @@ GroupItem onGroupDone(Handler &&handler)
         }));
 }
 
+template<typename Handler>
+GroupItem onGroupSetup(Handler &&handler)
+{
+    return Group::onGroupSetup(std::forward<Handler>(handler));
+}
+
+template<typename Handler>
+GroupItem onGroupDone(Handler &&handler)
+{
+    return Group::onGroupDone(std::forward<Handler>(handler));
+}
+
 /// Runs a recipe in the caller's thread. A done handler is also called, and decides, after a setup
 /// handler that stopped the group, and with DoneWith::Cancel after cancel().
-class TaskTree : public QObject
+class TaskTree final : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit TaskTree(const Group &recipe);
+    TaskTree(const Group &recipe);
     /// Calls no handler any more. To delete a tree from within one of its handlers is a programming
     /// error that ends the program.
     ~TaskTree() override;
 
     /// Handlers run from here; done() may be emitted before this returns.
     void start();
-    /// While a handler runs, the tree stops as soon as that handler has returned.
+    /// Deletes the task that runs; while a handler runs, the tree stops as soon as that handler has
+    /// returned.
     void cancel();
     bool isRunning() const;
 
