@@ -611,9 +611,12 @@ void WorkbenchTest::quitEndsTheRun()
             window.close(); // which has to wait for the step
     });
     QTimer user;
-    connect(&user, &QTimer::timeout, &window, [&window] {
-        if (auto *progress = window.findChild<QProgressDialog *>())
-            QTest::keyClick(progress->windowHandle(), Qt::Key_Escape);
+    connect(&user, &QTimer::timeout, &window, [&window, &user] {
+        const auto *progress = window.findChild<QProgressDialog *>();
+        if (!progress || !progress->isVisible())
+            return;
+        user.stop(); // the key is pressed from an event loop of its own
+        QTest::keyClick(progress->windowHandle(), Qt::Key_Escape);
     });
     user.start(100);
     QTimer::singleShot(0, &window, [&window] {
