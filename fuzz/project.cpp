@@ -6,9 +6,9 @@
 #include "stepfactory.h"
 #include "workplace.h"
 
+#include <host/userproject.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
-#include <projectexplorer/project.h>
 #include <projectexplorer/target.h>
 
 #include <QFile>
@@ -40,7 +40,7 @@ static QJsonObject targetsIn(const QByteArray &settings)
 
 static QByteArray restoredAndSaved(const Utils::FilePath &spec)
 {
-    Project project(spec);
+    Host::UserProject project(spec);
     QString error;
     expect(project.restoreSettings(&error), "a project reads what one has saved");
     expect(project.saveSettings(&error), "settings can be saved");
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     static const Place place;
     const QByteArray original = bytes(data, size);
-    Project project(place.spec);
+    Host::UserProject project(place.spec);
     const QString file = project.settingsFilePath().toFSPathString();
     const QString backup = file + ".bak";
     writeFile(file, original);

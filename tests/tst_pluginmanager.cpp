@@ -44,7 +44,7 @@ static QStringList takeCalls()
     return calls;
 }
 
-static void load(const QStringList &paths)
+static void load(const Utils::FilePaths &paths)
 {
     PluginManager::setPluginPaths(paths);
     PluginManager::loadPlugins({"refuse=refusing"});

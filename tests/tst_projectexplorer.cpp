@@ -5,6 +5,7 @@
 
 #include <host/buildmanager.h>
 #include <host/issues.h>
+#include <host/userproject.h>
 #include <projectexplorer/abstractprocessstep.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/devicesupport/devicekitaspects.h>
@@ -96,7 +97,7 @@ public:
     }
 };
 
-void registerKit(const char *id)
+void registerKit(Utils::Id id)
 {
     const auto init = [](Kit *kit) { RunDeviceTypeKitAspect::setDeviceTypeId(kit, DEVICE_TYPE); };
     KitManager::registerKit(init, id);
@@ -200,12 +201,12 @@ void ProjectExplorerTest::cleanup()
     Host::Issues::instance()->disconnect(this);
     while (!ProjectManager::projects().isEmpty())
         ProjectManager::removeProject(ProjectManager::projects().constFirst());
-    KitManager::deregisterAllKits();
+    KitManager::deregisterKits(KitManager::kits());
 }
 
 Target *ProjectExplorerTest::openProject()
 {
-    auto *project = new Project(specPath());
+    auto *project = new Host::UserProject(specPath());
     project->addTargetForKit(KitManager::kits().constFirst());
     ProjectManager::addProject(project);
     return project->activeTarget();
@@ -221,12 +222,13 @@ void ProjectExplorerTest::run(const Target *target, bool expectedSuccess)
 void ProjectExplorerTest::whatTheUserConfiguredComesBack()
 {
     QString error;
-    Project project(specPath());
+    Host::UserProject project(specPath());
     project.addTargetForKit(KitManager::kit("kit.a"));
     Target *target = project.addTargetForKit(KitManager::kit("kit.b"));
-    project.setActiveTarget(target);
+    project.setActiveTarget(target, SetActive::Cascade);
     target->addDeployConfiguration(m_deployFactory.create(target));
-    target->setActiveDeployConfiguration(target->deployConfigurations().constLast());
+    target->setActiveDeployConfiguration(target->deployConfigurations().constLast(),
+                                         SetActive::Cascade);
     QCOMPARE(target->activeDeployConfiguration()->displayName(), QString("Test Deploy 2"));
 
     stepListOf(target)->appendStep(STEP_ID);
@@ -240,7 +242,7 @@ void ProjectExplorerTest::whatTheUserConfiguredComesBack()
     stepOf(target, 1)->values = values;
     QVERIFY2(project.saveSettings(&error), qPrintable(error));
 
-    Project restored(specPath());
+    Host::UserProject restored(specPath());
     QVERIFY2(restored.restoreSettings(&error), qPrintable(error));
     QCOMPARE(restored.targets().size(), 2);
     QCOMPARE(restored.activeTarget()->id(), target->id());
@@ -260,22 +262,22 @@ void ProjectExplorerTest::whatIsUnknownStays()
         // These plugins are missing in the next session, and so is one of the kits.
         const TestStepFactory stepFactory("Other.Step");
         const TestDeployConfigurationFactory deployFactory("Other.Deploy");
-        Project before(specPath());
+        Host::UserProject before(specPath());
         Target *target = before.addTargetForKit(KitManager::kit("kit.a"));
         stepListOf(target)->appendStep("Other.Step");
         stepOf(target, 1)->values = kept;
         QCOMPARE(target->deployConfigurations().size(), 2);
         Target *active = before.addTargetForKit(KitManager::kit("kit.b"));
         stepOf(active)->values = kept;
-        before.setActiveTarget(active);
+        before.setActiveTarget(active, SetActive::Cascade);
         QVERIFY(before.saveSettings(&error));
         settingsPath = before.settingsFilePath();
     }
     const QByteArray settings = readFile(settingsPath.toFSPathString());
-    KitManager::deregisterAllKits();
+    KitManager::deregisterKits(KitManager::kits());
     registerKit("kit.a");
 
-    Project project(specPath());
+    Host::UserProject project(specPath());
     QVERIFY(project.restoreSettings(&error));
     QCOMPARE(project.targets().size(), 1);
     QCOMPARE(project.activeTarget()->deployConfigurations().size(), 1);
@@ -284,7 +286,7 @@ void ProjectExplorerTest::whatIsUnknownStays()
     QCOMPARE(readFile(settingsPath.toFSPathString()), settings);
 
     registerKit("kit.b");
-    Project restored(specPath());
+    Host::UserProject restored(specPath());
     QVERIFY(restored.restoreSettings(&error));
     QCOMPARE(stepOf(restored.target(KitManager::kit("kit.b")))->values, kept);
     QCOMPARE(stepOf(project.addTargetForKit(KitManager::kit("kit.b")))->values, kept);
@@ -303,7 +305,7 @@ void ProjectExplorerTest::unreadableSettingsAreKeptAside()
 {
     QFETCH(QByteArray, contents);
 
-    Project project(specPath());
+    Host::UserProject project(specPath());
     const QString path = project.settingsFilePath().toFSPathString();
     for (const QString &backup : {path + ".bak", path + ".bak2"}) {
         writeFile(path, contents);
@@ -313,7 +315,7 @@ void ProjectExplorerTest::unreadableSettingsAreKeptAside()
         QVERIFY(QFile::exists(backup));
         QCOMPARE(readFile(backup), contents);
         QVERIFY(project.saveSettings(&error));
-        QVERIFY(Project(specPath()).restoreSettings(&error));
+        QVERIFY(Host::UserProject(specPath()).restoreSettings(&error));
     }
 }
 

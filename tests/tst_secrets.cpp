@@ -13,6 +13,7 @@
 #include "workplace.h"
 
 #include <host/buildmanager.h>
+#include <host/userproject.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/project.h>
 #include <utils/pathchooser.h>
@@ -250,7 +251,7 @@ QString SecretsTest::deploy(const QString &target)
                            {"Sealkit.PackagesClientCert", ""}});
     BuildManager::buildList(steps);
     QString error;
-    [&] { QVERIFY(project->saveSettings(&error)); }();
+    [&] { QVERIFY(static_cast<Host::UserProject *>(project)->saveSettings(&error)); }();
     return package + ".1.p7s";
 }
 

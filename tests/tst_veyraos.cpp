@@ -6,6 +6,7 @@
 #include <brisk/sdk.h>
 #include <extensionsystem/pluginmanager.h>
 #include <host/buildmanager.h>
+#include <host/userproject.h>
 #include <projectexplorer/devicesupport/devicekitaspects.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
@@ -101,7 +102,7 @@ void VeyraOSTest::cleanup()
     BuildManager::instance()->disconnect(this);
     while (!ProjectManager::projects().isEmpty())
         ProjectManager::removeProject(ProjectManager::projects().constFirst());
-    KitManager::deregisterAllKits();
+    KitManager::deregisterKits(KitManager::kits());
     Brisk::closeInstallation();
 }
 
@@ -114,7 +115,7 @@ Target *VeyraOSTest::openProject(const QString &folder)
               "%install\nmkdir -p \"%{buildroot}/opt\"\ncp data.txt \"%{buildroot}/opt/\"\n"
               "%files\n/opt/data.txt\n%files extra\n");
     writeFile(path(folder + "/data.txt"), "data");
-    auto *project = new Project(Utils::FilePath::fromString(spec));
+    auto *project = new Host::UserProject(Utils::FilePath::fromString(spec));
     project->addTargetForKit(KitManager::kits().constFirst());
     ProjectManager::addProject(project);
     return project->activeTarget();

@@ -490,12 +490,12 @@ namespace {
 class RecordingPage : public Core::IOptionsPage
 {
 public:
-    RecordingPage(const char *id, QStringList *trace)
+    RecordingPage(Utils::Id id, QStringList *trace)
         : m_trace(trace)
     {
         setId(id);
         setCategory(id);
-        registerCategory(id, id, ":/utils/images/ok.svg");
+        registerCategory(id, id.toString(), ":/utils/images/ok.svg");
     }
     QWidget *widget() override { return new QWidget; }
     void apply() override { record("applied"); }

@@ -115,7 +115,8 @@ void DeployPage::chooseKit(int index)
     if (!m_project || !kit)
         return;
     Target *target = m_project->target(kit);
-    m_project->setActiveTarget(target ? target : m_project->addTargetForKit(kit));
+    m_project->setActiveTarget(target ? target : m_project->addTargetForKit(kit),
+                               SetActive::Cascade);
 }
 
 void DeployPage::deploy()

@@ -275,9 +275,9 @@ void MainWindow::choose(Project *project, Target *target, DeployConfiguration *c
     if (BuildManager::isBuilding() && target)
         target = nullptr; // look, but don't change what the run is about
     else if (configuration)
-        target->setActiveDeployConfiguration(configuration);
+        target->setActiveDeployConfiguration(configuration, SetActive::Cascade);
     if (target)
-        project->setActiveTarget(target);
+        project->setActiveTarget(target, SetActive::Cascade);
     m_page->setProject(project);
     m_refreshTimer->start();
 }

@@ -258,7 +258,7 @@ Widget *Pictures::part(const QWidget *window, const char *name)
     return found;
 }
 
-StepCard *Pictures::stepCard(const char *stepId) const
+StepCard *Pictures::stepCard(Utils::Id stepId) const
 {
     const QList<StepCard *> cards = m_window.findChildren<StepCard *>();
     const auto found = std::find_if(cards.begin(), cards.end(), [stepId](const StepCard *card) {

@@ -5,6 +5,8 @@
 #include "promptanswerer.h"
 #include "session.h"
 
+#include <utils/id.h>
+
 #include <functional>
 
 namespace Workbench {
@@ -44,7 +46,7 @@ private:
     void setPath(const QWidget *dialog, const char *chooser, const QString &path);
     template<typename Widget>
     Widget *part(const QWidget *window, const char *name);
-    StepCard *stepCard(const char *stepId) const;
+    StepCard *stepCard(Utils::Id stepId) const;
     QString package() const;
     QString inWorkspace(const QString &path) const;
     void complain(const QString &problem);

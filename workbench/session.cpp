@@ -4,6 +4,7 @@
 #include <host/application.h>
 #include <host/buildmanager.h>
 #include <host/pluginspec.h>
+#include <host/userproject.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
@@ -68,8 +69,7 @@ bool Session::openSdk(const QString &folder, QString *error)
 void Session::loadPlugins()
 {
     Core::Host::setResourcePath(besideProgram("share/qtcreator"));
-    ExtensionSystem::PluginManager::setPluginPaths(
-        {besideProgram("lib/qtcreator/plugins").toFSPathString()});
+    ExtensionSystem::PluginManager::setPluginPaths({besideProgram("lib/qtcreator/plugins")});
     ExtensionSystem::PluginManager::loadPlugins();
     for (const QString &error : pluginErrors())
         emit problemFound(error);
@@ -120,7 +120,7 @@ static Kit *findKit(const QString &targetName, QString *error)
 static void activate(Project *project, Kit *kit)
 {
     Target *target = project->target(kit);
-    project->setActiveTarget(target ? target : project->addTargetForKit(kit));
+    project->setActiveTarget(target ? target : project->addTargetForKit(kit), SetActive::Cascade);
 }
 
 Project *Session::openProject(const QString &path, const QString &targetName, QString *error)
@@ -137,9 +137,10 @@ Project *Session::openProject(const QString &path, const QString &targetName, QS
     const auto found = std::find_if(open.begin(), open.end(), isSame);
     Project *project = found == open.end() ? nullptr : *found;
     if (!project) {
-        project = new Project(file);
+        auto *opened = new Host::UserProject(file);
+        project = opened;
         QString reason;
-        if (!project->restoreSettings(&reason)) {
+        if (!opened->restoreSettings(&reason)) {
             m_saveProblems.insert(project, reason);
             emit problemFound(reason);
         }
@@ -155,7 +156,7 @@ Project *Session::openProject(const QString &path, const QString &targetName, QS
 void Session::saveProject(Project *project)
 {
     QString reason;
-    project->saveSettings(&reason);
+    static_cast<Host::UserProject *>(project)->saveSettings(&reason);
     const QString previous = m_saveProblems.value(project);
     m_saveProblems.insert(project, reason);
     if (!reason.isEmpty() && reason != previous)
@@ -197,7 +198,7 @@ void Session::shutdown()
     for (Project *project : open)
         ProjectManager::removeProject(project);
     ExtensionSystem::PluginManager::shutdown();
-    KitManager::deregisterAllKits();
+    KitManager::deregisterKits(KitManager::kits());
     Brisk::closeInstallation();
 }
 

@@ -4,6 +4,7 @@
 
 #include <brisk/installation.h>
 #include <host/buildmanager.h>
+#include <host/userproject.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/kit.h>
@@ -17,7 +18,6 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QMetaEnum>
 
 using namespace ProjectExplorer;
 using Utils::FilePath;
@@ -46,7 +46,7 @@ void Workplace::copyRegularKeys() const
 Workplace::~Workplace()
 {
     closeProjects();
-    KitManager::deregisterAllKits();
+    KitManager::deregisterKits(KitManager::kits());
     Brisk::closeInstallation();
 }
 
@@ -71,7 +71,7 @@ Project *Workplace::openProject(const QString &targetName)
     const FilePath spec = folder / "rpm" / "project.spec";
     writeFile(spec.toFSPathString(), {});
 
-    auto *project = new Project(spec);
+    auto *project = new Host::UserProject(spec);
     project->addTargetForKit(kit(targetName));
     ProjectManager::addProject(project);
     return project;
@@ -114,13 +114,13 @@ QStringList stepIds(const BuildStepList *stepList)
 QStringList runStep(BuildStep *step)
 {
     QStringList output;
-    const auto connection =
-        QObject::connect(step,
-                         &BuildStep::addOutput,
-                         [&output](const QString &text, BuildStep::OutputFormat format) {
-                             const auto formats = QMetaEnum::fromType<BuildStep::OutputFormat>();
-                             output << QLatin1String(formats.valueToKey(int(format))) + ": " + text;
-                         });
+    const auto connection = QObject::connect(
+        step,
+        &BuildStep::addOutput,
+        [&output](const QString &text, BuildStep::OutputFormat format) {
+            static const QStringList formats{"Stdout", "Stderr", "NormalMessage", "ErrorMessage"};
+            output << formats.at(int(format)) + ": " + text;
+        });
     QEventLoop loop;
     Tasking::TaskTree tree({BuildManager::recipeOf(step)});
     QObject::connect(

@@ -108,14 +108,15 @@ Utils::QtcSettings *PluginManager::settings()
     return theSettings.get();
 }
 
-void PluginManager::setPluginPaths(const QStringList &paths)
+void PluginManager::setPluginPaths(const Utils::FilePaths &paths)
 {
     Private *d = theInstance->d.get();
     QTC_ASSERT(d->loadQueue.isEmpty(), return );
     d->specs.clear();
     d->ownedSpecs.clear();
-    for (const QString &path : paths) {
-        const QFileInfoList files = QDir(path).entryInfoList(QDir::Files, QDir::Name);
+    for (const Utils::FilePath &path : paths) {
+        const QFileInfoList files =
+            QDir(path.toFSPathString()).entryInfoList(QDir::Files, QDir::Name);
         for (const QFileInfo &file : files) {
             if (QLibrary::isLibrary(file.fileName()))
                 d->readPlugin(file.absoluteFilePath());
@@ -149,7 +150,7 @@ void PluginManager::shutdown()
     std::for_each(queue.rbegin(), queue.rend(), std::mem_fn(&PluginSpec::kill));
 }
 
-QList<PluginSpec *> PluginManager::plugins()
+const QList<PluginSpec *> PluginManager::plugins()
 {
     return theInstance->d->specs;
 }

@@ -50,7 +50,7 @@ DeployConfigurationFactory::~DeployConfigurationFactory()
     deployConfigurationFactories().removeOne(this);
 }
 
-QList<DeployConfigurationFactory *> DeployConfigurationFactory::find(Target *target)
+const QList<DeployConfigurationFactory *> DeployConfigurationFactory::find(Target *target)
 {
     const Utils::Id deviceType = RunDeviceTypeKitAspect::deviceTypeId(target->kit());
     QList<DeployConfigurationFactory *> fitting = deployConfigurationFactories();
@@ -79,7 +79,7 @@ DeployConfiguration *DeployConfigurationFactory::createEmpty(Target *target) con
     return configuration;
 }
 
-DeployConfiguration *DeployConfigurationFactory::create(Target *target) const
+DeployConfiguration *DeployConfigurationFactory::create(Target *target)
 {
     DeployConfiguration *configuration = createEmpty(target);
     for (const Utils::Id &stepId : m_initialSteps)

@@ -23,7 +23,7 @@ Kit *KitManager::registerKit(const std::function<void(Kit *)> &init, Utils::Id i
     return instance()->m_kits.emplace_back(std::move(kit)).get();
 }
 
-QList<Kit *> KitManager::kits()
+const QList<Kit *> KitManager::kits()
 {
     QList<Kit *> kits;
     for (const std::unique_ptr<Kit> &kit : instance()->m_kits)
@@ -40,9 +40,10 @@ Kit *KitManager::kit(Utils::Id id)
     return nullptr;
 }
 
-void KitManager::deregisterAllKits()
+void KitManager::deregisterKits(const QList<Kit *> kits)
 {
-    instance()->m_kits.clear();
+    std::erase_if(instance()->m_kits,
+                  [&kits](const std::unique_ptr<Kit> &kit) { return kits.contains(kit.get()); });
 }
 
 } // namespace ProjectExplorer

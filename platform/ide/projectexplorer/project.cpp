@@ -1,7 +1,6 @@
 #include <projectexplorer/project.h>
 
 #include "projectexplorertr.h"
-#include "usersettings.h"
 #include <host/buildmanager.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/kitmanager.h>
@@ -76,12 +75,12 @@ bool Project::removeTarget(Target *target)
     const std::unique_ptr<Target> removed(target);
     m_targets.removeOne(target);
     if (m_activeTarget == target)
-        setActiveTarget(m_targets.value(0));
+        setActiveTarget(m_targets.value(0), SetActive::Cascade);
     emit removedTarget(target);
     return true;
 }
 
-void Project::setActiveTarget(Target *target)
+void Project::setActiveTarget(Target *target, SetActive)
 {
     QTC_ASSERT(!target || m_targets.contains(target), return );
     if (m_activeTarget == target)
@@ -96,19 +95,6 @@ void Project::makeActive(Target *target)
     emit activeTargetChanged(target);
 }
 
-bool Project::restoreSettings(QString *errorMessage)
-{
-    QTC_ASSERT(m_targets.isEmpty(), return false);
-    const auto settings = UserSettings::read(settingsFilePath(), errorMessage);
-    if (!settings) {
-        if (settingsFilePath().exists())
-            m_savingForbiddenReason = *errorMessage;
-        return false;
-    }
-    restoreTargets(*settings);
-    return true;
-}
-
 void Project::restoreTargets(const QVariantMap &settings)
 {
     m_unusedTargetMaps = settings.value(QLatin1String(TARGETS_KEY)).toMap();
@@ -118,30 +104,21 @@ void Project::restoreTargets(const QVariantMap &settings)
             continue;
         Target *target = addTargetForKit(kit);
         if (kit->id().toString() == m_chosenTargetId)
-            setActiveTarget(target);
+            setActiveTarget(target, SetActive::Cascade);
     }
 }
 
-bool Project::saveSettings(QString *errorMessage)
+QVariantMap Project::targetSettings() const
 {
-    if (!m_savingForbiddenReason.isEmpty()) {
-        *errorMessage = m_savingForbiddenReason;
-        return false;
-    }
     QVariantMap targetMaps = m_unusedTargetMaps;
-    for (const Target *target : std::as_const(m_targets))
+    for (const Target *target : m_targets)
         targetMaps.insert(target->id().toString(), Utils::mapFromStore(target->toMap()));
     QVariantMap settings{{QLatin1String(TARGETS_KEY), targetMaps}};
     if (!m_chosenTargetId.isEmpty())
         settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_chosenTargetId);
     else if (m_activeTarget)
         settings.insert(QLatin1String(ACTIVE_TARGET_KEY), m_activeTarget->id().toString());
-    return UserSettings::write(settingsFilePath(), settings, errorMessage);
-}
-
-Utils::FilePath Project::settingsFilePath() const
-{
-    return Utils::FilePath::fromString(m_projectFilePath.toFSPathString() + QLatin1String(".user"));
+    return settings;
 }
 
 } // namespace ProjectExplorer

@@ -16,6 +16,11 @@ ProjectConfiguration::ProjectConfiguration(Target *target, Utils::Id id)
     QTC_CHECK(target);
 }
 
+Target *ProjectConfiguration::target() const
+{
+    return m_target;
+}
+
 Project *ProjectConfiguration::project() const
 {
     return m_target->project();

@@ -60,7 +60,7 @@ void Target::addDeployConfiguration(DeployConfiguration *configuration)
     m_deployConfigurations.append(configuration);
     emit addedDeployConfiguration(configuration);
     if (!m_activeDeployConfiguration)
-        setActiveDeployConfiguration(configuration);
+        setActiveDeployConfiguration(configuration, SetActive::Cascade);
 }
 
 bool Target::removeDeployConfiguration(DeployConfiguration *configuration)
@@ -71,12 +71,12 @@ bool Target::removeDeployConfiguration(DeployConfiguration *configuration)
     const std::unique_ptr<DeployConfiguration> removed(configuration);
     m_deployConfigurations.removeOne(configuration);
     if (m_activeDeployConfiguration == configuration)
-        setActiveDeployConfiguration(m_deployConfigurations.value(0));
+        setActiveDeployConfiguration(m_deployConfigurations.value(0), SetActive::Cascade);
     emit removedDeployConfiguration(configuration);
     return true;
 }
 
-void Target::setActiveDeployConfiguration(DeployConfiguration *configuration)
+void Target::setActiveDeployConfiguration(DeployConfiguration *configuration, SetActive)
 {
     QTC_ASSERT(!configuration || m_deployConfigurations.contains(configuration), return );
     if (m_activeDeployConfiguration == configuration)
@@ -87,10 +87,10 @@ void Target::setActiveDeployConfiguration(DeployConfiguration *configuration)
 
 void Target::updateDefaultDeployConfigurations()
 {
-    for (const DeployConfigurationFactory *factory : DeployConfigurationFactory::find(this)) {
+    for (DeployConfigurationFactory *factory : DeployConfigurationFactory::find(this)) {
         const bool isThere = std::ranges::any_of(
             m_deployConfigurations, [factory](const DeployConfiguration *configuration) {
-                return configuration->id() == factory->configBaseId();
+                return configuration->id() == factory->creationId();
             });
         if (!isThere)
             addDeployConfiguration(factory->create(this));
@@ -124,7 +124,7 @@ void Target::fromMap(const Utils::Store &map)
         }
         addDeployConfiguration(configuration);
         if (index == activeIndex)
-            setActiveDeployConfiguration(configuration);
+            setActiveDeployConfiguration(configuration, SetActive::Cascade);
     }
 }
 

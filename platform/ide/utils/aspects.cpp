@@ -2,10 +2,7 @@
 
 namespace Utils {
 
-BaseAspect::BaseAspect(QObject *parent)
-    : QObject(parent)
-{
-}
+BaseAspect::BaseAspect() = default;
 
 void BaseAspect::setEnabled(bool enabled)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utils/filepath.h>
+
 #include <QObject>
 #include <QStringList>
 
@@ -28,14 +30,14 @@ public:
     static Utils::QtcSettings *settings();
 
     /// Reads the metadata of every plugin library in these folders.
-    static void setPluginPaths(const QStringList &paths);
+    static void setPluginPaths(const Utils::FilePaths &paths);
     /// Loads and initializes; a plugin that fails keeps its reason in its spec, and takes those
     /// that depend on it along.
     static void loadPlugins(const QStringList &arguments = {});
     /// Asks every plugin to shut down, then deletes them.
     static void shutdown();
 
-    static QList<PluginSpec *> plugins();
+    static const QList<PluginSpec *> plugins();
 
 private:
     class Private;

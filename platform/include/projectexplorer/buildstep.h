@@ -23,9 +23,7 @@ class BuildStep : public ProjectConfiguration
 
 public:
     enum class OutputFormat { Stdout, Stderr, NormalMessage, ErrorMessage };
-    Q_ENUM(OutputFormat)
     enum OutputNewlineSetting { DoAppendNewline, DontAppendNewline };
-    Q_ENUM(OutputNewlineSetting)
 
     /// Called for every step before the first one runs; false stops the run.
     virtual bool init() = 0;

@@ -36,14 +36,14 @@ public:
     DeployConfigurationFactory &operator=(const DeployConfigurationFactory &) = delete;
 
     /// The factories that fit the device of the target's kit.
-    static QList<DeployConfigurationFactory *> find(Target *target);
+    static const QList<DeployConfigurationFactory *> find(Target *target);
     /// The configuration that \a map describes; null when no factory knows it.
     static DeployConfiguration *restore(Target *target, const Utils::Store &map);
 
-    Utils::Id configBaseId() const { return m_configBaseId; }
+    Utils::Id creationId() const { return m_configBaseId; }
     QString defaultDisplayName() const { return m_defaultDisplayName; }
     /// A new configuration with its initial steps, which does not join the target yet.
-    DeployConfiguration *create(Target *target) const;
+    DeployConfiguration *create(Target *target);
 
 protected:
     void setConfigBaseId(Utils::Id id) { m_configBaseId = id; }

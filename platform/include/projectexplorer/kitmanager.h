@@ -22,11 +22,11 @@ public:
 
     /// A new kit, which \a init fills before the others learn of it.
     static Kit *registerKit(const std::function<void(Kit *)> &init, Utils::Id id);
-    static QList<Kit *> kits();
+    static const QList<Kit *> kits();
     /// Null when there is none.
     static Kit *kit(Utils::Id id);
     /// No target may use these kits any more.
-    static void deregisterAllKits();
+    static void deregisterKits(const QList<Kit *> kits);
 
 signals:
     /// All plugins are initialized: kits can be registered from now on.

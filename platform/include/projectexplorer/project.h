@@ -12,16 +12,18 @@ namespace ProjectExplorer {
 
 class Kit;
 class Target;
+enum class SetActive : int;
 
-/// An open project with one target per kit; owns its targets. What the user configured is kept in
-/// a file beside the project file.
+namespace Host {
+class UserProject;
+}
+
+/// An open project with one target per kit; owns its targets.
 class Project : public QObject
 {
     Q_OBJECT
 
 public:
-    /// \a projectFilePath is the package description (`<folder>/rpm/<name>.spec`).
-    explicit Project(const Utils::FilePath &projectFilePath);
     ~Project() override;
 
     QString displayName() const;
@@ -38,16 +40,7 @@ public:
     Target *addTargetForKit(Kit *kit);
     /// Deletes it; false, and nothing done, while one of its steps runs.
     bool removeTarget(Target *target);
-    void setActiveTarget(Target *target);
-
-    /// Reads the user's settings; without a file there are simply none. False, with the reason,
-    /// when there is one that cannot be understood; it is then kept aside and not overwritten.
-    /// What is there for kits that are unknown now is kept for the next saving, also that one of
-    /// them is the active one, until another target is chosen by setActiveTarget().
-    bool restoreSettings(QString *errorMessage);
-    /// False, with the reason, when the file cannot be written.
-    bool saveSettings(QString *errorMessage);
-    Utils::FilePath settingsFilePath() const;
+    void setActiveTarget(Target *target, SetActive cascade);
 
 signals:
     void addedTarget(ProjectExplorer::Target *target);
@@ -56,16 +49,19 @@ signals:
     void activeTargetChanged(ProjectExplorer::Target *target);
 
 private:
+    friend class Host::UserProject;
+    explicit Project(const Utils::FilePath &projectFilePath);
+
     void addTarget(std::unique_ptr<Target> target);
     void makeActive(Target *target);
     void restoreTargets(const QVariantMap &settings);
+    QVariantMap targetSettings() const;
 
     Utils::FilePath m_projectFilePath;
     QList<Target *> m_targets;
     Target *m_activeTarget = nullptr;
     QString m_chosenTargetId;       // of a kit that need not be known
     QVariantMap m_unusedTargetMaps; // by the id of a kit that has no target
-    QString m_savingForbiddenReason;
 };
 
 } // namespace ProjectExplorer

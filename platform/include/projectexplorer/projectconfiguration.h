@@ -3,6 +3,7 @@
 #include <utils/aspects.h>
 #include <utils/id.h>
 
+#include <QPointer>
 #include <QString>
 
 namespace ProjectExplorer {
@@ -18,7 +19,7 @@ class ProjectConfiguration : public Utils::AspectContainer
 
 public:
     Utils::Id id() const { return m_id; }
-    Target *target() const { return m_target; }
+    Target *target() const;
     Project *project() const;
     Kit *kit() const;
 
@@ -28,6 +29,10 @@ public:
     void setDefaultDisplayName(const QString &name);
     bool usesDefaultDisplayName() const { return m_displayName.isEmpty(); }
 
+    /// To be called from fromMap() when the map makes no sense.
+    void reportError() { m_hasError = true; }
+    bool hasError() const { return m_hasError; }
+
     void fromMap(const Utils::Store &map) override;
     void toMap(Utils::Store &map) const override;
 
@@ -35,16 +40,10 @@ signals:
     void displayNameChanged();
 
 protected:
-    ProjectConfiguration(Target *target, Utils::Id id);
-
-    /// To be called from fromMap() when the map makes no sense.
-    void reportError() { m_hasError = true; }
-
-public:
-    bool hasError() const { return m_hasError; }
+    explicit ProjectConfiguration(Target *target, Utils::Id id);
 
 private:
-    Target *m_target;
+    QPointer<Target> m_target;
     Utils::Id m_id;
     QString m_displayName;
     QString m_defaultDisplayName;

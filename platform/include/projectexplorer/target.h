@@ -12,6 +12,8 @@ class DeployConfiguration;
 class Kit;
 class Project;
 
+enum class SetActive : int { Cascade, NoCascade };
+
 /// A project as it is built for one kit; owns its deploy configurations.
 class Target : public QObject
 {
@@ -35,7 +37,7 @@ public:
     void addDeployConfiguration(DeployConfiguration *configuration);
     /// Deletes it; false, and nothing done, while one of its steps runs.
     bool removeDeployConfiguration(DeployConfiguration *configuration);
-    void setActiveDeployConfiguration(DeployConfiguration *configuration);
+    void setActiveDeployConfiguration(DeployConfiguration *configuration, SetActive cascade);
     /// Adds a configuration of each kind that fits and that there is none of yet.
     void updateDefaultDeployConfigurations();
 

@@ -12,7 +12,7 @@ class BaseAspect : public QObject
     Q_OBJECT
 
 public:
-    explicit BaseAspect(QObject *parent = nullptr);
+    BaseAspect();
 
     bool isEnabled() const { return m_enabled; }
     void setEnabled(bool enabled);
@@ -31,9 +31,6 @@ private:
 class AspectContainer : public BaseAspect
 {
     Q_OBJECT
-
-public:
-    using BaseAspect::BaseAspect;
 };
 
 } // namespace Utils

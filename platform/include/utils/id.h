@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QMetaType>
 #include <QVariant>
 
@@ -11,17 +12,18 @@ class Id
 {
 public:
     Id() = default;
-    Id(const char *name)
+    template<int N>
+    Id(const char (&name)[N])
         : m_name(name)
     {
     }
-    Id(QLatin1String) = delete;
+    Id(const QLatin1String &) = delete;
 
     static Id fromSetting(const QVariant &variant);
     static Id fromString(QStringView name);
 
     bool isValid() const { return !m_name.isEmpty(); }
-    QByteArray name() const { return m_name; }
+    QByteArrayView name() const { return m_name; }
     QString toString() const { return QString::fromUtf8(m_name); }
     QVariant toSetting() const { return toString(); }
 

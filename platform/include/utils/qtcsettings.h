@@ -20,7 +20,6 @@ public:
     bool contains(const Key &key) const;
 
     using QSettings::fileName;
-    using QSettings::isWritable;
     using QSettings::status;
     using QSettings::sync;
 };

@@ -8,14 +8,14 @@
 #include <QHash>
 #include <QPointer>
 
+#include <map>
 #include <memory>
-#include <unordered_map>
 
 namespace Core {
 
 struct Registry
 {
-    std::unordered_map<QByteArray, std::unique_ptr<ActionContainer>> containers;
+    std::map<Utils::Id, std::unique_ptr<ActionContainer>> containers;
     QHash<Utils::Id, QPointer<Command>> commands;
 };
 
@@ -45,7 +45,7 @@ Command *ActionManager::registerAction(QAction *action, Utils::Id id, const Cont
 
 ActionContainer *ActionManager::createMenu(Utils::Id id)
 {
-    std::unique_ptr<ActionContainer> &container = registry().containers[id.name()];
+    std::unique_ptr<ActionContainer> &container = registry().containers[id];
     if (!container)
         container = std::make_unique<ActionContainer>(id);
     return container.get();
@@ -54,7 +54,7 @@ ActionContainer *ActionManager::createMenu(Utils::Id id)
 ActionContainer *ActionManager::actionContainer(Utils::Id id)
 {
     const auto &containers = registry().containers;
-    const auto found = containers.find(id.name());
+    const auto found = containers.find(id);
     return found == containers.end() ? nullptr : found->second.get();
 }
 
