@@ -417,7 +417,7 @@ void WorkbenchTest::deploys()
 void WorkbenchTest::interruptLeavesNothingBehind()
 {
     const Ground ground;
-    ground.replaceTool("trap '' TERM HUP INT; echo hanging; while :; do sleep 1; done\n");
+    ground.replaceTool("trap '' TERM HUP INT; echo hanging; while :; do PATH=/bin:/usr/bin sleep 1; done\n");
     QProcess workbench;
     workbench.start(WORKBENCH_EXECUTABLE, ground.deployArguments());
     QByteArray output;
@@ -597,7 +597,7 @@ void WorkbenchTest::closingWhileItOpensForgetsNothing()
 void WorkbenchTest::quitEndsTheRun()
 {
     const Ground ground;
-    ground.replaceTool("echo hanging; while :; do sleep 1; done\n");
+    ground.replaceTool("echo hanging; while :; do PATH=/bin:/usr/bin sleep 1; done\n");
     CommandLine line = ground.commandLine();
     Session session;
     MainWindow window(&session);
