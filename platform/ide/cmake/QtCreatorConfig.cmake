@@ -31,7 +31,7 @@ function(_qtc_define_library target)
 endfunction()
 
 function(add_qtc_library target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "DEPENDS;PUBLIC_DEPENDS;SOURCES;INCLUDES;PUBLIC_INCLUDES")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "EXCLUDE_FROM_INSTALL" "" "DEPENDS;PUBLIC_DEPENDS;SOURCES;INCLUDES;PUBLIC_INCLUDES")
     add_library(${target} SHARED ${ARG_SOURCES})
     add_library(QtCreator::${target} ALIAS ${target})
     target_include_directories(${target} PRIVATE ${ARG_INCLUDES} PUBLIC ${ARG_PUBLIC_INCLUDES})
