@@ -417,7 +417,8 @@ void WorkbenchTest::deploys()
 void WorkbenchTest::interruptLeavesNothingBehind()
 {
     const Ground ground;
-    ground.replaceTool("trap '' TERM HUP INT; echo hanging; while :; do PATH=/bin:/usr/bin sleep 1; done\n");
+    ground.replaceTool(
+        "trap '' TERM HUP INT; echo hanging; while :; do PATH=/bin:/usr/bin sleep 1; done\n");
     QProcess workbench;
     workbench.start(WORKBENCH_EXECUTABLE, ground.deployArguments());
     QByteArray output;
