@@ -13,9 +13,9 @@ class QWindow;
 namespace Sealkit::Internal {
 
 /// Keeps the user's keys and clicks from all windows of the IDE while it lives, and its main
-/// windows open. Nothing is lost: afterwards everything reaches its window, in the order in which
-/// it came. A modal window that is opened meanwhile is usable; Qt then blocks the others, whose
-/// input is dropped as under any modal window.
+/// windows open. Keys, clicks and the closing are not lost: afterwards they reach their windows, in
+/// the order in which they came. Drags are refused. A modal window that is opened meanwhile is
+/// usable; Qt then blocks the others, whose input is dropped as under any modal window.
 class HeldInput : public QObject
 {
     Q_OBJECT
