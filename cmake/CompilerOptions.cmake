@@ -15,5 +15,8 @@ endif()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    # What it takes for ccache to know sources that use precompiled headers.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()

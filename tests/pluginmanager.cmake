@@ -28,6 +28,7 @@ function(add_test_plugin id)
         OUTPUT_NAME ${id}
         LIBRARY_OUTPUT_DIRECTORY ${TEST_PLUGIN_DIR}
         AUTOMOC_MOC_OPTIONS "-I${CMAKE_CURRENT_BINARY_DIR}/metadata/${id}")
+    use_precompiled_headers(testplugin_${id})
     add_dependencies(tst_pluginmanager testplugin_${id})
 endfunction()
 

@@ -39,6 +39,7 @@ function(add_qtc_library target)
     _qtc_define_library(${target})
     set_target_properties(${target} PROPERTIES
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${IDE_LIBRARY_PATH})
+    use_precompiled_headers(${target})
 endfunction()
 
 function(add_qtc_plugin target)
@@ -65,6 +66,7 @@ function(add_qtc_plugin target)
         LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${IDE_PLUGIN_PATH}
         AUTOMOC_MOC_OPTIONS "-I${CMAKE_CURRENT_BINARY_DIR}"
         ${ARG_PROPERTIES})
+    use_precompiled_headers(${target})
     if(NOT ARG_SKIP_INSTALL)
         install(TARGETS ${target} LIBRARY DESTINATION ${IDE_PLUGIN_PATH})
     endif()
