@@ -4,6 +4,7 @@
 #include "projectlistener.h"
 #include "signdialog.h"
 #include "signoptionspage.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
@@ -21,7 +22,6 @@
 
 #include <QAction>
 #include <QCoreApplication>
-#include <QDebug>
 #include <QDir>
 #include <QLocale>
 #include <QMainWindow>
@@ -114,12 +114,12 @@ void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool p
         return;
 
     const QDir workspace(sharedSrcPath.absoluteFilePath().toFSPathString());
-    qDebug() << "[SealkitPlugin] Copy keys to:" << workspace.path();
+    qCDebug(debugLog) << "[SealkitPlugin] Copy keys to:" << workspace.path();
 
     const QString keysFolder = Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE;
     if (!workspace.exists(keysFolder)) {
         const bool created = workspace.mkdir(keysFolder);
-        qDebug().nospace().noquote()
+        qCDebug(debugLog).nospace().noquote()
             << "[SealkitPlugin] Dir created: " << (created ? "true" : "false") << ". "
             << workspace.path();
     }
@@ -157,7 +157,7 @@ bool SealkitPlugin::copyDefault(const char *fileName, const FilePath &destinatio
     const bool copied =
         Utils::FileUtils::copyRecursively(source, destination, &error, copyHelper());
     if (!copied)
-        qDebug() << "[SealkitPlugin] Failed to copy" << source << ":" << error;
+        qCDebug(debugLog) << "[SealkitPlugin] Failed to copy" << source << ":" << error;
     return copied;
 }
 

@@ -12,7 +12,6 @@
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 
-#include <QDebug>
 #include <QDir>
 #include <QFontDatabase>
 #include <QPointer>
@@ -639,7 +638,7 @@ QString parseDumpForSort(const QString &dump)
     QString summary;
     for (auto matches = line.globalMatch(dump); matches.hasNext();) {
         const QString match = matches.next().captured();
-        qDebug() << match;
+        qCDebug(debugLog) << match;
         if (match.startsWith(QLatin1String("Subject")) || match.startsWith(QLatin1String("Group")))
             summary += match + QLatin1Char('\n');
     }

@@ -11,6 +11,8 @@
 
 namespace Sealkit::Internal {
 
+Q_LOGGING_CATEGORY(debugLog, "qtc.sealkit", QtWarningMsg)
+
 void setValidation(Utils::PathChooser *chooser,
                    const Utils::FancyLineEdit::ValidationFunction &function)
 {

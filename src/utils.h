@@ -3,6 +3,7 @@
 #include <utils/fancylineedit.h>
 #include <utils/filepath.h>
 
+#include <QLoggingCategory>
 #include <QStringList>
 
 namespace Utils {
@@ -10,6 +11,9 @@ class PathChooser;
 }
 
 namespace Sealkit::Internal {
+
+/// What only developers want to know. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
+Q_DECLARE_LOGGING_CATEGORY(debugLog)
 
 /// Lets \a function alone judge the path. A new chooser is about to tell what it makes of its empty
 /// text, and that would stay until the next change.
