@@ -93,10 +93,8 @@ int HeadlessDeploy::run()
     if (open()) {
         QTimer::singleShot(0, this, &HeadlessDeploy::deploy);
         exitCode = QCoreApplication::exec();
-        BuildManager::cancel();
-        // The window's own list of projects and its SDK are not ours to change.
-        m_session.closeProject(m_stepList->target()->project());
     }
+    // Nothing is saved: what the project and the window remember is not ours to change.
     m_session.shutdown();
     return m_signalNumber ? SIGNAL_BASE + m_signalNumber : exitCode;
 }
