@@ -2,6 +2,7 @@
 
 #include "aboutplugins.h"
 #include "deploypage.h"
+#include "generalpage.h"
 #include "issuespane.h"
 #include "optionsdialog.h"
 #include "outputpane.h"
@@ -284,6 +285,7 @@ void MainWindow::choose(Project *project, Target *target, DeployConfiguration *c
 
 void MainWindow::showOptions()
 {
+    const GeneralPage general(m_session);
     OptionsDialog dialog(this);
     connect(&dialog, &OptionsDialog::applied, m_session, &Session::save);
     dialog.exec();

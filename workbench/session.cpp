@@ -25,12 +25,14 @@ namespace Workbench {
 
 constexpr char SDK_KEY[] = "Workbench/Sdk";
 constexpr char PROJECTS_KEY[] = "Workbench/Projects";
+// The IDE's, which the plugin reads, too.
+constexpr char LANGUAGE_KEY[] = "General/OverrideLanguage";
 
 // Dialogs of plugins have buttons whose texts are Qt's, and shall speak one language.
 static void loadQtTranslation()
 {
-    const QVariant language = QSettings().value("General/OverrideLanguage");
-    const QLocale locale = language.isValid() ? QLocale(language.toString()) : QLocale();
+    const QString language = Session::chosenLanguage();
+    const QLocale locale = language.isEmpty() ? QLocale() : QLocale(language);
     auto *translator = new QTranslator(QCoreApplication::instance());
     if (translator->load(locale, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QCoreApplication::installTranslator(translator);
@@ -57,13 +59,43 @@ bool Session::openSdk(const QString &folder, QString *error)
     const QString chosen =
         folder.isEmpty() ? QSettings().value(SDK_KEY).toString() : QDir(folder).absolutePath();
     if (chosen.isEmpty()) {
-        *error = tr("No SDK is chosen. Start with --sdk DIR.");
+        *error =
+            tr("No SDK is chosen. Choose one in Edit > Options > Workbench, or start with --sdk "
+               "DIR.");
         return false;
     }
     if (!Brisk::openInstallation(FilePath::fromString(chosen), error))
         return false;
     m_sdk = chosen;
     return true;
+}
+
+void Session::chooseSdk(const QString &folder)
+{
+    if (!folder.isEmpty())
+        m_sdk = folder;
+}
+
+QStringList Session::languages()
+{
+    QStringList names{"en"};
+    const QDir folder(besideProgram("share/qtcreator/translations").toFSPathString());
+    for (const QString &file : folder.entryList({"Sealkit_*.qm"}, QDir::Files, QDir::Name))
+        names << QFileInfo(file).completeBaseName().section('_', 1);
+    return names;
+}
+
+QString Session::chosenLanguage()
+{
+    return QSettings().value(LANGUAGE_KEY).toString();
+}
+
+void Session::chooseLanguage(const QString &language)
+{
+    if (language.isEmpty())
+        QSettings().remove(LANGUAGE_KEY);
+    else
+        QSettings().setValue(LANGUAGE_KEY, language);
 }
 
 void Session::loadPlugins()

@@ -25,6 +25,19 @@ public:
 
     /// Opens the SDK in \a folder, or the remembered one, and offers a kit for each of its targets.
     bool openSdk(const QString &folder, QString *error);
+    /// Folder of the SDK to be remembered: the one that is open, or chosen since. Empty without
+    /// one.
+    QString sdk() const { return m_sdk; }
+    /// Remembers \a folder for the next start. An empty one leaves everything as it is.
+    void chooseSdk(const QString &folder);
+
+    /// What the plugin speaks, as names of locales.
+    static QStringList languages();
+    /// One of languages(), or empty for the system's.
+    static QString chosenLanguage();
+    /// For the next start.
+    static void chooseLanguage(const QString &language);
+
     /// Loads the plugins that are installed beside the program.
     void loadPlugins();
     /// One line for each plugin that did not make it.
@@ -55,7 +68,7 @@ private:
     void saveProject(ProjectExplorer::Project *project);
 
     ExtensionSystem::PluginManager m_pluginManager;
-    QString m_sdk; // empty until one is open
+    QString m_sdk;
     /// Why a project could not be saved, so that nobody is told the same twice.
     QHash<ProjectExplorer::Project *, QString> m_saveProblems;
 };
