@@ -6,6 +6,7 @@
 #include "testrow.h"
 
 #include <commandline.h>
+#include <generalpage.h>
 #include <mainwindow.h>
 #include <optionsdialog.h>
 #include <outputpane.h>
@@ -19,6 +20,7 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
+#include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 #include <veyraos/kilnconstants.h>
 
@@ -114,7 +116,7 @@ public:
     {
         QProcess workbench;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("XDG_RUNTIME_DIR", path()); // or a warning would come of it
+        environment.remove("XDG_RUNTIME_DIR"); // as in a container
         environment.insert("QT_MESSAGE_PATTERN", "%{if-warning}STRAY %{endif}%{message}");
         workbench.setProcessEnvironment(environment);
         workbench.start(WORKBENCH_EXECUTABLE, deployArguments() + furtherArguments);
@@ -152,11 +154,12 @@ private slots:
     void deploys_data();
     void deploys();
     void interruptLeavesNothingBehind();
-    void deployLeavesTheWindowsMemoryAlone();
+    void deployLeavesTheMemoryAlone();
 
     void firstErrorBringsIssuesForward();
     void iconsAreDrawnByMasks();
     void optionsAreAppliedOnlyWhereTheyWereShown();
+    void optionsHoldLanguageAndSdk();
     void windowConfiguresSteps();
     void closingWhileItOpensForgetsNothing();
     void quitEndsTheRun();
@@ -432,16 +435,17 @@ void WorkbenchTest::interruptLeavesNothingBehind()
     QCOMPARE(ground.signatures(), QStringList());
 }
 
-void WorkbenchTest::deployLeavesTheWindowsMemoryAlone()
+void WorkbenchTest::deployLeavesTheMemoryAlone()
 {
     const Ground ground;
     ground.set("Workbench/Projects", QStringList{"/one", "/two"});
     ground.set("Workbench/Sdk", "/other");
     QCOMPARE(ground.deploy().exitCode, 0);
+    QCOMPARE(ground.deploy({"--target", BARE_TARGET}).exitCode, 1);
     const QSettings settings(ground.settingsPath(), QSettings::IniFormat);
     QCOMPARE(settings.value("Workbench/Projects").toStringList(), (QStringList{"/one", "/two"}));
     QCOMPARE(settings.value("Workbench/Sdk").toString(), "/other");
-    QVERIFY(QFile::exists(ground.project() + "/rpm/quick.spec.user"));
+    QVERIFY(!QFile::exists(ground.project() + "/rpm/quick.spec.user"));
 }
 
 void WorkbenchTest::firstErrorBringsIssuesForward()
@@ -523,6 +527,27 @@ void WorkbenchTest::optionsAreAppliedOnlyWhereTheyWereShown()
     OptionsDialog().reject();
     QCOMPARE(trace,
              (QStringList{"shown canceled", "shown finished", "other canceled", "other finished"}));
+}
+
+void WorkbenchTest::optionsHoldLanguageAndSdk()
+{
+    const Ground ground;
+    Session session;
+    QString error;
+    QVERIFY2(session.openSdk(ground.path(), &error), qPrintable(error));
+    const GeneralPage page(&session);
+    OptionsDialog dialog;
+    auto *languages = dialog.findChild<QComboBox *>("languages");
+    auto *sdk = dialog.findChild<Utils::PathChooser *>("sdk");
+    QCOMPARE(languages->currentText(), "That of the system");
+    QCOMPARE(sdk->filePath().toFSPathString(), ground.path());
+    QTest::keyClicks(languages, "Deu");
+    sdk->lineEdit()->setText("/other");
+    connect(&dialog, &OptionsDialog::applied, &session, &Session::save);
+    dialog.accept();
+    QCOMPARE(QSettings().value("General/OverrideLanguage").toString(), "de");
+    QCOMPARE(QSettings().value("Workbench/Sdk").toString(), "/other");
+    session.shutdown();
 }
 
 static QStringList stepNames(const QWidget &window)

@@ -46,13 +46,16 @@ std::variant<CommandLine, EarlyExit> parseCommandLine(const QStringList &argumen
     const QCommandLineOption passphraseFile(
         "passphrase-file", "Answer pass-phrase prompts with the first line of FILE.", "FILE");
     const QCommandLineOption settings("settings", "Keep settings in DIR.", "DIR");
+    const QCommandLineOption checkDisplay(
+        "check-display", "Open no window; end with 0 only when that would be possible.");
     const QCommandLineOption help({"h", "help"}, "Show this help.");
 
     QCommandLineParser parser;
     parser.setApplicationDescription("Builds and signs packages with the Sealkit plugin.\n"
                                      "A PROJECT is a folder with rpm/*.spec, or the .spec itself.");
     parser.addPositionalArgument("PROJECT", "Projects to open in the window.", "[PROJECT...]");
-    parser.addOptions({deploy, pictures, sdk, target, passphraseFile, settings, help});
+    parser.addOptions(
+        {deploy, pictures, sdk, target, passphraseFile, settings, checkDisplay, help});
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     if (parser.isSet(help))
@@ -60,6 +63,7 @@ std::variant<CommandLine, EarlyExit> parseCommandLine(const QStringList &argumen
 
     CommandLine line;
     line.deploy = parser.isSet(deploy);
+    line.checkDisplay = parser.isSet(checkDisplay);
     line.projects = line.deploy ? QStringList(parser.value(deploy)) : parser.positionalArguments();
     line.picturesFolder = parser.value(pictures);
     line.sdk = parser.value(sdk);

@@ -13,6 +13,8 @@ struct CommandLine
 {
     /// A deploy run without a window; there is exactly one project then.
     bool deploy = false;
+    /// Only whether a window can be opened.
+    bool checkDisplay = false;
     /// Where to put the pictures of the user guide; empty: none are taken. There is exactly one
     /// project then.
     QString picturesFolder;

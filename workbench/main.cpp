@@ -6,9 +6,13 @@
 #include "session.h"
 
 #include <QApplication>
+#include <QFile>
+#include <QStandardPaths>
 #include <QTimer>
 
+#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 using namespace Workbench;
 
@@ -23,6 +27,17 @@ static bool hasDisplay()
     return !qEnvironmentVariableIsEmpty("DISPLAY")
            || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
            || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+// Logins set it. Without them Qt makes a folder up, and says so at each start.
+static void provideRuntimeFolder()
+{
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        return;
+    const QtMessageHandler handler = qInstallMessageHandler([](auto, auto &, auto &) {});
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    qInstallMessageHandler(handler);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(folder));
 }
 
 static int runWindow(const CommandLine &commandLine)
@@ -55,7 +70,13 @@ int main(int argc, char *argv[])
     else if (!hasDisplay())
         return endEarly({1, "workbench: There is no display for a window; see --deploy."});
 
+    provideRuntimeFolder();
+    if (commandLine.checkDisplay)
+        // Qt aborts where it cannot reach the display.
+        std::signal(SIGABRT, [](int) { std::_Exit(1); });
     QApplication application(argc, argv);
+    if (commandLine.checkDisplay)
+        return 0;
     QApplication::setQuitOnLastWindowClosed(false);
     setUpApplication(commandLine.settingsFolder);
     if (!commandLine.picturesFolder.isEmpty())
