@@ -2,19 +2,25 @@
 # once for each kind of target, and not once for each source: for plugins that hide their symbols, for
 # plugins that export them, and for all else.
 #
-# A source still includes what it uses: the builds for the real IDE and under the sanitizers have no
-# precompiled headers.
+# A source still includes what it uses: the debug build, that under the sanitizers, and the one for the
+# real IDE have no precompiled headers.
 set(PRECOMPILED_HEADERS
     <QAction> <QApplication> <QCheckBox> <QComboBox> <QDialog> <QDir> <QFileInfo> <QHash> <QLabel>
     <QLineEdit> <QMap> <QMessageBox> <QPointer> <QProcess> <QPushButton> <QRegularExpression>
     <QSettings> <QTimer> <QVBoxLayout> <functional> <memory>)
+
+# Programs and libraries alike, so that they can share the headers.
+add_compile_options(-fPIC)
 
 # use_precompiled_headers(<target>...): the targets link Qt6::Widgets. The compiler refuses headers
 # that were precompiled with other options or definitions than the target's.
 function(use_precompiled_headers)
     foreach(target IN LISTS ARGN)
         get_target_property(visibility ${target} CXX_VISIBILITY_PRESET)
-        string(MAKE_C_IDENTIFIER "precompiled_${visibility}" owner)
+        if(NOT visibility)
+            set(visibility unset)
+        endif()
+        set(owner precompiled_${visibility})
         if(NOT TARGET ${owner})
             _precompile_headers_as_for(${target} ${owner})
         endif()
@@ -27,8 +33,7 @@ function(_precompile_headers_as_for target owner)
     add_library(${owner} OBJECT ${CMAKE_CURRENT_BINARY_DIR}/precompiled.cpp)
     target_link_libraries(${owner} PRIVATE Qt6::Widgets)
     target_precompile_headers(${owner} PRIVATE ${PRECOMPILED_HEADERS})
-    set_target_properties(${owner} PROPERTIES
-        AUTOMOC OFF POSITION_INDEPENDENT_CODE ON)
+    set_target_properties(${owner} PROPERTIES AUTOMOC OFF)
     get_target_property(visibility ${target} CXX_VISIBILITY_PRESET)
     if(visibility)
         get_target_property(inlines_hidden ${target} VISIBILITY_INLINES_HIDDEN)

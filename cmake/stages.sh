@@ -45,6 +45,6 @@ build_preset() { # PRESET [CMAKE BUILD ARGUMENT...]
     if [ -t 1 ]; then
         cmake --build --preset "$preset" "$@" || fail 'the build failed'
     else
-        watched cmake --build --preset "$preset" "$@"
+        watched stdbuf -oL cmake --build --preset "$preset" "$@"
     fi
 }
