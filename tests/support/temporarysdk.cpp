@@ -1,6 +1,7 @@
 #include "temporarysdk.h"
 
 #include <QProcess>
+#include <QTest>
 
 TemporarySdk::TemporarySdk()
 {
@@ -10,4 +11,13 @@ TemporarySdk::TemporarySdk()
                   {QStringLiteral("--brisk"), QStringLiteral(BRISK_EXECUTABLE), path()});
     if (!process.waitForFinished(60'000) || process.exitCode() != 0)
         qFatal("no demo SDK: %s", process.readAll().constData());
+}
+
+bool lacksGost()
+{
+    if (!QByteArray(QTest::currentDataTag()).contains("GOST"))
+        return false;
+    QProcess openssl;
+    openssl.start(QStringLiteral("openssl"), {QStringLiteral("engine"), QStringLiteral("gost")});
+    return !openssl.waitForFinished() || openssl.exitCode() != 0;
 }
