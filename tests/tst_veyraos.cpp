@@ -74,7 +74,7 @@ void VeyraOSTest::init()
     m_directory = std::make_unique<QTemporaryDir>();
     writeFile(path("sdk/sdk.ini"),
               "[General]\nOsVariant=Veyra OS Pro\n"
-              "[BuildEngine]\nName=Engine\nSharedHome=home\nSharedSource=../work space\n");
+              "[BuildEngine]\nName=Engine\nSharedHome=home\nSharedSource=../work-space\n");
     for (const QString name : {"V-5.9-arm", "V-5.10-arm", "V-5.10.2-arm"})
         writeFile(path("sdk/engine/targets/" + name + "/bin/notes.txt"));
     const QString tool = path("sdk/engine/targets/V-5.9-arm/bin/tool");
@@ -138,7 +138,7 @@ void VeyraOSTest::sdkIsReadFromItsFolder()
     QCOMPARE(Brisk::Sdk::buildEngines().size(), 1);
     const Brisk::BuildEngine *engine = Brisk::Sdk::buildEngines().constFirst();
     QCOMPARE(engine->sharedHomePath().toFSPathString(), path("sdk/home"));
-    QCOMPARE(engine->sharedSrcPath().toFSPathString(), path("work space"));
+    QCOMPARE(engine->sharedSrcPath().toFSPathString(), path("work-space"));
     const QStringList newestFirst{"V-5.10.2-arm", "V-5.10-arm", "V-5.9-arm"};
     QCOMPARE(engine->buildTargetOrigins(), newestFirst);
     const Brisk::BuildTargetData expected{"V-5.9-arm", {"tool"}};
@@ -203,12 +203,12 @@ void VeyraOSTest::briskIsThatOfTheSdkUnlessSet()
 
 void VeyraOSTest::packagesAreBuiltAnew()
 {
-    const Target *target = openProject("work space/100% app");
+    const Target *target = openProject("work-space/100%_app");
     BuildStepList *list = target->activeDeployConfiguration()->stepList();
     const auto *step =
         earlierBuildStep<KilnKb2RpmBuildStep>(target->activeDeployConfiguration(), nullptr);
     QVERIFY(step);
-    const QString folder = path("work space/100% app/RPMS");
+    const QString folder = path("work-space/100%_app/RPMS");
     writeFile(folder + "/noarch/old-1-1.noarch.rpm");
     writeFile(folder + "/noarch/app-1-1.noarch.rpm.sig");
     writeFile(folder + "/notes.txt");
@@ -232,14 +232,14 @@ void VeyraOSTest::buildIsRefused_data()
     QTest::addColumn<QString>("message");
 
     QTest::newRow("no build engine")
-        << "work space/app"
+        << "work-space/app"
         << "engine"
         << "Error: the kit \"V-5.10.2-arm\" has no build engine to build packages in.\n";
     QTest::newRow("outside of the workspace")
-        << "work space too/app" << QString()
-        << "Error: the project's folder \"%1/work space too/app\" is not inside the workspace "
-           "\"%1/work space\" of the build engine.\n";
-    QTest::newRow("no tool") << "work space/app"
+        << "work-space too/app" << QString()
+        << "Error: the project's folder \"%1/work-space too/app\" is not inside the workspace "
+           "\"%1/work-space\" of the build engine.\n";
+    QTest::newRow("no tool") << "work-space/app"
                              << "tool"
                              << "Error: \"rpmbuild\" is needed to build packages and was not "
                                 "found.\n";
@@ -252,7 +252,7 @@ void VeyraOSTest::buildIsRefused()
     QFETCH(QString, message);
 
     const Target *target = openProject(folder);
-    QVERIFY(QDir().mkpath(path("work space")));
+    QVERIFY(QDir().mkpath(path("work-space")));
     if (trouble == "engine")
         Brisk::closeInstallation();
     const QByteArray searchPath = qgetenv("PATH");

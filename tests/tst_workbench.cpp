@@ -639,7 +639,7 @@ void WorkbenchTest::quitEndsTheRun()
     QTimer user;
     connect(&user, &QTimer::timeout, &window, [&window, &user] {
         const auto *progress = window.findChild<QProgressDialog *>();
-        if (!progress || !progress->isVisible())
+        if (!progress || !progress->isActiveWindow())
             return;
         user.stop(); // the key is pressed from an event loop of its own
         QTest::keyClick(progress->windowHandle(), Qt::Key_Escape);
