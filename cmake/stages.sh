@@ -11,7 +11,7 @@ fail() { # TEXT
 
 # rpmbuild and the scripts that it makes take such characters for their own.
 check_path() { # FOLDER
-    local unusable=$'[[:space:]"\'`$\\;&|<>()]'
+    local unusable=$'[[:space:]"\'`$\\%;&|<>()]'
     [[ ! $1 =~ $unusable ]] ||
         fail "packages cannot be built below a folder with \"${BASH_REMATCH[0]}\" in its name; \
 move this one: $1"
