@@ -53,6 +53,13 @@ Aim operator&&(const Aim &left, const Aim &right)
             }};
 }
 
+Aim operator||(const Aim &left, const Aim &right)
+{
+    return {left.text + " or " + right.text, [left, right](double ours, double yardstick) {
+                return left.isMet(ours, yardstick) || right.isMet(ours, yardstick);
+            }};
+}
+
 double median(std::vector<double> values)
 {
     const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
@@ -117,7 +124,7 @@ private:
     int m_failures = 0;
 };
 
-static constexpr char ROW[] = "%-46s  %17s  %13s  %13s  %6s  %-26s  %s\n";
+static constexpr char ROW[] = "%-46s  %17s  %13s  %13s  %6s  %-36s  %s\n";
 
 bool Table::ReportContext(const Context & /*context*/)
 {

@@ -44,6 +44,7 @@ Aim atLeastTimes(double factor);
 Aim atMost(double value, const std::string &unit);
 Aim atMostMore(double value, const std::string &unit);
 Aim operator&&(const Aim &left, const Aim &right);
+Aim operator||(const Aim &left, const Aim &right);
 
 /// A row of the table: what this project needs for something, beside what a yardstick needs.
 struct Comparison

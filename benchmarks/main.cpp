@@ -47,6 +47,7 @@ int main(int argc, char **argv)
     addRuns(workplace, extent);
     addStreams(extent);
     addDeploys(workplace, extent);
+    addSignings(workplace, extent);
     addTexts(extent);
     addStartups(workplace, extent);
     addWindows(extent);

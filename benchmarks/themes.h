@@ -12,6 +12,7 @@ namespace Benchmarks {
 void addRuns(const Workplace &workplace, Extent extent);
 void addStreams(Extent extent);
 void addDeploys(Workplace &workplace, Extent extent);
+void addSignings(const Workplace &workplace, Extent extent);
 void addTexts(Extent extent);
 void addStartups(const Workplace &workplace, Extent extent);
 void addWindows(Extent extent);
