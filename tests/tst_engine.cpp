@@ -11,6 +11,8 @@
 #include <QTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 
 constexpr int RUN_TIMEOUT_MS = 30'000;
 
@@ -41,6 +43,7 @@ private slots:
 
     void wordsAndExitCodes_data();
     void wordsAndExitCodes();
+    void errorIsWrittenInOnePiece();
     void answersNeverShow();
     void endedInputStaysEnded();
     void floodAndUnreadInput();
@@ -350,6 +353,21 @@ void EngineTest::wordsAndExitCodes()
     QTEST(result.out, "out");
     QTEST(result.err, "err");
     QTEST(result.exitCode, "exitCode");
+}
+
+void EngineTest::errorIsWrittenInOnePiece()
+{
+    int pieces[2]; // each write to this pipe is read on its own
+    QCOMPARE(pipe2(pieces, O_DIRECT | O_CLOEXEC), 0);
+    QProcess process;
+    process.setChildProcessModifier([&] { dup2(pieces[1], STDERR_FILENO); });
+    start(process, {"probe"}, "none");
+    QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+    QByteArray line(100, '\0');
+    line.truncate(read(pieces[0], line.data(), size_t(line.size())));
+    QCOMPARE(line, "brisk: no such build target: none\n");
+    close(pieces[0]);
+    close(pieces[1]);
 }
 
 void EngineTest::answersNeverShow()

@@ -16,7 +16,8 @@ static const std::vector<std::string> EXEC_WORDS{"engine", "exec", "-tt", "sb2",
 
 static int fail(const std::string &message, int code = FAILURE)
 {
-    std::cerr << "brisk: " << message << std::endl;
+    // In one piece: who reads it may take each write for a line.
+    std::cerr << "brisk: " + message + '\n';
     return code;
 }
 
