@@ -339,6 +339,7 @@ void EngineTest::wordsAndExitCodes_data()
     const QStringList path{target, "/bin/ls"};
     addRow("no program of this computer", path, 127, "", "brisk: /bin/ls: command not found\n");
     addRow("ended by a signal", QStringList{target, "killed"}, 128 + SIGKILL, "", "");
+    addRow("no core dumps", QStringList{target, "ulimit -Hc"}, 0, "0\n", "");
     const QStringList outside{"../targets/" + target, "probe"};
     addRow("no target's name", outside, 1, "", "brisk: no such build target: " + outside[0] + '\n');
 }

@@ -12,6 +12,7 @@
 #include <optional>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <termios.h>
@@ -79,6 +80,9 @@ static void resetSignals()
 {
     close_range(STDERR_FILENO + 1, ~0U, 0);
     resetSignals();
+    // The command may have keys and pass phrases in its memory.
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
     setenv("PATH", command.searchPath.c_str(), 1);
     std::vector<char *> arguments;
     for (const std::string &word : command.words)
