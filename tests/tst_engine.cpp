@@ -306,7 +306,7 @@ void EngineTest::dumpTellsSubjectAndUnits()
 {
     const QString subject = R"(/CN=Рога, и "копыта"\+x)"
                             "\nGroup: b/OU=a\\\\b, c";
-    const QString lines = R"(Subject: OU=a\\b\, c, CN=Рога\, и \"копыта\"\+x\0AGroup: b)"
+    const QString lines = R"(Subject: OU=a\\b\, c, CN=Рога\, и \"копыта\"\+x\0AGroup\3A b)"
                           "\nGroup: a\\b, c\nSubgroup: none\n";
     const QString clientKey = key("client_key.pem");
     openssl(

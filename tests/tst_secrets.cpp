@@ -124,10 +124,11 @@ private:
 
     void lookAt(const QString &process)
     {
+        // A tool hides its environment even from its own user, once it has keys.
         const QByteArray environment = readFile(process + "/environ");
-        if (!environment.contains(m_folder.path().toUtf8())) // somebody else's
-            return;
         const QByteArray commandLine = readFile(process + "/cmdline").replace('\0', ' ');
+        if (!(environment + commandLine).contains(m_folder.path().toUtf8())) // somebody else's
+            return;
         m_seen << commandLine;
         if (hasMark(environment))
             m_seen << MARK + (" is in the environment of " + commandLine);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "handles.h"
+
+#include <string>
+#include <vector>
+
+// What the tools do with packages. Each throws a Failure when it has not done all of it.
+
+using Paths = std::vector<std::string>;
+
+/// Adds to packages that requirePackages() has seen: a signature by the key for each certificate to
+/// each package, or none to any.
+void signPackages(const Key &key,
+                  const std::vector<Certificate> &certificates,
+                  const Paths &packages);
+void deleteSignatures(const Paths &packages);
+void dumpSignatures(const Paths &packages);
+/// An empty \a roots stands for the target's own ones.
+void verifySignatures(const std::string &roots, const Paths &packages);
+
+/// Writes to standard output at once.
+void print(const std::string &text);
+/// A file of the target that the running tool belongs to.
+std::string targetFile(const std::string &path);

@@ -1,0 +1,154 @@
+#include "signature.h"
+
+#include "failure.h"
+
+#include <algorithm>
+#include <openssl/err.h>
+#include <openssl/x509v3.h>
+
+bool Signer::isCheckable() const
+{
+    return certificate && X509_get0_pubkey(certificate) && EVP_get_digestbynid(digest());
+}
+
+bool Signer::hasSigned(const PackageDigests &digests) const
+{
+    return isGenuine() && isOver(digests);
+}
+
+bool Signer::isGenuine() const
+{
+    // Without signed attributes the signature is of the package itself.
+    return isCheckable()
+           && (CMS_signed_get_attr_count(info) < 0 || CMS_SignerInfo_verify(info) > 0);
+}
+
+bool Signer::isOver(const PackageDigests &digests) const
+{
+    return isCheckable() && CMS_SignerInfo_verify_content(info, digests.chain()) > 0;
+}
+
+int Signer::digest() const
+{
+    X509_ALGOR *algorithm = nullptr;
+    const ASN1_OBJECT *id = nullptr;
+    CMS_SignerInfo_get0_algs(info, nullptr, nullptr, &algorithm, nullptr);
+    X509_ALGOR_get0(&id, nullptr, nullptr, algorithm);
+    return OBJ_obj2nid(id);
+}
+
+int Signature::digestFor(const Key &key)
+{
+    int kind = NID_undef;
+    EVP_PKEY_get_default_digest_nid(key.get(), &kind);
+    return kind;
+}
+
+std::string
+Signature::make(const Key &key, const Certificate &certificate, const PackageDigests &digests)
+{
+    ERR_clear_error();
+    constexpr unsigned flags = CMS_PARTIAL | CMS_DETACHED | CMS_BINARY | CMS_NOSMIMECAP;
+    const Cms cms(CMS_sign(nullptr, nullptr, nullptr, nullptr, flags));
+    unsigned char *der = nullptr;
+    int size = -1;
+    if (cms && CMS_add1_signer(cms.get(), certificate.get(), key.get(), nullptr, flags)
+        && CMS_dataFinal(cms.get(), digests.chain()) == 1)
+        size = i2d_CMS_ContentInfo(cms.get(), &der);
+    if (size < 0) {
+        const char *reason = ERR_reason_error_string(ERR_peek_last_error());
+        throw Failure("cannot sign " + digests.path() + ": " + (reason ? reason : "unknown error"));
+    }
+    const std::string bytes(reinterpret_cast<char *>(der), static_cast<std::size_t>(size));
+    OPENSSL_free(der);
+    return bytes;
+}
+
+Signature::Signature(const std::string &der)
+{
+    const auto *start = reinterpret_cast<const unsigned char *>(der.data());
+    const unsigned char *end = start;
+    m_cms.reset(d2i_CMS_ContentInfo(nullptr, &end, static_cast<long>(der.size())));
+    if (!m_cms || end != start + der.size()
+        || OBJ_obj2nid(CMS_get0_type(m_cms.get())) != NID_pkcs7_signed)
+        return;
+    m_certificates.reset(CMS_get1_certs(m_cms.get()));
+    CMS_set1_signers_certs(m_cms.get(), nullptr, 0);
+    STACK_OF(CMS_SignerInfo) *infos = CMS_get0_SignerInfos(m_cms.get());
+    for (int i = 0; i < sk_CMS_SignerInfo_num(infos); ++i) {
+        Signer signer{sk_CMS_SignerInfo_value(infos, i)};
+        CMS_SignerInfo_get0_algs(signer.info, nullptr, &signer.certificate, nullptr, nullptr);
+        m_signers.push_back(signer);
+    }
+}
+
+bool Signature::hasSigned(const PackageDigests &digests) const
+{
+    return isReadable() && std::all_of(m_signers.begin(), m_signers.end(), [&](const auto &signer) {
+               return signer.hasSigned(digests);
+           });
+}
+
+std::set<int> digestsOf(const std::vector<Signature> &signatures)
+{
+    std::set<int> kinds;
+    for (const Signature &signature : signatures)
+        for (const Signer &signer : signature.signers())
+            kinds.insert(signer.digest());
+    return kinds;
+}
+
+Verifier::Verifier(const std::string &rootsFile)
+    : m_rootsFile(rootsFile)
+    , m_roots(X509_STORE_new())
+{
+    if (X509_STORE_load_file(m_roots.get(), rootsFile.c_str()) != 1)
+        m_roots.reset();
+}
+
+std::string Verifier::faultOf(const Signature &signature, const PackageDigests &digests) const
+{
+    if (!m_roots)
+        return "no root certificate can be read from " + m_rootsFile;
+    if (!signature.isReadable())
+        return "it cannot be read";
+    for (const Signer &signer : signature.signers()) {
+        const std::string fault = faultOf(signer, signature.certificates());
+        if (!fault.empty())
+            return fault;
+    }
+    const bool isOver = std::all_of(signature.signers().begin(),
+                                    signature.signers().end(),
+                                    [&](const Signer &signer) { return signer.isOver(digests); });
+    return isOver ? "" : "the package was changed after it was signed";
+}
+
+static std::string words(int error)
+{
+    switch (error) {
+    case X509_V_ERR_CERT_HAS_EXPIRED:
+        return "its certificate has expired";
+    case X509_V_ERR_CERT_NOT_YET_VALID:
+        return "its certificate is not valid yet";
+    case X509_V_ERR_UNABLE_TO_GET_ISSUER_CERT_LOCALLY:
+    case X509_V_ERR_DEPTH_ZERO_SELF_SIGNED_CERT:
+    case X509_V_ERR_SELF_SIGNED_CERT_IN_CHAIN:
+        return "its certificate is not issued by a trusted root";
+    default:
+        return std::string("its certificate is refused: ") + X509_verify_cert_error_string(error);
+    }
+}
+
+std::string Verifier::faultOf(const Signer &signer, STACK_OF(X509) * certificates) const
+{
+    const RootsContext context(X509_STORE_CTX_new());
+    if (!signer.isCheckable()
+        || X509_STORE_CTX_init(context.get(), m_roots.get(), signer.certificate, certificates) != 1)
+        return "it cannot be read";
+    if (X509_verify_cert(context.get()) != 1)
+        return words(X509_STORE_CTX_get_error(context.get()));
+    // Whatever else the key may be for, it must be for signatures.
+    if ((X509_get_key_usage(signer.certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
+        return words(X509_V_ERR_INVALID_PURPOSE);
+    return signer.isGenuine() ? "" : "it cannot be read";
+}
