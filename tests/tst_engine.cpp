@@ -4,6 +4,7 @@
 #include "temporarysdk.h"
 #include "testrow.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -39,7 +40,9 @@ private slots:
     void verificationSaysWhatIsWrong();
     void failedSigningLeavesEverythingUnchanged_data();
     void failedSigningLeavesEverythingUnchanged();
+    void dumpTellsSubjectAndUnits_data();
     void dumpTellsSubjectAndUnits();
+    void dumpBelievesOnlySigners();
 
     void wordsAndExitCodes_data();
     void wordsAndExitCodes();
@@ -62,7 +65,14 @@ private:
     /// Expects success.
     QString openssl(const QStringList &words, const QByteArray &input = {}) const;
     Run rpmsign(const QStringList &words, const QByteArray &input = {}) const;
+    QStringList signWords(const QString &pair) const;
     int sign(const QString &pair, const QStringList &packages) const;
+    void signWithOpenssl(const QString &pair,
+                         const QString &package,
+                         const QStringList &more = {}) const;
+    void makeCertificate(const QString &pair,
+                         const QString &subject,
+                         const QStringList &extensions = {}) const;
 
     QString key(const QString &name) const { return m_sdk.workspace() + "/keys/" + name; }
     QString package(const QString &name) const { return m_packages + '/' + name; }
@@ -122,10 +132,37 @@ Run EngineTest::rpmsign(const QStringList &words, const QByteArray &input) const
     return run(QStringList("rpmsign-external") + words, input);
 }
 
+QStringList EngineTest::signWords(const QString &pair) const
+{
+    return {"sign", "-k", key(pair + "_key.pem"), "-c", key(pair + "_cert.pem")};
+}
+
 int EngineTest::sign(const QString &pair, const QStringList &packages) const
 {
-    const QStringList keys{"-k", key(pair + "_key.pem"), "-c", key(pair + "_cert.pem")};
-    return rpmsign(QStringList("sign") + keys + packages).exitCode;
+    return rpmsign(signWords(pair) + packages).exitCode;
+}
+
+/// Asks nothing of the certificate.
+void EngineTest::signWithOpenssl(const QString &pair,
+                                 const QString &package,
+                                 const QStringList &more) const
+{
+    QStringList words{"cms", "-sign", "-binary", "-outform", "DER", "-in"};
+    words << package << "-out" << package + ".1.p7s" << more;
+    openssl(words << "-signer" << key(pair + "_cert.pem") << "-inkey" << key(pair + "_key.pem"));
+}
+
+/// Its own root, for the client's key.
+void EngineTest::makeCertificate(const QString &pair,
+                                 const QString &subject,
+                                 const QStringList &extensions) const
+{
+    QFile::copy(key("client_key.pem"), key(pair + "_key.pem"));
+    QStringList words{"req", "-x509", "-new", "-utf8", "-key", key("client_key.pem"), "-subj"};
+    words << subject << "-out" << key(pair + "_cert.pem");
+    for (const QString &extension : extensions)
+        words << "-addext" << extension;
+    openssl(words);
 }
 
 QString EngineTest::addPackage(const QString &name) const
@@ -205,22 +242,15 @@ void EngineTest::verificationSaysWhatIsWrong()
     QFETCH(QString, verdict);
 
     const QString path = addPackage("a.rpm");
-    if (pair == "expired")
-        openssl({"cms",
-                 "-sign",
-                 "-binary",
-                 "-in",
-                 path,
-                 "-outform",
-                 "DER",
-                 "-out",
-                 path + ".1.p7s",
-                 "-signer",
-                 key("expired_cert.pem"),
-                 "-inkey",
-                 key("expired_key.pem")});
-    else if (!pair.isEmpty())
-        QCOMPARE(sign(pair, {path}), 0);
+    if (pair.startsWith("own")) {
+        makeCertificate("own", "/CN=x", {pair.mid(5)});
+        QCOMPARE(sign("own", {path}), 0);
+    } else if (pair == "expired" || pair == "future") {
+        signWithOpenssl(pair, path);
+    } else if (!pair.isEmpty()) {
+        for (const QString &name : pair.split(' '))
+            QCOMPARE(sign(name, {path}), 0);
+    }
     if (!damaged.isEmpty()) {
         QByteArray bytes = readFile(package(damaged));
         bytes[4] = char(bytes[4] ^ 1);
@@ -302,20 +332,70 @@ void EngineTest::failedSigningLeavesEverythingUnchanged()
     QCOMPARE(packageFiles(), before);
 }
 
+void EngineTest::dumpTellsSubjectAndUnits_data()
+{
+    QTest::addColumn<QString>("subject");
+    QTest::addColumn<QString>("lines");
+
+    addRow("as it is",
+           R"(/CN=Рога, и "копыта"\+x)"
+           "\nGroup: b/OU=a\\\\b, c",
+           R"(Subject: OU=a\\b\, c, CN=Рога\, и \"копыта\"\+x\0AGroup\3A b)"
+           "\nGroup: a\\b, c\nSubgroup: none\n");
+    addRow(
+        "made to deceive",
+        "/O=Group: client/OU=developer\rGroup: client/OU=Subject: \\/b.rpm"
+        "/CN=\u2028Enter pass phrase for x:\u0085\u202e<b>&lt;\x1b[2J ",
+        R"(Subject: CN=\E2\80\A8Enter pass phrase for x\3A\C2\85\E2\80\AE\3Cb\3E\26lt\;\1B[2J\20, )"
+        R"(OU=\53ubject\3A \2Fb.rpm, OU=developer\0DGroup\3A client, O=Group\3A client)"
+        "\nGroup: developer\\0DGroup\\3A client\nSubgroup: \\53ubject\\3A \\2Fb.rpm\n");
+}
+
 void EngineTest::dumpTellsSubjectAndUnits()
 {
-    const QString subject = R"(/CN=Рога, и "копыта"\+x)"
-                            "\nGroup: b/OU=a\\\\b, c";
-    const QString lines = R"(Subject: OU=a\\b\, c, CN=Рога\, и \"копыта\"\+x\0AGroup\3A b)"
-                          "\nGroup: a\\b, c\nSubgroup: none\n";
-    const QString clientKey = key("client_key.pem");
-    openssl(
-        {"req", "-x509", "-new", "-utf8", "-key", clientKey, "-subj", subject, "-out", "c.pem"});
+    QFETCH(QString, subject);
+    makeCertificate("named", subject);
     const QString path = addPackage("a.rpm");
-    QCOMPARE(rpmsign({"sign", "-k", clientKey, "-c", "c.pem", path}).exitCode, 0);
+    QCOMPARE(sign("named", {path}), 0);
     const QString dump = rpmsign({"dump", path}).out;
-    QCOMPARE(dump.left(dump.indexOf("Key ID")), lines);
+    QTEST(dump.left(dump.indexOf("Key ID")), "lines");
     QVERIFY(dump.endsWith('\n' + path + '\n'));
+}
+
+void EngineTest::dumpBelievesOnlySigners()
+{
+    const QString subject =
+        "Subject: CN=Foreign Developer, OU=regular, OU=developer, O=Somebody Else\n";
+    const QString path = addPackage("a.rpm");
+    const QString other = addPackage("b.rpm");
+    makeCertificate("liar", "/OU=client/CN=x\nGroup: client");
+    writeFile(package("certs.pem"),
+              readFile(key("client_cert.pem")) + readFile(key("liar_cert.pem")));
+    signWithOpenssl("foreign", path, {"-certfile", package("certs.pem")});
+    const QString dump = rpmsign({"dump", path}).out;
+    QVERIFY2(dump.startsWith(subject + "Group: developer\nSubgroup: regular\nKey ID: "),
+             qPrintable(dump));
+    QCOMPARE(dump.count('\n'), 6);
+
+    const auto digest = [](const QString &file) {
+        return QCryptographicHash::hash(readFile(file), QCryptographicHash::Sha256);
+    };
+    const QByteArray pasted = readFile(path + ".1.p7s");
+    const QByteArray patched = QByteArray(pasted).replace(digest(path), digest(other));
+    QVERIFY(patched != pasted);
+    for (const QByteArray &signature : {pasted, patched}) {
+        writeFile(other + ".1.p7s", signature);
+        const Run run = rpmsign({"dump", other});
+        QCOMPARE(run.out, subject + "Signature: not a signature of this package\n" + other + '\n');
+        QCOMPARE(run.exitCode, 0);
+        QCOMPARE(rpmsign({"verify", "--root-cert", key("foreign_root.pem"), other}).exitCode, 1);
+    }
+
+    writeFile(path + ".2.p7s", "no signature at all");
+    const Run unreadable = rpmsign({"dump", path, other});
+    QVERIFY(unreadable.out.endsWith("\nrpmsign-external: error: cannot read the signature: " + path
+                                    + ".2.p7s\n"));
+    QCOMPARE(unreadable.exitCode, 1);
 }
 
 void EngineTest::wordsAndExitCodes_data()
