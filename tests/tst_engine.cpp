@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -43,6 +44,12 @@ private slots:
     void dumpTellsSubjectAndUnits_data();
     void dumpTellsSubjectAndUnits();
     void dumpBelievesOnlySigners();
+    void signaturesAreFoundByTheirNames();
+    void runsAtOnceLoseNothing();
+    void packageMustNotChangeMeanwhile();
+    void newSignatureIsLookedAt();
+    void endedSigningLeavesWholeSignatures_data();
+    void endedSigningLeavesWholeSignatures();
 
     void wordsAndExitCodes_data();
     void wordsAndExitCodes();
@@ -396,6 +403,128 @@ void EngineTest::dumpBelievesOnlySigners()
     QVERIFY(unreadable.out.endsWith("\nrpmsign-external: error: cannot read the signature: " + path
                                     + ".2.p7s\n"));
     QCOMPARE(unreadable.exitCode, 1);
+}
+
+void EngineTest::signaturesAreFoundByTheirNames()
+{
+    const QStringList words{"--", "-a.rpm", "./-a.rpm"}; // a package, given twice
+    for (const QString name : {"-a.rpm", "-a.rpm.b.rpm"})
+        addPackage(name);
+    writeFile(package("-a.rpm.b.rpm.1.p7s.new"), "somebody else's");
+    writeFile(package("precious"), "precious");
+    QVERIFY(QFile::link(package("precious"), package("-a.rpm.1.p7s.new")));
+    Files files = packageFiles();
+    files.remove("-a.rpm.1.p7s.new");
+
+    QCOMPARE(sign("client", words), 0);
+    QCOMPARE(sign("foreign", words), 0);
+    QVERIFY(QFile::remove(package("-a.rpm.1.p7s")));
+    QCOMPARE(sign("client", words), 0);
+    for (const QString name : {"-a.rpm.2.p7s", "-a.rpm.3.p7s"})
+        files.insert(name, readFile(package(name)));
+    QCOMPARE(packageFiles(), files);
+
+    const QString root = key("foreign_root.pem");
+    const QStringList verdicts =
+        rpmsign({"verify", "--root-cert", root, "--", "-a.rpm"}).out.split('\n');
+    QCOMPARE(verdicts.first(), "-a.rpm: signature 2 is valid");
+    QCOMPARE(rpmsign({"dump", "--", "-a.rpm"}).out.count("Group: "), 2);
+    QCOMPARE(rpmsign({"delete", "--", "-a.rpm"}).out, "-a.rpm: 2 signatures removed\n");
+}
+
+void EngineTest::runsAtOnceLoseNothing()
+{
+    const QStringList packages{addPackage("a.rpm"), addPackage("a.rpm.b.rpm")};
+    std::vector<QProcess> runs(8);
+    for (QProcess &process : runs)
+        start(process, QStringList("rpmsign-external") + signWords("client") + packages);
+    for (QProcess &process : runs) {
+        QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+        QCOMPARE(process.exitCode(), 0);
+    }
+    QCOMPARE(rpmsign(QStringList("verify") + packages).exitCode, 0);
+    const QString removed = ": 8 signatures removed\n";
+    QCOMPARE(rpmsign(QStringList("delete") + packages).out,
+             packages[0] + removed + packages[1] + removed);
+}
+
+void EngineTest::packageMustNotChangeMeanwhile()
+{
+    QFile file(addPackage("a.rpm"));
+    QVERIFY(file.open(QIODevice::ReadWrite) && file.resize(100'000'000)); // takes a while to read
+    QProcess process;
+    start(process,
+          QStringList("rpmsign-external") + signWords("client")
+              + QStringList{addPackage("b.rpm"), "a.rpm"});
+    while (!process.waitForFinished(1))
+        QVERIFY(file.seek(50'000) && file.putChar('y') && file.flush());
+    QCOMPARE(process.readAllStandardOutput(),
+             "rpmsign-external: error: the package changed meanwhile: a.rpm\r\n");
+    QCOMPARE(packageFiles().keys(), QStringList({"a.rpm", "b.rpm"}));
+}
+
+// On a disk that loses what is written, and tells nobody.
+void EngineTest::newSignatureIsLookedAt()
+{
+    writeFile(package("disk.c"),
+              "#include <sys/stat.h>\n#include <sys/syscall.h>\n#include <unistd.h>\n"
+              "ssize_t write(int file, const void *bytes, size_t size) {\n"
+              "    struct stat status;\n"
+              "    return fstat(file, &status) == 0 && S_ISREG(status.st_mode)\n"
+              "        ? (ssize_t)size : syscall(SYS_write, file, bytes, size); }\n");
+    const QString library = m_sdk.path() + "/disk.so";
+    QCOMPARE(QProcess::execute("cc", {"-shared", "-fPIC", "-o", library, package("disk.c")}), 0);
+    QVERIFY(QFile::remove(package("disk.c")));
+    addPackage("a.rpm");
+
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("LD_PRELOAD", library);
+    environment.insert("ASAN_OPTIONS", "verify_asan_link_order=0");
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(m_packages);
+    process.start(m_sdk.tool("rpmsign-external"), signWords("client") << "a.rpm");
+    QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+    QCOMPARE(process.readAllStandardError(),
+             "rpmsign-external: error: the new signature is not one of the package: a.rpm\n");
+    QCOMPARE(packageFiles().keys(), QStringList("a.rpm"));
+}
+
+void EngineTest::endedSigningLeavesWholeSignatures_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    addRow("killed", SIGKILL);
+    addRow("terminated", SIGTERM);
+}
+
+void EngineTest::endedSigningLeavesWholeSignatures()
+{
+    QFETCH(int, signalNumber);
+    QStringList packages;
+    for (int i = 0; i < 20; ++i)
+        packages << addPackage(QString::number(i) + ".rpm");
+    for (int round = 0; round < 20; ++round) {
+        QProcess process;
+        process.start(m_sdk.tool("rpmsign-external"), signWords("client") + packages);
+        QVERIFY(process.waitForStarted());
+        QTest::qSleep(QRandomGenerator::global()->bounded(20));
+        kill(pid_t(process.processId()), signalNumber);
+        QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+
+        const QStringList left = packageFiles().keys();
+        QStringList isSigned = left.filter(QRegularExpression("p7s$"));
+        isSigned.replaceInStrings(".1.p7s", "");
+        if (!isSigned.isEmpty())
+            QCOMPARE(rpmsign(QStringList("verify") + isSigned).exitCode, 0);
+        if (signalNumber != SIGKILL) {
+            QVERIFY(isSigned.isEmpty() || isSigned.size() == packages.size());
+            QCOMPARE(left.size(), packages.size() + isSigned.size());
+        }
+        if (round == 19)
+            QCOMPARE(sign("client", packages), 0);
+        QCOMPARE(rpmsign(QStringList("delete") + packages).exitCode, 0);
+        QCOMPARE(packageFiles().size(), packages.size());
+    }
 }
 
 void EngineTest::wordsAndExitCodes_data()
