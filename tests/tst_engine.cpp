@@ -110,6 +110,8 @@ void EngineTest::start(QProcess &process, const QStringList &words, const QStrin
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("TMPDIR", m_temporary);
+    environment.insert("SSL_CERT_FILE",
+                       key("foreign_root.pem")); // the system's roots count for nothing
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_packages);
     process.start(m_sdk.path() + "/bin/brisk",
@@ -241,6 +243,19 @@ void EngineTest::verificationSaysWhatIsWrong_data()
     addRow("foreign root given", "client", "foreign_root.pem", "", untrusted);
     addRow("foreign certificate", "foreign", "", "", untrusted);
     addRow("expired since", "expired", "", "", invalid + "its certificate has expired");
+    addRow("not valid yet", "future", "", "", invalid + "its certificate is not valid yet");
+    const QString root = "own_cert.pem";
+    addRow("for code", "own: extendedKeyUsage=codeSigning", root, "", valid);
+    addRow("not for signatures",
+           "own: keyUsage=keyEncipherment",
+           root,
+           "",
+           invalid + "its certificate is refused: unsuitable certificate purpose");
+    addRow("second is foreign",
+           "client foreign",
+           "",
+           "",
+           valid + "\n%1: " + QString(untrusted).replace('1', '2'));
 }
 
 void EngineTest::verificationSaysWhatIsWrong()
@@ -268,7 +283,7 @@ void EngineTest::verificationSaysWhatIsWrong()
     const bool good = verdict.endsWith("is valid");
     const auto output = [&](const QString &tool) {
         const QString error = good ? "" : tool + ": error: verification failed\n";
-        return path + ": " + verdict + '\n' + error;
+        return path + ": " + QString(verdict).replace("%1", path) + '\n' + error;
     };
 
     QStringList words{"verify"};
