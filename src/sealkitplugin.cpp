@@ -31,6 +31,10 @@ using Utils::FilePath;
 
 namespace Sealkit::Internal {
 
+constexpr QFile::Permissions KEYS_FOLDER_PERMISSIONS =
+    QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup | QFile::ExeGroup
+    | QFile::ReadOther | QFile::ExeOther;
+
 SealkitPlugin::SealkitPlugin() = default;
 
 SealkitPlugin::~SealkitPlugin() = default;
@@ -118,7 +122,8 @@ void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool p
 
     const QString keysFolder = Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE;
     if (!workspace.exists(keysFolder)) {
-        const bool created = workspace.mkdir(keysFolder);
+        // Others may read what it holds, but not put keys into it, whatever the user's mask allows.
+        const bool created = workspace.mkdir(keysFolder, KEYS_FOLDER_PERMISSIONS);
         qCDebug(debugLog).nospace().noquote()
             << "[SealkitPlugin] Dir created: " << (created ? "true" : "false") << ". "
             << workspace.path();

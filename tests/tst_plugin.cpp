@@ -24,6 +24,8 @@
 #include <QSettings>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using ExtensionSystem::PluginManager;
 using ExtensionSystem::PluginSpec;
 using Utils::FilePath;
@@ -46,6 +48,7 @@ private slots:
     void titlesItsOptionsCategory();
     void copiesTheRegularKeys();
     void copiesTheRegularKeysIntoANewWorkspace();
+    void onlyTheUserWritesAmongTheKeys();
     void tellsWhyKeysCannotBeCopied();
 
 private:
@@ -177,6 +180,17 @@ void PluginTest::copiesTheRegularKeysIntoANewWorkspace()
     QCOMPARE(content(ownKey.fileName()), "own key");
     QVERIFY(!content(workspace.path() + KEYS_FOLDER + "/regular_cert.pem").isEmpty());
     QCOMPARE(messages.take(), QStringList());
+}
+
+void PluginTest::onlyTheUserWritesAmongTheKeys()
+{
+    const QTemporaryDir workspace;
+    const mode_t mask = umask(0);
+    moveWorkspace(workspace.path());
+    umask(mask);
+    QCOMPARE(QFile::permissions(workspace.path() + KEYS_FOLDER)
+                 & (QFile::WriteGroup | QFile::WriteOther),
+             QFile::Permissions());
 }
 
 void PluginTest::tellsWhyKeysCannotBeCopied()
