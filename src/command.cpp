@@ -310,6 +310,8 @@ static void reportFailedStart(const QProcess &process)
 
 Result exec(const Handler &handler, const QStringList &commandLine)
 {
+    // Not to be read again after the run.
+    const QString shownCommandLine = commandLine.join(QLatin1Char(' '));
     if (isIdeClosing())
         return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
 
@@ -329,8 +331,7 @@ Result exec(const Handler &handler, const QStringList &commandLine)
         reportFailedStart(process);
 
     Core::MessageManager::writeSilently(
-        QStringLiteral("[$] %1\t%2")
-            .arg(QString::number(process.exitCode()), commandLine.join(QLatin1Char(' '))));
+        QStringLiteral("[$] %1\t%2").arg(QString::number(process.exitCode()), shownCommandLine));
     result.crashed = process.exitStatus() == QProcess::CrashExit;
     result.exitCode = process.exitCode();
     return result;

@@ -14,18 +14,28 @@ RpmsignExternal::RpmsignExternal(QObject *parent)
 {
 }
 
+/// Of a run that nobody waits for any more, and that is not begun.
+static Command::Result abandoned()
+{
+    return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
+}
+
 Command::Result RpmsignExternal::addSignature(const QString &target,
                                               const QStringList &packages,
                                               const SignData &data)
 {
-    // A copy: this object may be gone after the first run.
-    const Command::Handler handler = m_handler;
+    // After the first run this object may be gone, and with it the caller and all that it handed
+    // in.
+    const QPointer<RpmsignExternal> self(this);
+    const bool signsTwice = !data.clientCertificate.isEmpty() && !data.clientKey.isEmpty();
+    const QStringList secondCommandLine = Command::compose<Target::rpmsign_external::sign>(
+        target, data.clientKey, data.clientCertificate, packages);
+
     const Command::Result result = Command::exec<Target::rpmsign_external::sign>(
-        handler, target, data.key, data.certificate, packages);
-    if (!result.succeeded() || data.clientCertificate.isEmpty() || data.clientKey.isEmpty())
+        m_handler, target, data.key, data.certificate, packages);
+    if (!result.succeeded() || !signsTwice)
         return result;
-    return Command::exec<Target::rpmsign_external::sign>(
-        handler, target, data.clientKey, data.clientCertificate, packages);
+    return self ? Command::exec(m_handler, secondCommandLine) : abandoned();
 }
 
 Command::Result RpmsignExternal::removeSignature(const QString &target, const QStringList &packages)
@@ -54,31 +64,35 @@ static bool removeEmptyFile(const Utils::FilePath &path)
     return info.isFile() && info.size() == 0 && QFile::remove(info.filePath());
 }
 
-Command::Result RpmsignExternal::generateRequest(const QString &target,
-                                                 const KeyGenerationData &data)
+Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
+                                                 const KeyGenerationData &callersData)
 {
+    // As above.
     const QPointer<RpmsignExternal> self(this);
-    const Command::Handler handler = m_handler;
+    const QString target = callersTarget;
+    const KeyGenerationData data = callersData;
 
     if (!data.keyPath.exists()) {
-        const Command::Result result = Command::exec(handler, getKeyGenerationComand(target, data));
+        const Command::Result result =
+            Command::exec(m_handler, getKeyGenerationComand(target, data));
         removeEmptyFile(data.keyPath);
         if (!result.succeeded())
             return result;
+        if (!self)
+            return abandoned();
     }
 
     QString error;
     const QFileInfo config = KeyGenerationData::generateCsrConfig(data.companyName, &error);
     if (!config.exists()) {
-        if (self)
-            emit addError(tr("Filed to generate CSR"));
+        emit addError(tr("Filed to generate CSR"));
         if (self)
             emit addError(error);
         return {.crashed = false, .exitCode = -1, .stdErr = {}, .stdOut = {}};
     }
 
     Command::Result result =
-        Command::exec<Target::openssl::generateRequest>(handler,
+        Command::exec<Target::openssl::generateRequest>(m_handler,
                                                         target,
                                                         data.keyPath.toUserOutput(),
                                                         data.requestPath.toUserOutput(),

@@ -64,6 +64,8 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
         } else {
             emit addOutput(line);
         }
+        if (!self)
+            return false; // whoever read the line has deleted this object
     }
     return true;
 }

@@ -29,7 +29,7 @@ public:
                                             const KeyGenerationData &data) = 0;
 
     /// The handler of every run: emits lines, answers prompts. False when the user declined one,
-    /// and when this object went while the user was asked.
+    /// and when this object went while the user was asked or a line was read.
     bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
 
     /// While stopped, each program that this object runs is killed, the present one included.

@@ -10,6 +10,7 @@
 #include <brisk/buildengine.h>
 #include <brisk/installation.h>
 #include <brisk/sdk.h>
+#include <host/generalmessages.h>
 
 #include <QDir>
 #include <QSettings>
@@ -29,6 +30,8 @@ private slots:
 
     void addsSignatures_data();
     void addsSignatures();
+    void endsWithItsCaller_data();
+    void endsWithItsCaller();
     void runsOneCommandEach_data();
     void runsOneCommandEach();
     void customerSignMakesNoRequests();
@@ -103,6 +106,49 @@ void BackEndsTest::addsSignatures()
     RpmsignExternal tool(nullptr);
     QTEST(tool.addSignature("T", {"a.rpm", "b.rpm"}, data).exitCode, "exitCode");
     QTEST(m_brisk.takeCalls(), "calls");
+}
+
+void BackEndsTest::endsWithItsCaller_data()
+{
+    QTest::addColumn<bool>("makesRequest");
+
+    QTest::newRow("second signature") << false;
+    QTest::newRow("request for a new key") << true;
+}
+
+void BackEndsTest::endsWithItsCaller()
+{
+    QFETCH(const bool, makesRequest);
+    struct Caller
+    {
+        RpmsignExternal tool{nullptr};
+        QString target = QString(100, u'T');
+        QStringList packages{"a.rpm"};
+        SignData data;
+        KeyGenerationData request;
+    };
+    auto caller = std::make_unique<Caller>();
+    caller->data = {.binariesKey = {},
+                    .clientKey = "ck",
+                    .clientCertificate = "cc",
+                    .certificate = "c",
+                    .key = "k",
+                    .rootCertificate = {}};
+    caller->request.keyPath = FilePath::fromString(m_sdk.workspace() + "/none.pem");
+
+    // Told when the first program has ended, and before its run returns.
+    QObject context;
+    connect(Core::Host::GeneralMessages::instance(),
+            &Core::Host::GeneralMessages::messageWritten,
+            &context,
+            [&caller] { caller.reset(); });
+    const Result result =
+        makesRequest ? caller->tool.generateRequest(caller->target, caller->request)
+                     : caller->tool.addSignature(caller->target, caller->packages, caller->data);
+    QVERIFY(!caller);
+    QVERIFY(!result.succeeded());
+    QCOMPARE(m_brisk.takeCalls().size(), 1);
+    QVERIFY(!leftConfiguration());
 }
 
 void BackEndsTest::runsOneCommandEach_data()

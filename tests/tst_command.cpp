@@ -50,6 +50,7 @@ private slots:
     void stopsAtADeclinedPrompt_data();
     void stopsAtADeclinedPrompt();
     void survivesItsToolBeingDeletedWhileAsking();
+    void survivesItsToolBeingDeletedByAReader();
 
     void killsWhenTheIdeCloses();
 
@@ -339,6 +340,22 @@ void CommandTest::survivesItsToolBeingDeletedWhileAsking()
     QByteArray input;
     QVERIFY(!tool->handleIO("Enter pass phrase\nand there is more\n", {}, input));
     QCOMPARE(user.prompts().size(), 1);
+}
+
+void CommandTest::survivesItsToolBeingDeletedByAReader()
+{
+    for (const auto signal : {&SignTool::addOutput, &SignTool::addError}) {
+        auto tool = std::make_unique<ReadingTool>();
+        QStringList lines;
+        connect(tool.get(), signal, this, [&tool, &lines](const QString &line) {
+            lines << line;
+            tool.reset();
+        });
+        const bool isError = signal == &SignTool::addError;
+        const QString text = QString(isError ? "err:" : "out:") + "first\\nsecond\\n";
+        QVERIFY(tool->run({FAKE_TOOL, text, "hang"}).crashed);
+        QCOMPARE(lines, QStringList{"first"});
+    }
 }
 
 void CommandTest::killsWhenTheIdeCloses()
