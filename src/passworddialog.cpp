@@ -43,7 +43,7 @@ PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
 QString PasswordDialogPrivate::takePassword()
 {
     const QString password = m_passwordLineEdit->text();
-    m_passwordLineEdit->clear();
+    m_passwordLineEdit->setText({}); // which forgets the undo history, too, as clear() does not
     return password;
 }
 

@@ -125,6 +125,11 @@ void PasswordDialogTest::tellsThatItWasDeclined()
     const QString answer = PasswordDialog::getPassord(QStringLiteral("?"), &ok);
     QVERIFY(!ok);
     QVERIFY(answer.isNull());
+    // What was typed is not in the dialog that stays.
+    auto *edit = dialog->findChild<QLineEdit *>();
+    edit->setEchoMode(QLineEdit::Normal); // where undoing brings text back
+    edit->undo();
+    QCOMPARE(edit->text(), QString());
     delete dialog;
 }
 
