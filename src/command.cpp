@@ -1,6 +1,7 @@
 #include "command.h"
 
 #include "constants.h"
+#include "ideclosing.h"
 #include "signdata.h"
 
 #include <brisk/buildengine.h>
@@ -223,27 +224,6 @@ static QString workingDirectory()
 {
     const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
     return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
-}
-
-/// Notices that the IDE closes; from then on a run would only keep it from ending.
-class ClosingWatch : public QObject
-{
-public:
-    ClosingWatch()
-    {
-        connect(Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [this] {
-            isClosing = true;
-        });
-    }
-
-    bool isClosing = false;
-};
-
-/// Counts from the first call on.
-static bool isIdeClosing()
-{
-    static const ClosingWatch watch;
-    return watch.isClosing;
 }
 
 /// Makes room by hand: QByteArray would copy all it has each time that it grows, and the system

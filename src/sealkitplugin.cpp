@@ -1,6 +1,7 @@
 #include "sealkitplugin.h"
 
 #include "constants.h"
+#include "ideclosing.h"
 #include "projectlistener.h"
 #include "signdialog.h"
 #include "signoptionspage.h"
@@ -41,6 +42,7 @@ SealkitPlugin::~SealkitPlugin() = default;
 
 bool SealkitPlugin::initialize(const QStringList & /*arguments*/, QString * /*errorString*/)
 {
+    watchIdeClosing();
     registerOptionsCategory();
     loadTranslations();
     addSignPackagesAction();

@@ -3,6 +3,7 @@
 #include "ownprogram.h"
 #include "promptanswers.h"
 #include "readingtool.h"
+#include "sealkitplugin.h"
 #include "settingsscope.h"
 #include "signdata.h"
 #include "straywarnings.h"
@@ -53,6 +54,7 @@ private slots:
     void survivesItsToolBeingDeletedByAReader();
 
     void killsWhenTheIdeCloses();
+    void startsNothingAfterTheIdeHasClosed();
 
 private:
     SettingsScope m_settings;
@@ -380,6 +382,17 @@ void CommandTest::killsWhenTheIdeCloses()
     QVERIFY(later.crashed);
     QVERIFY(later.exitCode != 0);
     QCOMPARE(messages.take(), QStringList());
+}
+
+void CommandTest::startsNothingAfterTheIdeHasClosed()
+{
+    if (ranInOwnProgram())
+        return;
+    SealkitPlugin plugin;
+    QString error;
+    QVERIFY(plugin.initialize({}, &error));
+    emit Core::ICore::instance()->coreAboutToClose();
+    QVERIFY(!Command::exec({}, {FAKE_TOOL}).started);
 }
 
 QTEST_MAIN(CommandTest)

@@ -1,0 +1,36 @@
+#include "ideclosing.h"
+
+#include <coreplugin/icore.h>
+
+namespace Sealkit::Internal {
+
+class ClosingWatch : public QObject
+{
+public:
+    ClosingWatch()
+    {
+        connect(Core::ICore::instance(), &Core::ICore::coreAboutToClose, this, [this] {
+            isClosing = true;
+        });
+    }
+
+    bool isClosing = false;
+};
+
+static const ClosingWatch &closingWatch()
+{
+    static const ClosingWatch watch;
+    return watch;
+}
+
+void watchIdeClosing()
+{
+    closingWatch();
+}
+
+bool isIdeClosing()
+{
+    return closingWatch().isClosing;
+}
+
+} // namespace Sealkit::Internal
