@@ -46,6 +46,12 @@ QString CustomerSignStep::displayName()
     return tr("RPM Sign (customer-sign)");
 }
 
+static bool isDebugPackage(const QString &path)
+{
+    static const QRegularExpression others(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN);
+    return !others.match(QFileInfo(path).fileName()).hasMatch();
+}
+
 /// Empty when there is no such file.
 QString CustomerSignStep::defaultKeyFile(const QString &pathBelowHome) const
 {
@@ -89,7 +95,7 @@ SetupResult CustomerSignStep::doRun()
 
     QStringList packages = m_rpmBuildStep->deployablePackagesFileNames();
     if (!m_signDebugPackages)
-        packages = packages.filter(QRegularExpression(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN));
+        packages.removeIf(isDebugPackage);
     if (packages.isEmpty()) {
         reportFailure(this, tr("Error: no package for sign found"));
         return SetupResult::StopWithError;

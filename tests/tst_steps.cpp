@@ -347,6 +347,8 @@ void StepsTest::customerSigns_data()
     const QStringList all{"a-1.rpm", "a-debuginfo-1.rpm", "a-debugsource-1.rpm"};
     QTest::newRow("all") << true << all << all << COMPLETED;
     QTest::newRow("no debug packages") << false << all << QStringList{"a-1.rpm"} << COMPLETED;
+    const QStringList inDebugFolder{"debuginfo-tools/a.rpm"};
+    QTest::newRow("a debug folder") << false << inDebugFolder << QStringList{"a.rpm"} << COMPLETED;
     QTest::newRow("only debug packages") << false << all.mid(1) << QStringList() << NO_PACKAGE;
 }
 
