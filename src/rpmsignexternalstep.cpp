@@ -128,10 +128,12 @@ bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &d
     return m_tool.addSignature(buildTargetName(), packages, data).succeeded();
 }
 
-static bool namesAll(const QStringList &packages, const QString &dump)
+static bool namesAll(const QStringList &packages, const QList<PackageDump> &dumps)
 {
-    return std::all_of(packages.begin(), packages.end(), [&dump](const QString &package) {
-        return dump.contains(QLatin1Char('/') + QFileInfo(package).fileName());
+    return std::all_of(packages.begin(), packages.end(), [&dumps](const QString &package) {
+        return std::any_of(dumps.begin(), dumps.end(), [&package](const PackageDump &dump) {
+            return QFileInfo(dump.packagePath).fileName() == QFileInfo(package).fileName();
+        });
     });
 }
 
@@ -154,11 +156,11 @@ void RpmsignExternalStep::dumpSign(const QStringList &packages)
         checkSignGroups(dump, QFileInfo(packages.first()).fileName());
         return;
     }
-    const QList<PackageDump> dumps = splitDumpByPackage(dump);
+    const QList<PackageDump> dumps = dumpsOfPackages(dump, packages);
     for (const PackageDump &package : dumps)
         checkSignGroups(package.dump, QFileInfo(package.packagePath).fileName());
     // No note on a package would mean that it is ready for customers' devices.
-    if (!namesAll(packages, dump))
+    if (!namesAll(packages, dumps))
         emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
 }
 

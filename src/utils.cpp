@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSet>
 
 namespace Sealkit::Internal {
 
@@ -103,6 +104,56 @@ QList<PackageDump> splitDumpByPackage(const QString &text)
         dumps << PackageDump{match.captured(1), {}};
     }
     endLastAt(text.size());
+    return dumps;
+}
+
+/// The one of \a packages whose file name stands first in \a line, ending at \a minEnd or later; of
+/// names that begin alike, the longest. Empty when there is none.
+static QString packageInLine(QStringView line, qsizetype minEnd, const QStringList &packages)
+{
+    QString found;
+    qsizetype foundAt = line.size();
+    qsizetype foundSize = 0;
+    for (const QString &package : packages) {
+        const QString name = QLatin1Char('/') + QFileInfo(package).fileName();
+        const qsizetype at = line.indexOf(name, qMax(qsizetype(0), minEnd - name.size()));
+        if (at < 0 || at > foundAt || (at == foundAt && name.size() <= foundSize))
+            continue;
+        found = package;
+        foundAt = at;
+        foundSize = name.size();
+    }
+    return found;
+}
+
+QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages)
+{
+    QList<PackageDump> dumps;
+    const QSet<QString> known(packages.begin(), packages.end());
+    const QList<PackageDump> sections = splitDumpByPackage(text);
+    qsizetype start = text.size();
+    for (const PackageDump &section : sections)
+        start -= section.dump.size();
+
+    qsizetype lastLineStart = -1;
+    for (const PackageDump &section : sections) {
+        const qsizetype lineStart = text.lastIndexOf(QLatin1Char('\n'), start) + 1;
+        const qsizetype nextLine = text.indexOf(QLatin1Char('\n'), start);
+        const qsizetype lineEnd = nextLine < 0 ? text.size() : nextLine;
+        const QString line = text.mid(lineStart, lineEnd - lineStart).remove(QLatin1Char('\r'));
+        const qsizetype pathEnd = start - lineStart + section.packagePath.size();
+        const QString package =
+            known.contains(line) ? line : packageInLine(line, pathEnd, packages);
+        const bool goesOn =
+            lineStart == lastLineStart && !dumps.isEmpty() && package == dumps.last().packagePath;
+        if (!package.isEmpty() && !goesOn) {
+            dumps << PackageDump{package, section.dump};
+            lastLineStart = lineStart;
+        } else if (!dumps.isEmpty()) {
+            dumps.last().dump += section.dump;
+        }
+        start += section.dump.size();
+    }
     return dumps;
 }
 

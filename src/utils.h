@@ -49,8 +49,13 @@ struct PackageDump
     friend bool operator==(const PackageDump &, const PackageDump &) = default;
 };
 
-/// Cuts a dump of several packages where a line names the next one.
+/// Cuts a dump of several packages where a line names the next one. A path ends at its first "rpm",
+/// which may be in the name of a folder.
 QList<PackageDump> splitDumpByPackage(const QString &text);
+
+/// The same with only the paths of \a packages, which the dump was asked for: a cut at anything else
+/// belongs to the package it lies in.
+QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages);
 
 /// Whose signatures a dump shows.
 struct SignGroups

@@ -140,6 +140,7 @@ void StepsTest::rpmsignSignsAndTellsTheWorth_data()
     QTest::addColumn<QStringList>("packages");
 
     QTest::newRow("one package") << QStringList{"a.rpm"};
+    QTest::newRow("rpm in a name") << QStringList{"b.rpm", "my-rpm-a.rpm"};
     QTest::newRow("several packages") << QStringList{"a-1.0.rpm", "a-debuginfo-1.0.rpm", "b c.rpm"};
 }
 

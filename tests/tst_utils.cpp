@@ -3,6 +3,7 @@
 #include "settingsscope.h"
 #include "straywarnings.h"
 #include "temporarysdk.h"
+#include "testrow.h"
 
 #include <brisk/installation.h>
 
@@ -23,6 +24,8 @@ private slots:
     void cutsDumpsIntoSignatures();
     void cutsDumpsIntoPackages_data();
     void cutsDumpsIntoPackages();
+    void findsThePackagesOfADump_data();
+    void findsThePackagesOfADump();
     void findsTheGroups_data();
     void findsTheGroups();
     void listsPackagesBesideAPath();
@@ -87,6 +90,52 @@ void UtilsTest::cutsDumpsIntoPackages()
     QFETCH(const QString, dump);
     QFETCH(const PackageDumps, packages);
     QCOMPARE(splitDumpByPackage(dump), packages);
+}
+
+void UtilsTest::findsThePackagesOfADump_data()
+{
+    QTest::addColumn<QStringList>("packages");
+    QTest::addColumn<QString>("dump");
+    QTest::addColumn<PackageDumps>("dumps");
+
+    const auto row = [](const char *name, const PackageDumps &dumps) {
+        QStringList packages;
+        QString dump;
+        for (const PackageDump &package : dumps) {
+            packages << package.packagePath;
+            dump += package.dump;
+        }
+        QTest::newRow(name) << packages << dump << dumps;
+    };
+    const QString a = "/w/a.rpm";
+    const QString b = "/w/b.rpm";
+    const auto lines = [](const QString &path) { return path + "\r\nSubject: x\r\nGroup: y\r\n"; };
+    const auto plain = [&](const char *name, const QStringList &paths) {
+        PackageDumps dumps;
+        for (const QString &path : paths)
+            dumps << PackageDump{path, lines(path)};
+        row(name, dumps);
+    };
+    plain("usual names", {a, b});
+    plain("rpm in a folder's name", {"/w/my-rpm-app/a.rpm", "/w/my-rpm-app/rpms/b.rpm"});
+    plain("rpm in a package's name", {"/w/my-rpm-app/rpm-tools.rpm", "/w/b.rpm"});
+    plain("a name that goes on", {a, "/w/a.rpm.x.rpm"});
+    plain("one name in two folders", {"/w/1/a.rpm", "/w/2/a.rpm"});
+    row("two on a line", {{a, a + ' '}, {b, b}});
+    row("mapped into the engine", {{a, lines("/src/my-rpm" + a)}, {b, lines("/src/my-rpm" + b)}});
+    row("a path in a signature", {{a, lines(a) + "Subject: CN=/c.rpm\n"}, {b, lines(b)}});
+
+    addRow(
+        "others come first", QStringList{a}, "/w/c.rpm\n" + lines(a), PackageDumps{{a, lines(a)}});
+    addRow("not in the dump", QStringList{a, b}, lines(b), PackageDumps{{b, lines(b)}});
+}
+
+void UtilsTest::findsThePackagesOfADump()
+{
+    QFETCH(const QStringList, packages);
+    QFETCH(const QString, dump);
+    QFETCH(const PackageDumps, dumps);
+    QCOMPARE(dumpsOfPackages(dump, packages), dumps);
 }
 
 void UtilsTest::findsTheGroups_data()
