@@ -126,15 +126,17 @@ void SignOptionsWidget::restore()
 
 void SignOptionsWidget::showFile(FileChoice &choice, int index)
 {
-    if (index == RegularFile) {
+    // Comes also when nothing but the check box or the workspace has changed.
+    const bool showedDefault = choice.useDefault;
+    if (!showedDefault)
         choice.lastCustomPath = choice.chooser->filePath();
-        choice.chooser->setFilePath(choice.defaultPath);
-        choice.chooser->setEnabled(false);
-    } else {
-        choice.chooser->setFilePath(choice.lastCustomPath);
-        choice.chooser->setEnabled(m_ui->enableSignStepCheckBox->isChecked());
-    }
+
     choice.useDefault = index == RegularFile;
+    if (choice.useDefault)
+        choice.chooser->setFilePath(choice.defaultPath);
+    else if (showedDefault)
+        choice.chooser->setFilePath(choice.lastCustomPath);
+    choice.chooser->setEnabled(!choice.useDefault && m_ui->enableSignStepCheckBox->isChecked());
 }
 
 void SignOptionsWidget::keyChooserChanged(int index)

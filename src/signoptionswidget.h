@@ -42,7 +42,7 @@ private:
         Utils::PathChooser *chooser = nullptr;
         Utils::FilePath defaultPath;
         Utils::FilePath lastCustomPath;
-        bool useDefault = true;
+        bool useDefault = true; ///< which is then what the chooser shows
     };
 
     void initPathChooser(Utils::PathChooser *chooser,

@@ -230,10 +230,23 @@ void SignOptionsTest::choices_data()
            "check; apply; reopen",
            "off; (Custom key): (ws/a.pem); (Regular certificate): (" + cert + ')',
            options("false", "ws/a.pem", cert));
+    const QString showsTyped = "on; Custom key: ws/b.pem; ";
     const QString typed = "key type ws/b.pem; check; check";
-    addRow("check box brings the path back", customKey, typed, custom + showsCert, customKey);
+    addRow("check box keeps the path", customKey, typed, showsTyped + showsCert, customKey);
     const QString checks = "key regular; check; check; key custom";
-    addRow("check box takes regular for custom", customKey, checks, lastCustom, customKey);
+    addRow("check box keeps the last custom", customKey, checks, custom + showsCert, customKey);
+    const QString typedMoved = "key type ws/b.pem; move moved";
+    addRow("workspace moves under a path",
+           customKey,
+           typedMoved,
+           showsTyped + shows(MOVED_KEYS),
+           customKey);
+    const QString regularMoved = "key regular; move moved; key custom";
+    addRow("workspace moves under the last custom",
+           customKey,
+           regularMoved,
+           custom + shows(MOVED_KEYS),
+           customKey);
     const QString moved = custom + shows(MOVED_KEYS);
     addRow("regular follows the workspace", customKey, "move moved", moved, customKey);
     const QString sdk = "sdk/package-signing/regular_";
