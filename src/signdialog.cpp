@@ -3,6 +3,7 @@
 #include "buildengineinfo.h"
 #include "constants.h"
 #include "customersealkit.h"
+#include "requestcheck.h"
 #include "rpmsignexternal.h"
 #include "ui_signdialog.h"
 #include "utils.h"
@@ -529,19 +530,6 @@ void SignDialog::invalidate()
     schedule(&SignDialog::refreshPackageState);
 }
 
-/// Names the first empty field in a text for the user; empty when all are filled in.
-QString SignDialog::missingForRequest() const
-{
-    const KeyGenerationData request = keyGenerationData();
-    if (request.companyName.isEmpty())
-        return tr("Company name field cannot be empty");
-    if (request.keyPath.isEmpty())
-        return tr("Key field cannot be empty");
-    if (request.requestPath.isEmpty())
-        return tr("Request field cannot be empty");
-    return {};
-}
-
 void SignDialog::generateRequest()
 {
     const Run run(this);
@@ -550,8 +538,8 @@ void SignDialog::generateRequest()
     if (!run)
         return;
 
-    if (const QString missing = missingForRequest(); !missing.isEmpty()) {
-        m_statusBar->showMessage(missing);
+    if (const QString problem = whyNoRequest(keyGenerationData()); !problem.isEmpty()) {
+        m_statusBar->showMessage(problem);
         m_ui->generateLabel->setPixmap(stateIcon(false));
         return;
     }

@@ -50,7 +50,6 @@ private:
     QString package() const;
     KeyGenerationData keyGenerationData() const;
     bool verifyPath(const QString &path, bool mustExist, QString *error) const;
-    QString missingForRequest() const;
 
     void setTargets(const QStringList &targets);
     void setTargetName(const QString &name);

@@ -53,7 +53,7 @@ private slots:
     void signsVerifiesAndRemoves_data();
     void signsVerifiesAndRemoves();
     void leavesRealPackagesAsTheyWere();
-    void requestsNeedAllFields();
+    void refusesRequests();
     void makesKeysAndRequests_data();
     void makesKeysAndRequests();
     void writesCompanyNames_data();
@@ -449,7 +449,7 @@ void SignDialogTest::leavesRealPackagesAsTheyWere()
     QCOMPARE(packages.entryList(QDir::Files), files);
 }
 
-void SignDialogTest::requestsNeedAllFields()
+void SignDialogTest::refusesRequests()
 {
     openDialog();
     QStringList shown;
@@ -463,10 +463,14 @@ void SignDialogTest::requestsNeedAllFields()
     click("genReqButton");
     enter("generatedKeyPathChooser", inWorkspace("key.pem"));
     click("genReqButton");
+    enter("generatedReqPathChooser", inWorkspace("keys/../key.pem"));
+    click("genReqButton");
     QCOMPARE(shown,
              (QStringList{"Company name field cannot be empty",
                           "Key field cannot be empty",
-                          "Request field cannot be empty"}));
+                          "Request field cannot be empty",
+                          "Key and request cannot be the same file"}));
+    QCOMPARE(icon("generateLabel"), "BROKEN");
     QVERIFY(!QFile::exists(inWorkspace("key.pem")));
     delete m_dialog; // before what it reports to
 }
@@ -525,28 +529,16 @@ void SignDialogTest::makesKeysAndRequests()
 void SignDialogTest::writesCompanyNames_data()
 {
     QTest::addColumn<QString>("company");
-    QTest::addColumn<QString>("written"); // null: no request
 
-    const auto unchanged = [](const char *name, const QString &company) {
-        addRow(name, company, company);
-    };
-    unchanged("Cyrillic", "ООО «Ромашка»");
-    unchanged("Chinese", "北京有限公司");
-    unchanged("plain signs", "A=B, C/D; E+F <%COMPANY_NAME%>");
-    unchanged("64 characters", QString(64, QChar(0x416)));
-    // What the configuration's syntax makes of the rest
-    addRow("quotes go", "\"O'Neil\" & \"Sons", "O'Neil & Sons");
-    addRow("backslashes go", R"(A\B \\C\)", R"(AB \C)");
-    addRow("a comment ends it", "Shop #1", "Shop");
-    addRow("nothing but a comment", "#1 Shop", QString());
-    addRow("a variable", "Cash $ Carry", QString());
-    addRow("65 characters", QString(65, 'x'), QString());
+    addRow("Cyrillic", "ООО «Ромашка»");
+    addRow("Chinese", "北京有限公司");
+    addRow("plain signs", "A=B, C/D; E+F <%COMPANY_NAME%> @{1}");
+    addRow("64 characters", QString(64, QChar(0x416)));
 }
 
 void SignDialogTest::writesCompanyNames()
 {
     QFETCH(QString, company);
-    QFETCH(QString, written);
     openDialog();
     const QString key = inWorkspace("keys/client_key.pem");
     const QByteArray keyBefore = readFile(key);
@@ -555,15 +547,9 @@ void SignDialogTest::writesCompanyNames()
 
     QCOMPARE(readFile(key), keyBefore);
     QCOMPARE(configurations(), QStringList());
-    QCOMPARE(icon("generateLabel"), written.isNull() ? "BROKEN" : "OK");
-    if (written.isNull()) {
-        QVERIFY2(status().startsWith("Failed to generate request: "), qPrintable(status()));
-        QVERIFY(!QFile::exists(inWorkspace("request.pem")));
-    } else {
-        QCOMPARE(describeRequest({"-subject", "-nameopt", "sname,sep_multiline,utf8"}),
-                 "Certificate request self-signature verify OK\nsubject=\n    CN=" + written
-                     + '\n');
-    }
+    QCOMPARE(icon("generateLabel"), "OK");
+    QCOMPARE(describeRequest({"-subject", "-nameopt", "sname,sep_multiline,utf8"}),
+             "Certificate request self-signature verify OK\nsubject=\n    CN=" + company + '\n');
 }
 
 void SignDialogTest::cleansUpAfterADeclinedPrompt_data()
