@@ -246,6 +246,7 @@ static void converse(QProcess &process, Handler &handler, Result &result)
 
     QByteArray input;
     if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {
+        result.cancelled = true;
         process.kill();
         // Its last words are kept, but nobody is asked for a program that is gone.
         handler = [](const QByteArray &, const QByteArray &, QByteArray &) { return true; };

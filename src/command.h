@@ -136,7 +136,8 @@ struct Result
     int exitCode = 0;
     QByteArray stdErr;
     QByteArray stdOut;
-    bool started = true; ///< if not, the exit code can be 0 nevertheless
+    bool started = true;    ///< if not, the exit code can be 0 nevertheless
+    bool cancelled = false; ///< killed because its handler said so
 
     bool succeeded() const { return started && !crashed && exitCode == 0; }
     friend bool operator==(const Result &, const Result &) = default;

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QLabel>
+
+namespace Sealkit::Internal {
+
+/// Says in a few lines how something went, or what is in a file. Hidden while it has nothing to
+/// say. What does not fit into the window is cut off, and whole in the tool tip.
+class NoteLabel : public QLabel
+{
+    Q_OBJECT
+
+public:
+    enum Kind { Information, Warning };
+
+    explicit NoteLabel(QWidget *parent = nullptr);
+
+    /// At most \a maxLines lines of \a text show; an empty one hides the label.
+    void setNote(const QString &text, Kind kind = Information);
+    void setMaxLines(int maxLines) { m_maxLines = maxLines; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QStringList shownLines() const;
+
+    int m_maxLines = 1;
+    Kind m_kind = Information;
+};
+
+} // namespace Sealkit::Internal

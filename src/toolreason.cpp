@@ -1,0 +1,84 @@
+#include "toolreason.h"
+
+#include "signtool.h"
+
+#include <QObject>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace Sealkit::Internal {
+
+static bool isProgress(const QString &line)
+{
+    return std::all_of(line.begin(), line.end(), [](QChar character) {
+        return QLatin1String(".+*-").contains(character);
+    });
+}
+
+QStringList tellingLines(const QString &output)
+{
+    static const QRegularExpression lineEnd(QStringLiteral("[\r\n]"));
+    QStringList lines;
+    for (const QString &part : output.split(lineEnd, Qt::SkipEmptyParts)) {
+        const QString line = part.trimmed();
+        if (!isProgress(line) && !isPasswordReq(line))
+            lines << line;
+    }
+    return lines;
+}
+
+// "4097…:error:06800097:asn1 encoding routines:ASN1_mbstring_ncopy:string too long:…" gives "string
+// too long"; any other line gives nothing.
+static QString opensslReason(const QString &line)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral("^[0-9A-F]+:error:[0-9A-F]+:[^:]*:[^:]*:([^:]+)"));
+    return pattern.match(line).captured(1);
+}
+
+/// openssl begins with what it could not do, in a line like "Error making certificate request" or
+/// one that says more, and goes on with a line for each of its layers.
+static QString tellingLineOfOpenssl(const QStringList &lines, const QStringList &reasons)
+{
+    const auto isWords = [](const QString &line) {
+        return opensslReason(line).isEmpty() && !line.startsWith(QLatin1String("Error "));
+    };
+    const auto words = std::find_if(lines.begin(), lines.end(), isWords);
+    if (words == lines.end())
+        return reasons.first();
+    const QString wrongPassPhrase = QStringLiteral("bad decrypt");
+    return reasons.contains(wrongPassPhrase) ? *words + QLatin1String(": ") + wrongPassPhrase
+                                             : *words;
+}
+
+QString tellingLine(const QString &output)
+{
+    const QStringList lines = tellingLines(output);
+    QStringList reasons;
+    for (const QString &line : lines)
+        reasons << opensslReason(line);
+    reasons.removeAll(QString());
+    if (!reasons.isEmpty())
+        return tellingLineOfOpenssl(lines, reasons);
+
+    // How a tool is used may follow its error.
+    const QStringList errors = lines.filter(QStringLiteral("error"), Qt::CaseInsensitive);
+    if (!errors.isEmpty())
+        return errors.last();
+    return lines.isEmpty() ? QString() : lines.last();
+}
+
+QString whyFailed(const Command::Result &result)
+{
+    if (!result.started)
+        return QObject::tr("The tool could not be started; see the General Messages");
+    if (result.cancelled)
+        return QObject::tr("Cancelled: no pass phrase was given");
+    const QString line = tellingLine(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
+    return line.isEmpty()
+               ? QObject::tr("The tool gave no reason; its exit code was %1").arg(result.exitCode)
+               : line;
+}
+
+} // namespace Sealkit::Internal
