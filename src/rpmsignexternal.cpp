@@ -100,8 +100,7 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
     QFile::remove(config.absoluteFilePath());
     if (result.succeeded() && removeEmptyFile(data.requestPath)) {
         result.exitCode = -1;
-        if (self)
-            emit addError(tr("Filed to generate CSR"));
+        result.stdErr += tr("The request is empty; is the disk full?").toUtf8();
     }
     return result;
 }
