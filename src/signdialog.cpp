@@ -5,6 +5,7 @@
 #include "customersealkit.h"
 #include "requestcheck.h"
 #include "rpmsignexternal.h"
+#include "toolreason.h"
 #include "ui_signdialog.h"
 #include "utils.h"
 
@@ -30,6 +31,7 @@ using Utils::PathChooser;
 namespace Sealkit::Internal {
 
 constexpr int REQUEST_TAB = 2;
+constexpr int MAX_REASONS = 4;
 
 /// A run of tools, or several in a row: locks the dialog while it lives. Runs within a run belong
 /// to the outermost one. False after a tool has run means that the dialog is gone.
@@ -70,9 +72,39 @@ SignDialog::Run::~Run()
         QMetaObject::invokeMethod(m_dialog, &SignDialog::doScheduled, Qt::QueuedConnection);
 }
 
-static QPixmap stateIcon(bool good)
+/// Says how a run went; an empty \a problem is a good end.
+static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
 {
-    return (good ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap();
+    icon->setPixmap((problem.isEmpty() ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
+    reason->setNote(problem, NoteLabel::Warning);
+}
+
+static void clearOutcome(QLabel *icon, NoteLabel *reason)
+{
+    icon->clear();
+    reason->setNote({});
+}
+
+/// For the user; empty when nothing went wrong.
+static QString problemOf(const Command::Result &result)
+{
+    if (result.succeeded())
+        return {};
+    const QString problem = whyFailed(result);
+    if (result.cancelled)
+        Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(problem));
+    return problem;
+}
+
+/// What a tool says of each signature of \a package that it does not accept, a line for each.
+static QString problemOfSignatures(const Command::Result &result, const QString &package)
+{
+    QStringList lines = tellingLines(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
+    for (QString &line : lines) {
+        if (line.startsWith(package + QLatin1String(": ")))
+            line.remove(0, package.size() + 2);
+    }
+    return lines.isEmpty() ? problemOf(result) : lines.join(QLatin1Char('\n'));
 }
 
 static QString pathOf(const PathChooser *chooser)
@@ -117,6 +149,7 @@ SignDialog::SignDialog(QWidget *parent)
 {
     m_ui->setupUi(this);
     m_ui->clientSignatureTextBrowser->hide();
+    m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
     initPathChoosers();
     connectButtons();
     initStatusBar();
@@ -411,6 +444,21 @@ SignTool *SignDialog::signTool()
     return tool;
 }
 
+/// What keeps \a signData from being signed with, in a text for the user; empty when nothing does.
+QString SignDialog::problemOfFields(const SignData &signData) const
+{
+    QString problem;
+    const bool isValid = m_current.hasRpmsignExternal
+                             ? signData.isValid<RpmsignExternal>(m_workspace, &problem)
+                             : signData.isValid<CustomerSealkit>(m_workspace, &problem);
+    return isValid ? QString() : problem;
+}
+
+static bool hasHalfAClientPair(const SignData &signData)
+{
+    return signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
+}
+
 void SignDialog::addSignature()
 {
     if (package().isEmpty())
@@ -420,10 +468,21 @@ void SignDialog::addSignature()
         return;
 
     const Run run(this);
-    const Command::Result result = tool->addSignature(m_current.name, {package()}, data());
-    if (!run)
-        return;
-    m_ui->signStateLabel->setPixmap(stateIcon(result.succeeded()));
+    clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
+    m_statusBar->clearMessage();
+    const SignData signData = data();
+    QString problem = problemOfFields(signData);
+    if (!problem.isEmpty()) {
+        m_statusBar->showMessage(problem);
+    } else {
+        const Command::Result result = tool->addSignature(m_current.name, {package()}, signData);
+        if (!run)
+            return;
+        problem = problemOf(result);
+        if (m_current.hasRpmsignExternal && hasHalfAClientPair(signData))
+            warn(tr("No client signature was added: it needs a client key and its certificate"));
+    }
+    showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
     refreshPackageState();
 }
 
@@ -441,16 +500,28 @@ void SignDialog::removeSignature()
         refreshPackageState();
 }
 
-void SignDialog::verifySignature()
+/// Says something that is worth knowing, though nothing failed.
+void SignDialog::warn(const QString &text)
+{
+    m_statusBar->showMessage(text);
+    Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(text));
+}
+
+void SignDialog::clearVerdict()
 {
     m_ui->verifyLabel->clear();
-    m_ui->verifyIconLabel->clear();
+    clearOutcome(m_ui->verifyIconLabel, m_ui->verifyReasonLabel);
+}
+
+void SignDialog::verifySignature()
+{
+    clearVerdict();
     if (package().isEmpty())
         return;
     SignTool *tool = signTool();
     if (!tool) {
         m_ui->verifyLabel->setText(tr("Package can't be verified"));
-        m_ui->verifyIconLabel->setPixmap(stateIcon(false));
+        m_ui->verifyIconLabel->setPixmap(Utils::Icons::BROKEN.pixmap());
         return;
     }
 
@@ -460,7 +531,9 @@ void SignDialog::verifySignature()
         return;
     m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
                                                   : tr("Could not verify signatures"));
-    m_ui->verifyIconLabel->setPixmap(stateIcon(result.succeeded()));
+    showOutcome(m_ui->verifyIconLabel,
+                m_ui->verifyReasonLabel,
+                result.succeeded() ? QString() : problemOfSignatures(result, package()));
 }
 
 void SignDialog::dumpSignature()
@@ -525,8 +598,7 @@ bool SignDialog::isPackageOutdated() const
 void SignDialog::invalidate()
 {
     // No verdict on one package stands beside another.
-    m_ui->verifyLabel->clear();
-    m_ui->verifyIconLabel->clear();
+    clearVerdict();
     schedule(&SignDialog::refreshPackageState);
 }
 
@@ -540,16 +612,17 @@ void SignDialog::generateRequest()
 
     if (const QString problem = whyNoRequest(keyGenerationData()); !problem.isEmpty()) {
         m_statusBar->showMessage(problem);
-        m_ui->generateLabel->setPixmap(stateIcon(false));
+        showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem);
         return;
     }
     SignTool *tool = signTool();
     if (!tool)
         return;
+    clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
     const Command::Result result = tool->generateRequest(m_current.name, keyGenerationData());
     if (!run)
         return;
-    m_ui->generateLabel->setPixmap(stateIcon(result.succeeded()));
+    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problemOf(result));
     if (!result.succeeded()) {
         m_statusBar->showMessage(
             tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));

@@ -57,6 +57,9 @@ private:
     void showToolsOfTarget();
     SignTool *signTool();
 
+    QString problemOfFields(const SignData &signData) const;
+    void warn(const QString &text);
+    void clearVerdict();
     void addSignature();
     void removeSignature();
     void verifySignature();

@@ -52,6 +52,9 @@ private slots:
     void judgesPaths();
     void signsVerifiesAndRemoves_data();
     void signsVerifiesAndRemoves();
+    void saysWhyFieldsAreAtFault_data();
+    void saysWhyFieldsAreAtFault();
+    void saysThatHalfAClientPairIsSkipped();
     void leavesRealPackagesAsTheyWere();
     void refusesRequests();
     void makesKeysAndRequests_data();
@@ -60,6 +63,7 @@ private slots:
     void writesCompanyNames();
     void cleansUpAfterADeclinedPrompt_data();
     void cleansUpAfterADeclinedPrompt();
+    void saysWhatOpensslCouldNotDo();
     void remembersChoices();
     void locksItselfDuringARun();
     void showsNoVerdictBesideAnotherPackage();
@@ -382,14 +386,16 @@ void SignDialogTest::signsVerifiesAndRemoves()
     click("addSignaturePushButton");
     QCOMPARE(m_answers->prompts().size(), 2); // The second one is declined.
     QCOMPARE(icon("signStateLabel"), "BROKEN");
+    QVERIFY2(text("signReasonLabel").contains("error: wrong pass phrase for the key: "),
+             qPrintable(text("signReasonLabel")));
     QCOMPARE(dump(), "No signatures found in package");
 
     m_answers = std::make_unique<PromptAnswers>(QStringList{"demo"});
     click("addSignaturePushButton");
     QCOMPARE(m_answers->prompts().size(), 1);
-    QCOMPARE(icon("signStateLabel"), "OK");
+    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "OK");
     QCOMPARE(text("verifyLabel"), "Signatures successfully verified");
-    QCOMPARE(icon("verifyIconLabel"), "OK");
+    QCOMPARE(icon("verifyIconLabel") + text("verifyReasonLabel"), "OK");
     QTEST(text("developerSignatureShortLabel"), "developer");
     QCOMPARE(text("clientSignatureShortLabel"), client);
     QVERIFY(dump().contains("Key ID: "));
@@ -399,6 +405,10 @@ void SignDialogTest::signsVerifiesAndRemoves()
     click("verifySignaturePushButton");
     QCOMPARE(text("verifyLabel"), "Could not verify signatures");
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
+    QVERIFY2(
+        text("verifyReasonLabel")
+            .startsWith("signature 1 is NOT valid: its certificate is not issued by a trusted"),
+        qPrintable(text("verifyReasonLabel")));
     enter("caCertificatePathChooser", inWorkspace("keys/demo_root.pem"));
     click("verifySignaturePushButton");
     QCOMPARE(icon("verifyIconLabel"), "OK");
@@ -406,6 +416,7 @@ void SignDialogTest::signsVerifiesAndRemoves()
     click("removeSignaturePushButton");
     QCOMPARE(icon("signStateLabel"), "OK"); // still of the last signing
     QCOMPARE(text("verifyLabel"), "Could not verify signatures");
+    QCOMPARE(text("verifyReasonLabel").section('\n', 0, 0), "not signed");
     QCOMPARE(dump(), "No signatures found in package");
     QCOMPARE(text("developerSignatureShortLabel") + text("clientSignatureShortLabel"), "");
 
@@ -413,8 +424,66 @@ void SignDialogTest::signsVerifiesAndRemoves()
     enter("rpmPathChooser", "");
     click("addSignaturePushButton");
     QCOMPARE(icon("signStateLabel"), "OK");
-    QCOMPARE(text("verifyLabel") + icon("verifyIconLabel"), "");
+    QCOMPARE(text("verifyLabel") + icon("verifyIconLabel") + text("verifyReasonLabel"), "");
     QCOMPARE(dump(), "No signatures found in package");
+}
+
+void SignDialogTest::saysWhyFieldsAreAtFault_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("certificate");
+    QTest::addColumn<QString>("problem");
+
+    const QString outside = m_sdk.path() + "/ca/demo_root.pem";
+    const QString folder = " must be inside workspace folder: "
+                           + FilePath::fromString(m_sdk.workspace()).shortNativePath();
+    const QString empty = " can't be empty";
+    addRow("no certificate", RPMSIGN_TARGET, "", "Error: key and certificate" + empty);
+    addRow("certificate outside", RPMSIGN_TARGET, outside, "Error: key and certificate" + folder);
+    addRow("no binary key", CUSTOMER_TARGET, outside, "Error: keys and certificate" + empty);
+}
+
+void SignDialogTest::saysWhyFieldsAreAtFault()
+{
+    QFETCH(QString, target);
+    QFETCH(QString, certificate);
+    QFETCH(QString, problem);
+    openDialog(target);
+    enter("rpmPathChooser", freshPackage());
+    enterKeys({"", "keys/client_key.pem"});
+    enter("developerCertificatePathChooser", certificate);
+
+    Messages messages;
+    click("addSignaturePushButton");
+    QCOMPARE(icon("signStateLabel"), "BROKEN");
+    QCOMPARE(text("signReasonLabel"), problem);
+    QCOMPARE(status(), problem);
+    QVERIFY(messages.take().filter(QRegularExpression(" sign | --binaries-key ")).isEmpty());
+
+    // Gone with the next run, whatever comes of it.
+    enterKeys({"keys/client_key.pem", "keys/client_key.pem", "keys/foreign_cert.pem"});
+    click("addSignaturePushButton");
+    QVERIFY2(text("signReasonLabel").contains("error: the key does not fit the certificate"),
+             qPrintable(text("signReasonLabel")));
+    QCOMPARE(status(), "");
+}
+
+void SignDialogTest::saysThatHalfAClientPairIsSkipped()
+{
+    openDialog();
+    enter("rpmPathChooser", freshPackage());
+    enterKeys({"", "keys/client_key.pem", "keys/client_cert.pem", "keys/client_key.pem"});
+    Messages messages;
+    click("addSignaturePushButton");
+    const QString note = "No client signature was added: it needs a client key and its certificate";
+    QCOMPARE(icon("signStateLabel"), "OK");
+    QCOMPARE(status(), note);
+    QCOMPARE(messages.take().filter(note), QStringList("[W]\t" + note));
+
+    enterKeys({"", "", "", "", "keys/client_cert.pem"});
+    click("addSignaturePushButton");
+    QCOMPARE(status(), "");
+    QCOMPARE(messages.take().filter(note), QStringList());
 }
 
 void SignDialogTest::leavesRealPackagesAsTheyWere()
@@ -567,12 +636,16 @@ void SignDialogTest::cleansUpAfterADeclinedPrompt()
     QFETCH(QStringList, answers);
     openDialog();
     enterRequest("Company", inWorkspace("key.pem"));
+    Messages messages;
     {
         const PromptAnswers prompts(answers);
         click("genReqButton");
         QCOMPARE(prompts.prompts().size(), answers.size() + 1);
     }
     QCOMPARE(icon("generateLabel"), "BROKEN");
+    QCOMPARE(text("generateReasonLabel"), "Cancelled: no pass phrase was given");
+    QCOMPARE(messages.take().filter("Cancelled"),
+             QStringList("[W]\tCancelled: no pass phrase was given"));
     QVERIFY2(status().startsWith("Failed to generate request: "), qPrintable(status()));
     QVERIFY(!QFile::exists(inWorkspace("request.pem")));
     QCOMPARE(configurations(), QStringList());
@@ -580,8 +653,22 @@ void SignDialogTest::cleansUpAfterADeclinedPrompt()
     const PromptAnswers prompts({"pass", "pass", "pass"});
     click("genReqButton");
     QTEST(int(prompts.prompts().size()), "promptsOfNextTry");
-    QCOMPARE(icon("generateLabel"), "OK");
+    QCOMPARE(icon("generateLabel") + text("generateReasonLabel"), "OK");
     QCOMPARE(status(), "");
+}
+
+void SignDialogTest::saysWhatOpensslCouldNotDo()
+{
+    openDialog();
+    enterRequest("Company", inWorkspace("key.pem"));
+    Messages messages;
+    const PromptAnswers prompts({"one phrase", "another"});
+    click("genReqButton");
+    QCOMPARE(text("generateReasonLabel"), "Verify failure");
+    QVERIFY2(status().startsWith("Failed to generate request: Enter PEM pass phrase:\r\n"),
+             qPrintable(status()));
+    const QStringList dots = messages.take().filter(QRegularExpression("^\\[I\\]\t[.+*]+$"));
+    QCOMPARE(dots, QStringList());
 }
 
 void SignDialogTest::remembersChoices()
@@ -630,12 +717,10 @@ void SignDialogTest::locksItselfDuringARun()
         names.removeIf([&](const QString &name) { return !child<QWidget>(name)->isEnabled(); });
         return names;
     };
-    child<QStatusBar>()->showMessage("message");
-
     when(QApplication::activeModalWidget, [&] {
         QCOMPARE(enabled(), QStringList());
         QVERIFY(isBusy());
-        QCOMPARE(status(), "message");
+        child<QStatusBar>()->showMessage("message");
         child<QTabWidget>("tabWidget")->setCurrentIndex(2); // asks for openssl, after the run
         m_answers = std::make_unique<PromptAnswers>(QStringList());
     });
