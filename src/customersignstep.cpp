@@ -106,12 +106,8 @@ SetupResult CustomerSignStep::doRun()
     const bool isSigned = runSign(packages);
     if (!self)
         return SetupResult::StopWithError;
-    if (!isSigned) {
-        // The tool itself may have ended without a word.
-        if (!m_tools.isStopped())
-            reportFailure(this, tr("Error: package sign failed"));
+    if (!isSigned)
         return SetupResult::StopWithError;
-    }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
     return SetupResult::Continue;
 }
@@ -119,7 +115,11 @@ SetupResult CustomerSignStep::doRun()
 bool CustomerSignStep::runSign(const QStringList &packages)
 {
     const QString targetName = KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
-    return m_tools.addSignature(targetName, packages, m_signData).succeeded();
+    const QPointer<CustomerSignStep> self(this);
+    const Command::Result result = m_tools.addSignature(targetName, packages, m_signData);
+    if (self && !result.succeeded() && !m_tools.isStopped())
+        reportFailedRun(this, result);
+    return result.succeeded();
 }
 
 void CustomerSignStep::doCancel()

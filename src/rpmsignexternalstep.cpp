@@ -112,12 +112,8 @@ SetupResult RpmsignExternalStep::doRun()
     const bool isSigned = runSign(packages, data);
     if (!self)
         return SetupResult::StopWithError;
-    if (!isSigned) {
-        // The tool itself may have ended without a word.
-        if (!m_tool.isStopped())
-            reportFailure(this, tr("Error: package sign failed"));
+    if (!isSigned)
         return SetupResult::StopWithError;
-    }
     emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
     dumpSign(packages);
     return SetupResult::Continue;
@@ -125,7 +121,11 @@ SetupResult RpmsignExternalStep::doRun()
 
 bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &data)
 {
-    return m_tool.addSignature(buildTargetName(), packages, data).succeeded();
+    const QPointer<RpmsignExternalStep> self(this);
+    const Command::Result result = m_tool.addSignature(buildTargetName(), packages, data);
+    if (self && !result.succeeded() && !m_tool.isStopped())
+        reportFailedRun(this, result);
+    return result.succeeded();
 }
 
 static bool namesAll(const QStringList &packages, const QList<PackageDump> &dumps)

@@ -1,7 +1,9 @@
 #include "signstep.h"
 
 #include "signtool.h"
+#include "toolreason.h"
 
+#include <coreplugin/messagemanager.h>
 #include <projectexplorer/buildstep.h>
 #include <projectexplorer/task.h>
 #include <veyraos/kilnsdkkitaspect.h>
@@ -38,10 +40,23 @@ Group signRecipe(QObject *step,
     return Group{onGroupSetup(onSetup), onGroupDone(onDone)};
 }
 
-void reportFailure(BuildStep *step, const QString &reason)
+void reportFailure(BuildStep *step, const QString &reason, const QString &details)
 {
     emit step->addOutput(reason, BuildStep::OutputFormat::ErrorMessage);
-    emit step->addTask(DeploymentTask(ProjectExplorer::Task::Error, reason));
+    const QString description = details.isEmpty() ? reason : reason + QLatin1Char('\n') + details;
+    emit step->addTask(DeploymentTask(ProjectExplorer::Task::Error, description));
+}
+
+void reportFailedRun(BuildStep *step, const Command::Result &result)
+{
+    const QString why = whyFailed(result);
+    if (result.cancelled) {
+        Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(why));
+        reportFailure(step, QObject::tr("Error: package sign cancelled"), why);
+    } else {
+        // The tool itself may have ended without a word.
+        reportFailure(step, QObject::tr("Error: package sign failed"), why);
+    }
 }
 
 void forwardOutput(const SignTool *tool, BuildStep *step)

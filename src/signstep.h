@@ -1,5 +1,7 @@
 #pragma once
 
+#include "command.h"
+
 #include <solutions/tasking/tasktree.h>
 
 #include <functional>
@@ -28,8 +30,14 @@ Tasking::Group signRecipe(QObject *step,
                           const std::function<Tasking::SetupResult()> &run,
                           const std::function<void()> &cancel);
 
-/// Says in the step's output and among the issues why nothing was signed.
-void reportFailure(ProjectExplorer::BuildStep *step, const QString &reason);
+/// Says in the step's output and among the issues why nothing was signed; \a details are for the
+/// issue alone.
+void reportFailure(ProjectExplorer::BuildStep *step,
+                   const QString &reason,
+                   const QString &details = {});
+
+/// The same for a tool that has failed, or that the user has cancelled at a prompt.
+void reportFailedRun(ProjectExplorer::BuildStep *step, const Command::Result &result);
 
 /// Shows what \a tool prints in the output of \a step, line by line.
 void forwardOutput(const SignTool *tool, ProjectExplorer::BuildStep *step);

@@ -1,5 +1,6 @@
 #include "customersignstep.h"
 #include "files.h"
+#include "messages.h"
 #include "promptanswers.h"
 #include "rpmsignexternalstep.h"
 #include "stepfactory.h"
@@ -478,16 +479,25 @@ void StepsTest::refusesWhatCannotBeSigned_data()
     QTest::addColumn<QString>("obstacle");
     QTest::addColumn<QString>("message");
 
+    QTest::addColumn<QString>("why");
+
     for (const bool customer : {false, true}) {
-        const char *kind = customer ? "customer-sign" : "rpmsign-external";
-        QTest::addRow("%s, no RPM build step", kind) << customer << "no step" << NO_BUILD_STEP;
-        QTest::addRow("%s, no packages", kind) << customer << "no packages" << NO_PACKAGE;
-        QTest::addRow("%s, no engine", kind) << customer << "no engine"
-                                             << "ErrorMessage: Error: the kit has no build engine";
-        QTest::addRow("%s, no target", kind) << customer << "no target"
-                                             << "ErrorMessage: Error: the kit has no build target";
-        QTest::addRow("%s, the tool fails", kind) << customer << "failing tool"
-                                                  << "ErrorMessage: Error: package sign failed";
+        const auto row =
+            [customer](const char *obstacle, const QString &message, const QString &why = {}) {
+                QTest::addRow("%s, %s", customer ? "customer-sign" : "rpmsign-external", obstacle)
+                    << customer << obstacle << message << why;
+            };
+        const QString error = "ErrorMessage: Error: ";
+        row("no step", NO_BUILD_STEP);
+        row("no packages", NO_PACKAGE);
+        row("no engine", error + "the kit has no build engine");
+        row("no target", error + "the kit has no build target");
+        row("failing tool",
+            error + "package sign failed",
+            "The tool gave no reason; its exit code was 3");
+        row("declined prompt",
+            error + "package sign cancelled",
+            "Cancelled: no pass phrase was given");
     }
 }
 
@@ -496,6 +506,7 @@ void StepsTest::refusesWhatCannotBeSigned()
     QFETCH(const bool, forCustomerSign);
     QFETCH(const QString, obstacle);
     QFETCH(const QString, message);
+    QFETCH(const QString, why);
 
     const QString targetName = forCustomerSign ? CUSTOMER_TARGET : RPMSIGN_TARGET;
     Project *project = m_workplace.openProject(targetName);
@@ -507,9 +518,11 @@ void StepsTest::refusesWhatCannotBeSigned()
         QVERIFY(QFile::rename(targetFolder, targetFolder + ".gone"));
     const QString tool =
         m_workplace.sdk().tool(forCustomerSign ? "customer-sign" : "rpmsign-external", targetName);
-    if (obstacle == "failing tool") {
+    const bool hasTool = obstacle != "failing tool" && obstacle != "declined prompt";
+    if (!hasTool) {
         QVERIFY(QFile::rename(tool, tool + ".real"));
-        writeScript(tool, "exit 3\n");
+        const bool asks = obstacle == "declined prompt";
+        writeScript(tool, asks ? "printf 'Enter pass phrase: '\nread -r line\n" : "exit 3\n");
         m_workplace.makePackages(project, {"a.rpm"});
     }
 
@@ -523,16 +536,20 @@ void StepsTest::refusesWhatCannotBeSigned()
     }
     if (obstacle == "no engine")
         Brisk::closeInstallation();
+    const PromptAnswers user({});
+    Messages messages;
     QStringList issues;
-    connect(step, &BuildStep::addTask, this, [&issues](const Task &task) {
+    connect(step, &BuildStep::addTask, this, [&](const Task &task) {
         QCOMPARE(task.type, Task::Error);
         QCOMPARE(task.category, Utils::Id(ProjectExplorer::Constants::TASK_CATEGORY_DEPLOYMENT));
         issues << "ErrorMessage: " + task.summary;
+        QCOMPARE(task.details.join('\n'), why);
     });
     QCOMPARE(ownMessages(runStep(step)), (QStringList{START, message}));
     QCOMPARE(issues, QStringList{message}); // the run counts as a success
+    QCOMPARE(messages.take().contains("[W]\t" + why), obstacle == "declined prompt");
 
-    if (obstacle == "failing tool") {
+    if (!hasTool) {
         QFile::remove(tool);
         QVERIFY(QFile::rename(tool + ".real", tool));
     }
