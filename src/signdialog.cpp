@@ -20,6 +20,7 @@
 #include <QProgressBar>
 #include <QRegularExpression>
 #include <QSettings>
+#include <QShowEvent>
 #include <QStatusBar>
 
 #include <utility>
@@ -162,6 +163,10 @@ SignDialog::SignDialog(QWidget *parent)
     initKeyGeneration();
     initRegularKeysLink();
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
+    connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
+        if (isVisible()) // else it looks when it is shown
+            invalidate();
+    });
 
     const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
@@ -169,6 +174,21 @@ SignDialog::SignDialog(QWidget *parent)
     // Enter in a field is for the field, not for whichever button comes first.
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
+}
+
+/// What has happened to the package while the dialog was closed, nobody has told.
+void SignDialog::showEvent(QShowEvent *event)
+{
+    QDialog::showEvent(event);
+    if (!event->spontaneous() && !m_current.name.isEmpty())
+        invalidate();
+}
+
+void SignDialog::changeEvent(QEvent *event)
+{
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        m_packageWatch.compare();
 }
 
 SignDialog::~SignDialog()
@@ -584,6 +604,8 @@ void SignDialog::showSignatures(const QStringList &blocks)
 void SignDialog::refreshPackageState()
 {
     const Run run(this);
+    m_scheduled.removeAll(&SignDialog::refreshPackageState); // whoever asked for it has it now
+    m_packageWatch.lookAt(package());
     verifySignature();
     if (run && !isPackageOutdated())
         dumpSignature();

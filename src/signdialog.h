@@ -1,5 +1,6 @@
 #pragma once
 
+#include "packagewatch.h"
 #include "signdata.h"
 #include "targettoolsinfo.h"
 
@@ -32,6 +33,10 @@ public:
 
     /// The keys and certificates as they stand in the fields, hidden ones included.
     SignData data() const;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private slots:
     void onTabChanged(int index);
@@ -77,6 +82,7 @@ private:
     void schedule(Action action);
     void doScheduled();
 
+    PackageWatch m_packageWatch{nullptr};
     TargetToolsInfo m_current;
     QHash<QString, TargetToolsInfo> m_targetTools;
     QHash<QString, SignTool *> m_signTools;

@@ -67,6 +67,7 @@ private slots:
     void remembersChoices();
     void locksItselfDuringARun();
     void showsNoVerdictBesideAnotherPackage();
+    void looksAgainWhenFilesChange();
     void showsTheLastChoice();
     void letsThePackageBeTyped();
 
@@ -766,6 +767,58 @@ void SignDialogTest::showsNoVerdictBesideAnotherPackage()
     waitUntilIdle();
     QVERIFY(!lied);
     QCOMPARE(text("verifyLabel"), "Could not verify signatures");
+}
+
+void SignDialogTest::looksAgainWhenFilesChange()
+{
+    openDialog();
+    enterKeys({"", "keys/client_key.pem", "keys/client_cert.pem"});
+    const QString package = freshPackage("build/RPMS/a.rpm");
+    const QString signature = package + ".1.p7s";
+    enter("rpmPathChooser", package);
+    click("addSignaturePushButton");
+    const QByteArray goodPackage = readFile(package);
+    const QByteArray goodSignature = readFile(signature);
+    const auto shows = [this](const QString &verdict, const QString &reason) {
+        [&] {
+            QTRY_COMPARE_WITH_TIMEOUT(text("verifyLabel") + '|'
+                                          + text("verifyReasonLabel").section('\n', 0, 0),
+                                      verdict + '|' + reason,
+                                      RUN_TIMEOUT);
+            QTRY_COMPARE_WITH_TIMEOUT(dump().startsWith("Subject"),
+                                      verdict.startsWith("Sig") || reason.startsWith("sig"),
+                                      RUN_TIMEOUT);
+        }();
+        waitUntilIdle();
+    };
+    const QString good = "Signatures successfully verified";
+    const QString bad = "Could not verify signatures";
+    const QString changed = "signature 1 is NOT valid: the package was changed after it was signed";
+    shows(good, "");
+
+    writeFile(package, goodPackage + 'x');
+    shows(bad, changed);
+    writeFile(package + ".new", goodPackage);
+    QVERIFY(QFile::remove(package) && QFile::rename(package + ".new", package));
+    shows(good, "");
+    QVERIFY(QFile::remove(signature));
+    shows(bad, "not signed");
+    writeFile(signature, goodSignature);
+    shows(good, "");
+
+    // A clean build, and one that the dialog sees nothing of
+    QVERIFY(QDir(inWorkspace("build")).removeRecursively());
+    shows(bad, "rpmsign-external: error: package not found: " + package);
+    writeFile(package, goodPackage);
+    shows(bad, "not signed");
+    writeFile(signature, goodSignature);
+    shows(good, "");
+    m_dialog->hide();
+    writeFile(package, goodPackage + 'x');
+    m_dialog->show();
+    QCOMPARE(text("verifyLabel"), "");
+    shows(bad, changed);
+    QVERIFY(QDir(inWorkspace("build")).removeRecursively());
 }
 
 void SignDialogTest::showsTheLastChoice()

@@ -1,0 +1,88 @@
+#include "packagewatch.h"
+
+#include <QDateTime>
+#include <QDir>
+
+#include <chrono>
+
+namespace Sealkit::Internal {
+
+/// A build tells of every piece that it writes.
+constexpr std::chrono::milliseconds DELAY{300};
+
+PackageWatch::PackageWatch(QObject *parent)
+    : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setInterval(DELAY);
+    connect(&m_timer, &QTimer::timeout, this, &PackageWatch::compare);
+    const auto compareSoon = [this] {
+        if (!m_timer.isActive())
+            m_timer.start();
+    };
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, compareSoon);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, compareSoon);
+}
+
+void PackageWatch::lookAt(const QString &package)
+{
+    m_package = package;
+    m_lastState = stateOfFiles();
+    followFiles();
+}
+
+void PackageWatch::compare()
+{
+    followFiles();
+    const QStringList state = stateOfFiles();
+    if (state == m_lastState)
+        return;
+    m_lastState = state;
+    emit changed();
+}
+
+QStringList PackageWatch::files() const
+{
+    if (m_package.isEmpty())
+        return {};
+    const QFileInfo package(m_package);
+    const QString name = package.fileName();
+    QStringList paths;
+    for (const QString &file : package.dir().entryList(QDir::Files | QDir::Hidden)) {
+        if (file == name || file.startsWith(name + QLatin1Char('.')))
+            paths << package.dir().filePath(file);
+    }
+    return paths;
+}
+
+QStringList PackageWatch::stateOfFiles() const
+{
+    QStringList state;
+    for (const QString &path : files()) {
+        const QFileInfo info(path);
+        state << path << QString::number(info.size())
+              << QString::number(info.lastModified().toMSecsSinceEpoch());
+    }
+    return state;
+}
+
+/// A file is lost to the watcher when another takes its place, and so is a folder. The nearest
+/// folder that is there tells of that.
+void PackageWatch::followFiles()
+{
+    QStringList wanted = files();
+    if (!m_package.isEmpty()) {
+        QString folder = QFileInfo(m_package).absolutePath();
+        while (!QFileInfo::exists(folder))
+            folder = QFileInfo(folder).absolutePath();
+        wanted << folder;
+    }
+    for (const QString &path : m_watcher.files() + m_watcher.directories()) {
+        if (wanted.removeAll(path) == 0)
+            m_watcher.removePath(path);
+    }
+    if (!wanted.isEmpty())
+        m_watcher.addPaths(wanted);
+}
+
+} // namespace Sealkit::Internal
