@@ -23,12 +23,19 @@ void BuildEngineInfo::update()
 {
     const QPointer<BuildEngineInfo> self(this);
     const Command::Result result = Command::exec<Command::brisk::engine::start>({});
-    if (!self || !result.succeeded())
+    if (!self)
         return;
 
     const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (!engines.isEmpty())
+    if (engines.isEmpty()) {
+        emit updateFailed(NoEngine);
+    } else if (!result.succeeded()) {
+        emit updateFailed(NotStarted);
+    } else {
         setTargets(engines.first()->buildTargetOrigins());
+        if (self && m_targets.isEmpty())
+            emit updateFailed(NoTargets);
+    }
 }
 
 void BuildEngineInfo::setTargets(const QStringList &targets)

@@ -14,6 +14,10 @@ class BuildEngineInfo : public QObject
     Q_OBJECT
 
 public:
+    /// Why there are no targets.
+    enum Problem { NoEngine, NotStarted, NoTargets };
+    Q_ENUM(Problem)
+
     /// The workspace is known at once; the first update() waits for the event loop.
     explicit BuildEngineInfo(QObject *parent);
 
@@ -27,6 +31,7 @@ public slots:
 
 signals:
     void targetsChanged(const QStringList &targets);
+    void updateFailed(Sealkit::Internal::BuildEngineInfo::Problem problem);
 
 private:
     Utils::FilePath m_sharedSrcPath;

@@ -304,6 +304,7 @@ void SignDialog::initBuildEngine()
         engineInfo,
         [this](const QStringList &targets) { setTargets(targets); },
         Qt::DirectConnection);
+    connect(engineInfo, &BuildEngineInfo::updateFailed, this, &SignDialog::showEngineProblem);
 }
 
 void SignDialog::initKeyGeneration()
@@ -390,6 +391,21 @@ void SignDialog::setTargets(const QStringList &targets)
         m_statusBar->clearMessage();
 }
 
+void SignDialog::showEngineProblem(BuildEngineInfo::Problem problem)
+{
+    switch (problem) {
+    case BuildEngineInfo::NoEngine:
+        m_statusBar->showMessage(tr("There is no build engine: open or repair the SDK"));
+        break;
+    case BuildEngineInfo::NotStarted:
+        m_statusBar->showMessage(tr("The build engine did not start; see the General Messages"));
+        break;
+    case BuildEngineInfo::NoTargets:
+        m_statusBar->showMessage(tr("The build engine has no targets: install one"));
+        break;
+    }
+}
+
 void SignDialog::setTargetName(const QString &name)
 {
     if (name == m_current.name)
@@ -442,6 +458,25 @@ void SignDialog::showToolsOfTarget()
             chooser->triggerChanged();
     }
     m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
+    m_ui->toolsNoteLabel->setNote(missingTools(), NoteLabel::Warning);
+    // What was said of the last target, and perhaps of a tab that is hidden now.
+    m_statusBar->clearMessage();
+    clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
+}
+
+/// What the target lacks, in a sentence for the user; empty when it can do all that there is.
+QString SignDialog::missingTools() const
+{
+    if (m_current.hasRpmsignExternal)
+        return {};
+    if (!m_current.hasCustomerSign)
+        return tr("Target %1 cannot sign: it has neither rpmsign-external nor customer-sign")
+            .arg(m_current.name);
+    if (!m_current.hasNxvcertCli)
+        return tr("Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor "
+                  "removed")
+            .arg(m_current.name);
+    return {};
 }
 
 /// The back end of the current target. Null, after a message, when the target cannot sign.
@@ -675,7 +710,7 @@ void SignDialog::updateOpensslLabel()
 {
     QTextEdit *label = m_ui->opensslStatusLabel;
     label->clear();
-    if (m_current.hasOpenssl)
+    if (m_current.name.isEmpty() || m_current.hasOpenssl)
         return;
     label->setTextColor(QColor::fromString(QLatin1String("red")));
     label->setText(tr("OpenSSL not found in target '%1', please install it.").arg(m_current.name));

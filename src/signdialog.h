@@ -1,5 +1,6 @@
 #pragma once
 
+#include "buildengineinfo.h"
 #include "packagewatch.h"
 #include "signdata.h"
 #include "targettoolsinfo.h"
@@ -57,9 +58,11 @@ private:
     bool verifyPath(const QString &path, bool mustExist, QString *error) const;
 
     void setTargets(const QStringList &targets);
+    void showEngineProblem(BuildEngineInfo::Problem problem);
     void setTargetName(const QString &name);
     void followTarget();
     void showToolsOfTarget();
+    QString missingTools() const;
     SignTool *signTool();
 
     QString problemOfFields(const SignData &signData) const;

@@ -47,6 +47,9 @@ private slots:
     void summarizesDumps();
     void offersWhatTheTargetHas_data();
     void offersWhatTheTargetHas();
+    void forgetsWhatWasSaidOfAHiddenTab();
+    void saysWhyThereAreNoTargets_data();
+    void saysWhyThereAreNoTargets();
     void tabKeyFollowsTheEye();
     void judgesPaths_data();
     void judgesPaths();
@@ -231,17 +234,20 @@ void SignDialogTest::offersWhatTheTargetHas_data()
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("offered");
     QTest::addColumn<QString>("opensslNotice");
+    QTest::addColumn<QString>("missing");
 
     const QString buttons = "addSignaturePushButton removeSignaturePushButton "
                             "verifySignaturePushButton dumpPushButton";
     const QString binaryKey = " binaryKeyLabel binaryKeyPathChooser";
-    addRow("rpmsign-external", RPMSIGN_TARGET, buttons + " requests", "");
-    addRow("customer-sign", CUSTOMER_TARGET, buttons + binaryKey, "");
+    addRow("rpmsign-external", RPMSIGN_TARGET, buttons + " requests", "", "");
+    addRow("customer-sign", CUSTOMER_TARGET, buttons + binaryKey, "", "");
     addRow("no tools",
            BARE_TARGET,
            "",
            "OpenSSL not found in target 'VeyraOS-3.4-x86_64', please install it.\n"
-           "Available in: Tools - Options - Veyra OS - Manage Build Targets");
+           "Available in: Tools - Options - Veyra OS - Manage Build Targets",
+           "Target VeyraOS-3.4-x86_64 cannot sign: it has neither rpmsign-external nor "
+           "customer-sign");
 }
 
 void SignDialogTest::offersWhatTheTargetHas()
@@ -262,6 +268,7 @@ void SignDialogTest::offersWhatTheTargetHas()
         shown << "requests";
     QCOMPARE(shown.join(' '), offered);
     QTEST(child<QTextEdit>("opensslStatusLabel")->toPlainText(), "opensslNotice");
+    QTEST(text("toolsNoteLabel"), "missing");
     QVERIFY(text("regularKeysLabel").contains("<a href=\"" + inWorkspace(".veyraos-regular-keys")));
     const QSize least = m_dialog->minimumSizeHint();
     QVERIFY2(least.width() <= 1024 && least.height() <= 700, qPrintable(QDebug::toString(least)));
@@ -275,6 +282,60 @@ void SignDialogTest::offersWhatTheTargetHas()
              canSign ? "Could not verify signatures" : "Package can't be verified");
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
     QCOMPARE(dump(), canSign ? "No signatures found in package" : "Package can't be dumped");
+}
+
+void SignDialogTest::forgetsWhatWasSaidOfAHiddenTab()
+{
+    const QString nxvcert = m_sdk.tool("nxvcert-cli", CUSTOMER_TARGET);
+    QVERIFY(QFile::rename(nxvcert, nxvcert + ".away"));
+    openDialog();
+    click("genReqButton");
+    QCOMPARE(icon("generateLabel"), "BROKEN");
+    targets()->setCurrentText(CUSTOMER_TARGET);
+    waitUntilIdle();
+    QVERIFY(QFile::rename(nxvcert + ".away", nxvcert));
+    QCOMPARE(status() + icon("generateLabel") + text("generateReasonLabel"), "");
+    QCOMPARE(text("toolsNoteLabel"),
+             "Target VeyraOS-4.0-x86_64 can only sign: without nxvcert-cli, signatures are neither "
+             "shown nor removed");
+}
+
+void SignDialogTest::saysWhyThereAreNoTargets_data()
+{
+    QTest::addColumn<QString>("obstacle");
+    QTest::addColumn<QString>("problem");
+
+    addRow("no engine", "no engine", "There is no build engine: open or repair the SDK");
+    addRow("engine does not start",
+           "no start",
+           "The build engine did not start; see the General Messages");
+    addRow("no targets", "no targets", "The build engine has no targets: install one");
+}
+
+void SignDialogTest::saysWhyThereAreNoTargets()
+{
+    QFETCH(QString, obstacle);
+    const QString folder = m_sdk.path() + "/engine/targets";
+    const auto mend = qScopeGuard([&] {
+        if (obstacle == "no targets" && QDir().rmdir(folder))
+            QFile::rename(folder + ".away", folder);
+        if (obstacle == "no engine")
+            initTestCase();
+    });
+    if (obstacle == "no targets")
+        QVERIFY(QFile::rename(folder, folder + ".away") && QDir().mkdir(folder));
+    if (obstacle == "no start")
+        QSettings().setValue("Kiln.BriskPath", "/none");
+    if (obstacle == "no engine")
+        Brisk::closeInstallation();
+
+    m_dialog = new SignDialog(nullptr);
+    m_dialog->show();
+    QTRY_VERIFY_WITH_TIMEOUT(status() != "Updating targets...", RUN_TIMEOUT);
+    QTEST(status(), "problem");
+    child<QTabWidget>("tabWidget")->setCurrentIndex(2);
+    waitUntilIdle();
+    QCOMPARE(child<QTextEdit>("opensslStatusLabel")->toPlainText(), "");
 }
 
 void SignDialogTest::tabKeyFollowsTheEye()
