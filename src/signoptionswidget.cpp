@@ -1,6 +1,8 @@
 #include "signoptionswidget.h"
 
+#include "certificatenote.h"
 #include "constants.h"
+#include "privatekey.h"
 #include "ui_signoptionswidget.h"
 #include "utils.h"
 
@@ -66,8 +68,13 @@ SignOptionsWidget::SignOptionsWidget()
         choice->lastCustomPath = choice->chooser->filePath();
         const int index = choice->useDefault ? RegularFile : CustomFile;
         choice->comboBox->setCurrentIndex(index);
-        showFile(*choice, index); // the combo box announces no index that it has had before
     }
+    updatePathChoosers(); // a combo box announces no index that it has had before
+    connect(m_key.chooser, &PathChooser::textChanged, this, &SignOptionsWidget::updateKeyNote);
+    connect(m_certificate.chooser,
+            &PathChooser::textChanged,
+            this,
+            &SignOptionsWidget::updateCertificateNote);
     enableComboBoxes(m_ui->enableSignStepCheckBox->isChecked());
 }
 
@@ -139,14 +146,49 @@ void SignOptionsWidget::showFile(FileChoice &choice, int index)
     choice.chooser->setEnabled(!choice.useDefault && m_ui->enableSignStepCheckBox->isChecked());
 }
 
+/// Why a custom file cannot be used, in a text for the user; empty when it can be.
+QString SignOptionsWidget::problemOf(const FileChoice &choice) const
+{
+    if (choice.useDefault)
+        return {};
+    const FilePath path = choice.chooser->filePath();
+    if (path.isEmpty())
+        return tr("No file is chosen");
+    QString problem;
+    if (!verifyPath(path.toFSPathString(), &problem))
+        return problem.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return path.isFile() ? QString() : tr("File does not exist");
+}
+
+void SignOptionsWidget::updateKeyNote()
+{
+    QString problem = problemOf(m_key);
+    if (problem.isEmpty() && !m_key.useDefault
+        && !holdsPrivateKey(m_key.chooser->filePath().toFSPathString())) {
+        problem = tr("There is no private key in this file");
+    }
+    m_ui->keyNoteLabel->setNote(problem, NoteLabel::Warning);
+}
+
+void SignOptionsWidget::updateCertificateNote()
+{
+    const QString problem = problemOf(m_certificate);
+    if (!problem.isEmpty())
+        m_ui->certificateNoteLabel->setNote(problem, NoteLabel::Warning);
+    else
+        showCertificate(m_ui->certificateNoteLabel, m_certificate.chooser);
+}
+
 void SignOptionsWidget::keyChooserChanged(int index)
 {
     showFile(m_key, index);
+    updateKeyNote();
 }
 
 void SignOptionsWidget::certificateChooserChanged(int index)
 {
     showFile(m_certificate, index);
+    updateCertificateNote();
 }
 
 void SignOptionsWidget::enableComboBoxes(bool enabled)

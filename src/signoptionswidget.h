@@ -50,6 +50,9 @@ private:
                          const Utils::Key &historyKey);
     void restore();
     void showFile(FileChoice &choice, int index);
+    QString problemOf(const FileChoice &choice) const;
+    void updateKeyNote();
+    void updateCertificateNote();
     void keyChooserChanged(int index);
     void certificateChooserChanged(int index);
     void enableComboBoxes(bool enabled);

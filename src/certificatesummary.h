@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+namespace Sealkit::Internal {
+
+/// Whose certificate a file holds, and until when. Read on the host, without a tool.
+struct CertificateSummary
+{
+    QString text; ///< empty when there is no certificate that can be read
+    bool isWarning = false;
+
+    friend bool operator==(const CertificateSummary &, const CertificateSummary &) = default;
+};
+
+/// Of the first certificate in the file. Warns from 30 days before its end, seen from \a now.
+CertificateSummary summarizeCertificate(const QString &path,
+                                        const QDateTime &now = QDateTime::currentDateTimeUtc());
+
+} // namespace Sealkit::Internal
