@@ -156,6 +156,8 @@ private slots:
     void interruptLeavesNothingBehind();
     void deployLeavesTheMemoryAlone();
 
+    void windowSaysWhatWasSigned_data();
+    void windowSaysWhatWasSigned();
     void firstErrorBringsIssuesForward();
     void iconsAreDrawnByMasks();
     void optionsAreAppliedOnlyWhereTheyWereShown();
@@ -446,6 +448,65 @@ void WorkbenchTest::deployLeavesTheMemoryAlone()
     QCOMPARE(settings.value("Workbench/Projects").toStringList(), (QStringList{"/one", "/two"}));
     QCOMPARE(settings.value("Workbench/Sdk").toString(), "/other");
     QVERIFY(!QFile::exists(ground.project() + "/rpm/quick.spec.user"));
+}
+
+void WorkbenchTest::windowSaysWhatWasSigned_data()
+{
+    QTest::addColumn<QString>("obstacle");
+    QTest::addColumn<QString>("verdict");
+
+    const QString nothing = "Nothing was signed: ";
+    const QString failed = "The deploy failed. " + nothing;
+    addRow("signed", "", "Signed by Regular Developer: quick-1-1.noarch.rpm.");
+    addRow("no sign step", "off", nothing + "the deploy configuration has no enabled sign step.");
+    addRow("failing tool", "refusing", failed + "Error: package sign failed: refused");
+    addRow("declined prompt",
+           "asking",
+           failed + "Error: package sign cancelled: Cancelled: no pass phrase was given");
+    addRow("silent tool", "silent", "Nothing was signed.");
+}
+
+void WorkbenchTest::windowSaysWhatWasSigned()
+{
+    QFETCH(QString, obstacle);
+    QFETCH(QString, verdict);
+    const Ground ground;
+    if (obstacle == "refusing")
+        ground.replaceTool("echo refused; exit 3\n");
+    if (obstacle == "asking")
+        ground.replaceTool("printf 'Enter pass phrase: '; read -r line\n");
+    if (obstacle == "silent")
+        ground.replaceTool("exit 0\n");
+    Session session;
+    MainWindow window(&session);
+    window.show();
+    window.open(ground.commandLine());
+    if (obstacle == "off")
+        window.findChildren<QCheckBox *>("enabled").at(1)->setChecked(false);
+    PromptAnswerer user({});
+    QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
+    for (QAction *action : window.findChildren<QAction *>()) {
+        if (action->text() == "&Deploy")
+            action->trigger();
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, RUN_TIMEOUT);
+
+    const auto *label = window.findChild<QLabel *>("verdict");
+    QCOMPARE(label->text(), verdict);
+    const bool isWarning = label->palette().windowText() != window.palette().windowText();
+    QCOMPARE(isWarning, !obstacle.isEmpty());
+    auto *output = window.findChild<OutputPane *>("compileOutput");
+    QTRY_VERIFY(output->showsAll());
+    QVERIFY(output->toPlainText().endsWith(verdict + '\n'));
+    session.shutdown();
+
+    // The terminal says the same.
+    if (obstacle == "off")
+        return; // which the window has not kept
+    const Transcript transcript = ground.deploy();
+    QCOMPARE(transcript.exitCode, obstacle.isEmpty() ? 0 : 1);
+    const QString &channel = obstacle.isEmpty() ? transcript.output : transcript.errors;
+    QVERIFY2(channel.contains(verdict + '\n'), qPrintable(channel.right(900)));
 }
 
 void WorkbenchTest::firstErrorBringsIssuesForward()

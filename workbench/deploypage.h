@@ -32,6 +32,9 @@ public:
     /// To be called when the project's targets or configurations have changed.
     void refresh();
 
+    /// What a deploy runs now; null when there is nothing to run.
+    ProjectExplorer::BuildStepList *stepList() const;
+
     QAction *deployAction() const { return m_deployAction; }
     QAction *cancelAction() const { return m_cancelAction; }
 
@@ -39,7 +42,6 @@ signals:
     void aboutToDeploy();
 
 private:
-    ProjectExplorer::BuildStepList *stepList() const;
     void fillKits();
     void chooseKit(int index);
     void deploy();

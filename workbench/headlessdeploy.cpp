@@ -1,6 +1,6 @@
 #include "headlessdeploy.h"
 
-#include "signsteps.h"
+#include "deployverdict.h"
 
 #include <coreplugin/icore.h>
 #include <host/buildmanager.h>
@@ -39,15 +39,6 @@ static void printError(const QString &error)
     print(stderr, "workbench: " + error + '\n');
 }
 
-static bool hasEnabledSignStep(const BuildStepList *list)
-{
-    const QList<BuildStep *> steps = list->steps();
-    return std::any_of(steps.begin(), steps.end(), [](const BuildStep *step) {
-        return step->stepEnabled()
-               && (step->id() == RPM_SIGN_EXTERNAL_STEP || step->id() == RPM_SIGN_STEP);
-    });
-}
-
 HeadlessDeploy::HeadlessDeploy(const CommandLine &commandLine)
     : m_commandLine(commandLine)
     , m_answerer(commandLine.passphrase)
@@ -72,9 +63,8 @@ void HeadlessDeploy::printMessage(const QString &message)
     m_lastToolLine = isToolLine ? message.mid(4) + '\n' : QString();
 }
 
-void HeadlessDeploy::printOutput(const QString &text, BuildStep::OutputFormat format)
+void HeadlessDeploy::printOutput(const QString &text)
 {
-    m_hasErrors |= format == BuildStep::OutputFormat::ErrorMessage;
     if (text != m_lastToolLine)
         print(stdout, text);
     m_lastToolLine.clear();
@@ -83,7 +73,6 @@ void HeadlessDeploy::printOutput(const QString &text, BuildStep::OutputFormat fo
 void HeadlessDeploy::printIssue(const Task &issue)
 {
     const QStringList lines = QStringList(issue.summary) + issue.details;
-    m_hasErrors |= issue.type == Task::Error;
     printLine(tr("Issue: %1").arg(lines.join('\n')));
 }
 
@@ -129,17 +118,16 @@ void HeadlessDeploy::deploy()
         QCoreApplication::exit(FAILURE);
         return;
     }
-    const bool signsPackages = hasEnabledSignStep(m_stepList);
-    const auto end = [this, signsPackages](bool finished) {
-        // A step may report an error and let the run go on.
-        const bool success = finished && !m_hasErrors;
-        if (!success)
-            printError(m_signalNumber ? tr("The deploy was interrupted.")
-                                      : tr("The deploy failed."));
-        else if (!signsPackages)
-            printError(
-                tr("Nothing was signed: the deploy configuration has no enabled sign step."));
-        QCoreApplication::exit(success && signsPackages ? 0 : FAILURE);
+    const auto verdict = std::make_shared<DeployVerdict>(m_stepList);
+    const auto end = [this, verdict](bool finished) {
+        verdict->setEnding(m_signalNumber ? DeployVerdict::Interrupted
+                           : finished     ? DeployVerdict::Finished
+                                          : DeployVerdict::Stopped);
+        if (verdict->isGood())
+            printLine(verdict->text());
+        else
+            printError(verdict->text());
+        QCoreApplication::exit(verdict->isGood() ? 0 : FAILURE);
     };
     connect(BuildManager::instance(), &BuildManager::buildQueueFinished, this, end);
     BuildManager::buildList(m_stepList);

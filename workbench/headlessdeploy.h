@@ -5,7 +5,7 @@
 #include "promptanswerer.h"
 #include "session.h"
 
-#include <projectexplorer/buildstep.h>
+#include <QObject>
 
 namespace ProjectExplorer {
 class BuildStepList;
@@ -33,7 +33,7 @@ private:
     void interrupt(int signalNumber);
     void printMessage(const QString &message);
     /// A tool's line comes twice, as a message and then as its step's output: it is printed once.
-    void printOutput(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);
+    void printOutput(const QString &text);
     void printIssue(const ProjectExplorer::Task &issue);
 
     const CommandLine m_commandLine;
@@ -42,7 +42,6 @@ private:
     Session m_session;
     ProjectExplorer::BuildStepList *m_stepList = nullptr;
     int m_signalNumber = 0;
-    bool m_hasErrors = false;
     QString m_lastToolLine;
 };
 

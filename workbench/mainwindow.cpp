@@ -2,6 +2,7 @@
 
 #include "aboutplugins.h"
 #include "deploypage.h"
+#include "deployverdict.h"
 #include "generalpage.h"
 #include "issuespane.h"
 #include "optionsdialog.h"
@@ -22,6 +23,7 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
+#include <utils/theme/theme.h>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -60,6 +62,7 @@ MainWindow::MainWindow(Session *session)
     , m_messages(new OutputPane)
     , m_issues(new IssuesPane)
     , m_busy(new QProgressBar)
+    , m_verdictLabel(new QLabel)
     , m_refreshTimer(new QTimer(this))
 {
     Core::Host::setMainWindow(this);
@@ -126,6 +129,10 @@ void MainWindow::makeContent()
     m_busy->setTextVisible(false);
     m_busy->hide();
     statusBar()->addPermanentWidget(m_busy);
+    m_verdictLabel->setObjectName("verdict");
+    m_verdictLabel->setTextFormat(Qt::PlainText);
+    m_verdictLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(m_verdictLabel, 1);
     connect(m_tree, &ProjectTree::chosen, this, &MainWindow::choose);
     connect(m_issues, &IssuesPane::countChanged, this, [this](int count) {
         m_tabs->setTabText(m_tabs->indexOf(m_issues),
@@ -305,19 +312,36 @@ void MainWindow::startRun()
     m_compileOutput->clear();
     m_tabs->setCurrentWidget(m_compileOutput);
     m_busy->show();
+    m_verdictLabel->clear();
+    m_verdictLabel->setToolTip({});
+    if (const BuildStepList *stepList = m_page->stepList())
+        m_verdict = std::make_unique<DeployVerdict>(stepList);
     statusBar()->showMessage(tr("Deploying..."));
 }
 
 void MainWindow::endRun(bool success)
 {
     m_busy->hide();
-    if (!success)
-        statusBar()->showMessage(tr("The deploy has failed or was cancelled."));
-    else if (m_issues->count() > 0)
-        statusBar()->showMessage(tr("The deploy has finished; see its issues."));
-    else
-        statusBar()->showMessage(tr("The deploy has finished."));
+    statusBar()->clearMessage();
+    if (const std::unique_ptr<DeployVerdict> verdict = std::move(m_verdict)) {
+        verdict->setEnding(success ? DeployVerdict::Finished : DeployVerdict::Stopped);
+        showVerdict(*verdict);
+    }
     m_refreshTimer->start();
+}
+
+void MainWindow::showVerdict(const DeployVerdict &verdict)
+{
+    m_compileOutput->append(verdict.text() + '\n',
+                            verdict.isGood() ? BuildStep::OutputFormat::NormalMessage
+                                             : BuildStep::OutputFormat::ErrorMessage);
+    QPalette colors = palette();
+    if (!verdict.isGood())
+        colors.setColor(QPalette::WindowText,
+                        Utils::creatorTheme()->color(Utils::Theme::TextColorError));
+    m_verdictLabel->setPalette(colors);
+    m_verdictLabel->setText(verdict.text());
+    m_verdictLabel->setToolTip(verdict.text());
 }
 
 void MainWindow::refresh()

@@ -4,6 +4,8 @@
 
 #include <QMainWindow>
 
+#include <memory>
+
 class QLabel;
 class QProgressBar;
 class QTabWidget;
@@ -18,6 +20,7 @@ class Target;
 namespace Workbench {
 
 class DeployPage;
+class DeployVerdict;
 class IssuesPane;
 class OutputPane;
 class ProjectTree;
@@ -57,6 +60,7 @@ private:
     void showProblem(const QString &message);
     void startRun();
     void endRun(bool success);
+    void showVerdict(const DeployVerdict &verdict);
     void refresh();
     void prepareToClose();
 
@@ -69,6 +73,8 @@ private:
     OutputPane *m_messages;
     IssuesPane *m_issues;
     QProgressBar *m_busy;
+    QLabel *m_verdictLabel;
+    std::unique_ptr<DeployVerdict> m_verdict; ///< of the run that goes on
     QAction *m_closeProjectAction = nullptr;
     QTimer *m_refreshTimer;
     bool m_hasOpened = false;
