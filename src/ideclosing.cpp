@@ -17,15 +17,15 @@ public:
     bool isClosing = false;
 };
 
-static const ClosingWatch &closingWatch()
+static ClosingWatch &closingWatch()
 {
-    static const ClosingWatch watch;
+    static ClosingWatch watch;
     return watch;
 }
 
 void watchIdeClosing()
 {
-    closingWatch();
+    closingWatch().isClosing = false;
 }
 
 bool isIdeClosing()
