@@ -66,6 +66,8 @@ const QString KEY_GENERATION_HISTORY_ENCRYPT =
 const QString KEY_GENERATION_HISTORY_ALGORYTHM =
     QStringLiteral("KilnRpmSign.History.GenerationAlgorythm");
 
+const QString SIGN_DIALOG_HISTORY_GEOMETRY = QStringLiteral("KilnRpmSign.History.Geometry");
+
 // The sign dialog's completers
 const char KEY_GENERATION_COMPLETER_CSR[] = "KilnRpmSign.Data.Completer.GeneratedCsr";
 const char KEY_GENERATION_COMPLETER_KEY[] = "KilnRpmSign.Data.Completer.GeneratedKey";
@@ -106,7 +108,7 @@ using Kiln::Constants::KILN_DEVICE_TYPE;
 using Kiln::Constants::KILN_OPTIONS_CATEGORY;
 using Kiln::Constants::KILN_TOOLS_MENU;
 
-// The read-more link of the signature notes
+// The read-more link of the signature notes, and the dialog's help
 const QString PACKAGE_SIGNING_PAGE = QStringLiteral(
     "https://developer.veyraos.example/doc/sdk/app_development/packaging/package_signing");
 

@@ -1,5 +1,6 @@
 #include "customersignstepwidget.h"
 
+#include "certificatenote.h"
 #include "ui_customersignstepwidget.h"
 #include "utils.h"
 
@@ -31,6 +32,8 @@ CustomerSignStepWidget::CustomerSignStepWidget(Kiln::Internal::KilnProcessStep *
     initPathChooser(m_ui->packagesCertPathChooser, tr("Select packages certificate"), false);
     initPathChooser(
         m_ui->packagesClientCertPathChooser, tr("Select packages client certificate"), true);
+    followCertificate(m_ui->packagesCertNoteLabel, m_ui->packagesCertPathChooser);
+    followCertificate(m_ui->packagesClientCertNoteLabel, m_ui->packagesClientCertPathChooser);
 
     connect(m_ui->signDebugPackageCheckBox, &QCheckBox::clicked, this, &Self::signDebugPackages);
 }

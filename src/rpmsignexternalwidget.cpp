@@ -1,5 +1,6 @@
 #include "rpmsignexternalwidget.h"
 
+#include "certificatenote.h"
 #include "ui_rpmsignexternalwidget.h"
 #include "utils.h"
 
@@ -26,6 +27,7 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
 
     initPathChooser(m_ui->keyPathChooser, tr("User private key for signing the package"));
     initPathChooser(m_ui->certificatePathChooser, tr("Certificate to be used in signature"));
+    followCertificate(m_ui->certificateNoteLabel, m_ui->certificatePathChooser);
 
     m_ui->keysTypeComboBox->addItems({tr("Default key"), tr("Custom key")});
     m_ui->keysTypeComboBox->setCurrentIndex(0);

@@ -1,6 +1,7 @@
 #include "signdialog.h"
 
 #include "buildengineinfo.h"
+#include "certificatenote.h"
 #include "constants.h"
 #include "customersealkit.h"
 #include "requestcheck.h"
@@ -14,14 +15,18 @@
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 
+#include <QDesktopServices>
 #include <QDir>
+#include <QDropEvent>
 #include <QFontDatabase>
+#include <QMimeData>
 #include <QPointer>
 #include <QProgressBar>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QShowEvent>
 #include <QStatusBar>
+#include <QUrl>
 
 #include <utility>
 
@@ -161,7 +166,8 @@ SignDialog::SignDialog(QWidget *parent)
                  m_ui->verifySignaturePushButton,
                  m_ui->genReqButton};
     initKeyGeneration();
-    initRegularKeysLink();
+    initRegularKeys();
+    followCertificates();
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
     connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
         if (isVisible()) // else it looks when it is shown
@@ -171,6 +177,9 @@ SignDialog::SignDialog(QWidget *parent)
     const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
     m_ui->clientSignatureTextBrowser->setFont(dumpFont);
+    setAcceptDrops(true);
+    m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(false); // it would take a package for a text
+    restoreGeometry(QSettings().value(Constants::SIGN_DIALOG_HISTORY_GEOMETRY).toByteArray());
     // Enter in a field is for the field, not for whichever button comes first.
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
@@ -182,6 +191,25 @@ void SignDialog::showEvent(QShowEvent *event)
     QDialog::showEvent(event);
     if (!event->spontaneous() && !m_current.name.isEmpty())
         invalidate();
+}
+
+/// The package that is dragged; empty when something else is.
+static QString draggedPackage(const QMimeData *data)
+{
+    const QString path = data->urls().size() == 1 ? data->urls().first().toLocalFile() : QString();
+    return path.endsWith(QLatin1String(".rpm")) ? path : QString();
+}
+
+void SignDialog::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (m_ui->rpmPathChooser->isEnabled() && !draggedPackage(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void SignDialog::dropEvent(QDropEvent *event)
+{
+    m_ui->rpmPathChooser->setFilePath(FilePath::fromString(draggedPackage(event->mimeData())));
+    event->acceptProposedAction();
 }
 
 void SignDialog::changeEvent(QEvent *event)
@@ -201,6 +229,7 @@ SignDialog::~SignDialog()
                       m_ui->generationKeyAlgoComboBox->currentIndex());
     settings.setValue(Constants::KEY_GENERATION_HISTORY_ENCRYPT,
                       m_ui->generationKeyEncryptCheckBox->isChecked());
+    settings.setValue(Constants::SIGN_DIALOG_HISTORY_GEOMETRY, saveGeometry());
 }
 
 void SignDialog::initPathChoosers()
@@ -278,6 +307,12 @@ void SignDialog::connectButtons()
     onClick(m_ui->verifySignaturePushButton, &SignDialog::verifySignature);
     onClick(m_ui->dumpPushButton, &SignDialog::dumpSignature);
     onClick(m_ui->genReqButton, &SignDialog::generateRequest);
+    connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
+        QDesktopServices::openUrl(QUrl(Constants::PACKAGE_SIGNING_PAGE));
+    });
+    // The one that takes something away.
+    m_ui->removeSignaturePushButton->setIcon(style()->standardIcon(QStyle::SP_TrashIcon));
 }
 
 void SignDialog::initStatusBar()
@@ -319,7 +354,7 @@ void SignDialog::initKeyGeneration()
         settings.value(Constants::KEY_GENERATION_HISTORY_ENCRYPT, true).toBool());
 }
 
-void SignDialog::initRegularKeysLink()
+void SignDialog::initRegularKeys()
 {
     const QString folder = QDir::toNativeSeparators(getDefaultKeysDir(m_workspace));
     QString text = m_ui->regularKeysLabel->text();
@@ -329,6 +364,17 @@ void SignDialog::initRegularKeysLink()
             &QLabel::linkActivated,
             this,
             [key = getDefaultKey(m_workspace)] { Core::FileUtils::showInGraphicalShell(key); });
+    connect(m_ui->regularKeysButton, &QPushButton::clicked, this, [this] {
+        m_ui->developerKeyPathChooser->setFilePath(getDefaultKey(m_workspace));
+        m_ui->developerCertificatePathChooser->setFilePath(getDefaultCertificate(m_workspace));
+    });
+}
+
+void SignDialog::followCertificates()
+{
+    followCertificate(m_ui->developerCertificateNoteLabel, m_ui->developerCertificatePathChooser);
+    followCertificate(m_ui->clientCertificateNoteLabel, m_ui->clientCertificatePathChooser);
+    followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
 }
 
 SignData SignDialog::data() const

@@ -38,6 +38,8 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void changeEvent(QEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private slots:
     void onTabChanged(int index);
@@ -51,7 +53,8 @@ private:
     void initStatusBar();
     void initBuildEngine();
     void initKeyGeneration();
-    void initRegularKeysLink();
+    void initRegularKeys();
+    void followCertificates();
 
     QString package() const;
     KeyGenerationData keyGenerationData() const;

@@ -17,10 +17,15 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDesktopServices>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QDropEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QProcess>
 #include <QPushButton>
+#include <QSet>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -51,6 +56,10 @@ private slots:
     void saysWhyThereAreNoTargets_data();
     void saysWhyThereAreNoTargets();
     void tabKeyFollowsTheEye();
+    void everyControlHasItsMnemonic();
+    void offersTheRegularPair();
+    void takesADroppedPackage();
+    void opensItsHelp();
     void judgesPaths_data();
     void judgesPaths();
     void signsVerifiesAndRemoves_data();
@@ -363,10 +372,110 @@ void SignDialogTest::tabKeyFollowsTheEye()
                      qPrintable(visited.last()->objectName() + " -> " + next->objectName()));
             visited << next;
         }
+        // At the end, on each tab, come the buttons below.
+        QCOMPARE(visited.takeLast()->parent(), child<QDialogButtonBox>());
+        QCOMPARE(visited.takeLast()->parent(), child<QDialogButtonBox>());
         lastOfTabs << visited.last()->objectName();
     }
     QCOMPARE(lastOfTabs,
-             (QStringList{"regularKeysLabel", "developerSignatureTextBrowser", "genReqButton"}));
+             (QStringList{"regularKeysButton", "developerSignatureTextBrowser", "genReqButton"}));
+}
+
+void SignDialogTest::everyControlHasItsMnemonic()
+{
+    openDialog();
+    child<QWidget>("binaryKeyLabel")->show(); // as with another target
+    auto *tabs = child<QTabWidget>("tabWidget");
+    QStringList tabTexts;
+    for (int tab = 0; tab < tabs->count(); ++tab)
+        tabTexts << tabs->tabText(tab);
+    for (int tab = 0; tab < tabs->count(); ++tab) {
+        tabs->setCurrentIndex(tab);
+        waitUntilIdle();
+        QStringList texts = tabTexts;
+        for (const QLabel *label : m_dialog->findChildren<QLabel *>()) {
+            if (label->buddy() && label->isVisible())
+                texts << label->text();
+        }
+        for (const QAbstractButton *button : m_dialog->findChildren<QAbstractButton *>()) {
+            // Qt and the IDE see to those of their own.
+            const bool isOwn =
+                button->objectName().contains("utton") || button->inherits("QCheckBox");
+            if (isOwn && button->isVisible())
+                texts << button->text();
+        }
+        QSet<QKeySequence> mnemonics;
+        for (const QString &label : texts) {
+            const QKeySequence mnemonic = QKeySequence::mnemonic(label);
+            QVERIFY2(!mnemonic.isEmpty() && !mnemonics.contains(mnemonic), qPrintable(label));
+            mnemonics << mnemonic;
+        }
+    }
+}
+
+void SignDialogTest::offersTheRegularPair()
+{
+    openDialog();
+    enter("rpmPathChooser", freshPackage());
+    const QString folder = inWorkspace(".veyraos-regular-keys/");
+    for (const QString name : {"regular_key.pem", "regular_cert.pem"})
+        writeFile(folder + name, readFile(m_sdk.path() + "/package-signing/" + name));
+    click("regularKeysButton");
+    QCOMPARE(m_dialog->data().key, folder + "regular_key.pem");
+    QCOMPARE(m_dialog->data().certificate, folder + "regular_cert.pem");
+    QCOMPARE(text("developerCertificateNoteLabel"),
+             "CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo, valid until "
+             "2043-12-31");
+    enter("developerCertificatePathChooser", "");
+    QCOMPARE(text("developerCertificateNoteLabel"), "");
+}
+
+void SignDialogTest::takesADroppedPackage()
+{
+    openDialog();
+    const auto drop = [this](const QString &path) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        QDragEnterEvent enters({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        enters.ignore();
+        QApplication::sendEvent(m_dialog, &enters);
+        QDropEvent drops({}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        if (enters.isAccepted())
+            QApplication::sendEvent(m_dialog, &drops);
+        waitUntilIdle();
+        return child<PathChooser>("rpmPathChooser")->filePath().toFSPathString();
+    };
+    QCOMPARE(drop(inWorkspace("keys/client_key.pem")), "");
+    const QString package = freshPackage();
+    QCOMPARE(drop(package), package);
+    QCOMPARE(dump(), "No signatures found in package");
+}
+
+/// Stands in for the user's browser.
+class Browser : public QObject
+{
+    Q_OBJECT
+
+public:
+    Browser() { QDesktopServices::setUrlHandler("https", this, "show"); }
+    ~Browser() override { QDesktopServices::unsetUrlHandler("https"); }
+
+    QList<QUrl> shown;
+
+public slots:
+    void show(const QUrl &url) { shown << url; }
+};
+
+void SignDialogTest::opensItsHelp()
+{
+    openDialog();
+    const Browser browser;
+    auto *buttons = child<QDialogButtonBox>();
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Help), Qt::LeftButton);
+    QCOMPARE(browser.shown.size(), 1);
+    QVERIFY(browser.shown.first().path().endsWith("/package_signing"));
+    QTest::mouseClick(buttons->button(QDialogButtonBox::Close), Qt::LeftButton);
+    QVERIFY(!m_dialog->isVisible());
 }
 
 void SignDialogTest::judgesPaths_data()
@@ -742,6 +851,8 @@ void SignDialogTest::remembersChoices()
     child<QCheckBox>("generationKeyEncryptCheckBox")->setChecked(false);
     targets()->setCurrentText(BARE_TARGET);
     waitUntilIdle();
+    const QSize size = m_dialog->size() + QSize(30, 20);
+    m_dialog->resize(size);
     delete m_dialog;
 
     delete new SignDialog(nullptr); // gone before it knows a target
@@ -754,6 +865,7 @@ void SignDialogTest::remembersChoices()
     QCOMPARE(child<QComboBox>("generationKeyAlgoComboBox")->currentText(),
              "GOST R 34.10-2012 (256)");
     QVERIFY(!child<QCheckBox>("generationKeyEncryptCheckBox")->isChecked());
+    QCOMPARE(m_dialog->size(), size);
     delete m_dialog;
 
     QSettings().setValue("KilnRpmSign.History.TargetName", "VeyraOS-1.0");

@@ -74,6 +74,62 @@
         <source>Error: cannot start &quot;%1&quot;: %2</source>
         <translation>Fehler: „%1“ kann nicht gestartet werden: %2</translation>
     </message>
+    <message>
+        <source>Company name cannot contain %1</source>
+        <translation>Der Firmenname darf %1 nicht enthalten</translation>
+    </message>
+    <message>
+        <source>Company name cannot have more than one line</source>
+        <translation>Der Firmenname darf nicht mehrere Zeilen haben</translation>
+    </message>
+    <message>
+        <source>Company name cannot begin or end with a blank</source>
+        <translation>Der Firmenname darf nicht mit einem Leerzeichen beginnen oder enden</translation>
+    </message>
+    <message>
+        <source>Company name cannot have more than %1 characters</source>
+        <translation>Der Firmenname darf höchstens %1 Zeichen haben</translation>
+    </message>
+    <message>
+        <source>Company name field cannot be empty</source>
+        <translation>Der Firmenname muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Key field cannot be empty</source>
+        <translation>Der Schlüssel muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Request field cannot be empty</source>
+        <translation>Die Anforderung muss angegeben sein</translation>
+    </message>
+    <message>
+        <source>Key and request cannot be the same file</source>
+        <translation>Schlüssel und Anforderung dürfen nicht dieselbe Datei sein</translation>
+    </message>
+    <message>
+        <source>The request would overwrite the private key in %1</source>
+        <translation>Die Anforderung würde den privaten Schlüssel in %1 überschreiben</translation>
+    </message>
+    <message>
+        <source>Error: package sign cancelled</source>
+        <translation>Fehler: Das Signieren wurde abgebrochen</translation>
+    </message>
+    <message>
+        <source>Error: package sign failed</source>
+        <translation>Fehler: Das Signieren ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>The tool could not be started; see the General Messages</source>
+        <translation>Das Werkzeug konnte nicht gestartet werden; siehe Allgemeine Meldungen</translation>
+    </message>
+    <message>
+        <source>Cancelled: no pass phrase was given</source>
+        <translation>Abgebrochen: Es wurde keine Passphrase angegeben</translation>
+    </message>
+    <message>
+        <source>The tool gave no reason; its exit code was %1</source>
+        <translation>Das Werkzeug nannte keinen Grund; sein Rückgabewert war %1</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -118,6 +174,21 @@
     </message>
 </context>
 <context>
+    <name>Sealkit::Internal::CertificateSummary</name>
+    <message>
+        <source>%1, expired on %2</source>
+        <translation>%1, abgelaufen am %2</translation>
+    </message>
+    <message>
+        <source>%1, not valid before %2</source>
+        <translation>%1, nicht gültig vor dem %2</translation>
+    </message>
+    <message>
+        <source>%1, valid until %2</source>
+        <translation>%1, gültig bis %2</translation>
+    </message>
+</context>
+<context>
     <name>Sealkit::Internal::CustomerSignStep</name>
     <message>
         <source>RPM Sign (customer-sign)</source>
@@ -146,10 +217,6 @@
     <message>
         <source>Sign RPM package</source>
         <translation>RPM-Paket signieren</translation>
-    </message>
-    <message>
-        <source>Error: package sign failed</source>
-        <translation>Fehler: Das Signieren ist fehlgeschlagen</translation>
     </message>
 </context>
 <context>
@@ -200,6 +267,10 @@
         <source>Filed to generate CSR</source>
         <translation>Die Zertifikatsanforderung (CSR) konnte nicht erzeugt werden</translation>
     </message>
+    <message>
+        <source>The request is empty; is the disk full?</source>
+        <translation>Die Anforderung ist leer; ist die Festplatte voll?</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternalStep</name>
@@ -242,10 +313,6 @@
     <message>
         <source>Sign RPM package</source>
         <translation>RPM-Paket signieren</translation>
-    </message>
-    <message>
-        <source>Error: package sign failed</source>
-        <translation>Fehler: Das Signieren ist fehlgeschlagen</translation>
     </message>
 </context>
 <context>
@@ -365,18 +432,6 @@
         <translation>Das Paket enthält keine Signaturen</translation>
     </message>
     <message>
-        <source>Company name field cannot be empty</source>
-        <translation>Der Firmenname muss angegeben sein</translation>
-    </message>
-    <message>
-        <source>Key field cannot be empty</source>
-        <translation>Der Schlüssel muss angegeben sein</translation>
-    </message>
-    <message>
-        <source>Request field cannot be empty</source>
-        <translation>Die Anforderung muss angegeben sein</translation>
-    </message>
-    <message>
         <source>Failed to generate request: %1</source>
         <translation>Die Anforderung konnte nicht erzeugt werden: %1</translation>
     </message>
@@ -387,6 +442,30 @@
     <message>
         <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
         <translation>Zu finden unter: Extras - Einstellungen - Veyra OS - Manage Build Targets</translation>
+    </message>
+    <message>
+        <source>There is no build engine: open or repair the SDK</source>
+        <translation>Es gibt keine Build-Engine: Öffnen oder reparieren Sie das SDK</translation>
+    </message>
+    <message>
+        <source>The build engine did not start; see the General Messages</source>
+        <translation>Die Build-Engine ist nicht gestartet; siehe Allgemeine Meldungen</translation>
+    </message>
+    <message>
+        <source>The build engine has no targets: install one</source>
+        <translation>Die Build-Engine hat keine Ziele: Installieren Sie eines</translation>
+    </message>
+    <message>
+        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
+        <translation>Das Ziel %1 kann nicht signieren: Es hat weder rpmsign-external noch customer-sign</translation>
+    </message>
+    <message>
+        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
+        <translation>Das Ziel %1 kann nur signieren: Ohne nxvcert-cli werden Signaturen weder angezeigt noch entfernt</translation>
+    </message>
+    <message>
+        <source>No client signature was added: it needs a client key and its certificate</source>
+        <translation>Es wurde keine Client-Signatur hinzugefügt: Sie braucht einen Client-Schlüssel und sein Zertifikat</translation>
     </message>
 </context>
 <context>
@@ -428,6 +507,18 @@
         <translation>Der Pfad muss im Arbeitsbereich liegen:
 %1</translation>
     </message>
+    <message>
+        <source>No file is chosen</source>
+        <translation>Es ist keine Datei gewählt</translation>
+    </message>
+    <message>
+        <source>File does not exist</source>
+        <translation>Die Datei existiert nicht</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>In dieser Datei ist kein privater Schlüssel</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignProgress</name>
@@ -447,68 +538,12 @@
         <translation>Pakete signieren</translation>
     </message>
     <message>
-        <source>Target</source>
-        <translation>Ziel</translation>
-    </message>
-    <message>
-        <source>RPM package</source>
-        <translation>RPM-Paket</translation>
-    </message>
-    <message>
-        <source>Sign</source>
-        <translation>Signieren</translation>
-    </message>
-    <message>
-        <source>Binary key</source>
-        <translation>Schlüssel für Binärdateien</translation>
-    </message>
-    <message>
-        <source>Developer key</source>
-        <translation>Entwicklerschlüssel</translation>
-    </message>
-    <message>
-        <source>Developer certificate</source>
-        <translation>Entwicklerzertifikat</translation>
-    </message>
-    <message>
-        <source>Client key</source>
-        <translation>Client-Schlüssel</translation>
-    </message>
-    <message>
-        <source>Client certificate</source>
-        <translation>Client-Zertifikat</translation>
-    </message>
-    <message>
-        <source>Add signature</source>
-        <translation>Signatur hinzufügen</translation>
-    </message>
-    <message>
-        <source>Remove signature</source>
-        <translation>Signatur entfernen</translation>
-    </message>
-    <message>
         <source>NOTE: Move keys to workspace folder, if you change it</source>
         <translation>HINWEIS: Wer den Ordner des Arbeitsbereichs wechselt, muss die Schlüssel dorthin mitnehmen</translation>
     </message>
     <message>
         <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;For the &lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; profile, the key and certificate can be found in the &lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;folder&lt;/span&gt;&lt;/a&gt;&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
         <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Für das Profil &lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; liegen Schlüssel und Zertifikat in diesem &lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;Ordner&lt;/span&gt;&lt;/a&gt;&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
-    </message>
-    <message>
-        <source>Verify</source>
-        <translation>Prüfen</translation>
-    </message>
-    <message>
-        <source>CA certificate</source>
-        <translation>CA-Zertifikat</translation>
-    </message>
-    <message>
-        <source>Verify signature</source>
-        <translation>Signatur prüfen</translation>
-    </message>
-    <message>
-        <source>Dump signature</source>
-        <translation>Signatur anzeigen</translation>
     </message>
     <message>
         <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Developer signature dump&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
@@ -519,28 +554,96 @@
         <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Inhalt der Client-Signatur&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
     </message>
     <message>
-        <source>Certificate generation</source>
-        <translation>Zertifikat erzeugen</translation>
+        <source>&amp;Target</source>
+        <translation>&amp;Ziel</translation>
     </message>
     <message>
-        <source>Key</source>
-        <translation>Schlüssel</translation>
+        <source>RPM &amp;package</source>
+        <translation>RPM-&amp;Paket</translation>
     </message>
     <message>
-        <source>Encrypt</source>
-        <translation>Verschlüsseln</translation>
+        <source>&amp;Sign</source>
+        <translation>&amp;Signieren</translation>
     </message>
     <message>
-        <source>Request</source>
-        <translation>Anforderung</translation>
+        <source>&amp;Binary key</source>
+        <translation>Schlüssel für &amp;Binärdateien</translation>
     </message>
     <message>
-        <source>Company name</source>
-        <translation>Firmenname</translation>
+        <source>&amp;Developer key</source>
+        <translation>Ent&amp;wicklerschlüssel</translation>
     </message>
     <message>
-        <source>Generate</source>
-        <translation>Erzeugen</translation>
+        <source>D&amp;eveloper certificate</source>
+        <translation>Entwicklerzertifi&amp;kat</translation>
+    </message>
+    <message>
+        <source>Client &amp;key</source>
+        <translation>&amp;Client-Schlüssel</translation>
+    </message>
+    <message>
+        <source>Client certi&amp;ficate</source>
+        <translation>Client-Zertifika&amp;t</translation>
+    </message>
+    <message>
+        <source>&amp;Add signature</source>
+        <translation>Signatur hinzu&amp;fügen</translation>
+    </message>
+    <message>
+        <source>&amp;Remove signature</source>
+        <translation>Signatur e&amp;ntfernen</translation>
+    </message>
+    <message>
+        <source>Fill in the regular key and certificate as the developer&apos;s</source>
+        <translation>Den regulären Schlüssel und sein Zertifikat als die des Entwicklers eintragen</translation>
+    </message>
+    <message>
+        <source>&amp;Use regular key</source>
+        <translation>Re&amp;gulären Schlüssel verwenden</translation>
+    </message>
+    <message>
+        <source>&amp;Verify</source>
+        <translation>P&amp;rüfen</translation>
+    </message>
+    <message>
+        <source>CA certi&amp;ficate</source>
+        <translation>&amp;CA-Zertifikat</translation>
+    </message>
+    <message>
+        <source>Verif&amp;y signature</source>
+        <translation>Signatur prü&amp;fen</translation>
+    </message>
+    <message>
+        <source>&amp;Dump signature</source>
+        <translation>Signatur &amp;anzeigen</translation>
+    </message>
+    <message>
+        <source>Certificate generat&amp;ion</source>
+        <translation>Zertifikat &amp;erzeugen</translation>
+    </message>
+    <message>
+        <source>&amp;Key</source>
+        <translation>Sch&amp;lüssel</translation>
+    </message>
+    <message>
+        <source>A&amp;lgorithm</source>
+        <translation>Algorith&amp;mus</translation>
+    </message>
+    <message>
+        <source>&amp;Encrypt</source>
+        <translation>&amp;Verschlüsseln</translation>
+    </message>
+    <message>
+        <source>&amp;Request</source>
+        <translation>&amp;Anforderung</translation>
+    </message>
+    <message>
+        <source>Company &amp;name</source>
+        <translation>Firme&amp;nname</translation>
+    </message>
+    <message>
+        <source>&amp;Generate</source>
+        <translation>Erzeu&amp;gen</translation>
     </message>
 </context>
 <context>

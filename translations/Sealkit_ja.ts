@@ -74,6 +74,62 @@
         <source>Error: cannot start &quot;%1&quot;: %2</source>
         <translation>エラー: 「%1」を起動できません: %2</translation>
     </message>
+    <message>
+        <source>Company name cannot contain %1</source>
+        <translation>会社名に %1 は使えません</translation>
+    </message>
+    <message>
+        <source>Company name cannot have more than one line</source>
+        <translation>会社名を複数行にすることはできません</translation>
+    </message>
+    <message>
+        <source>Company name cannot begin or end with a blank</source>
+        <translation>会社名の先頭と末尾に空白は使えません</translation>
+    </message>
+    <message>
+        <source>Company name cannot have more than %1 characters</source>
+        <translation>会社名は %1 文字以内にしてください</translation>
+    </message>
+    <message>
+        <source>Company name field cannot be empty</source>
+        <translation>会社名を入力してください</translation>
+    </message>
+    <message>
+        <source>Key field cannot be empty</source>
+        <translation>鍵を指定してください</translation>
+    </message>
+    <message>
+        <source>Request field cannot be empty</source>
+        <translation>署名要求を指定してください</translation>
+    </message>
+    <message>
+        <source>Key and request cannot be the same file</source>
+        <translation>鍵と署名要求を同じファイルにすることはできません</translation>
+    </message>
+    <message>
+        <source>The request would overwrite the private key in %1</source>
+        <translation>署名要求が %1 の秘密鍵を上書きしてしまいます</translation>
+    </message>
+    <message>
+        <source>Error: package sign cancelled</source>
+        <translation>エラー: 署名はキャンセルされました</translation>
+    </message>
+    <message>
+        <source>Error: package sign failed</source>
+        <translation>エラー: 署名に失敗しました</translation>
+    </message>
+    <message>
+        <source>The tool could not be started; see the General Messages</source>
+        <translation>ツールを起動できませんでした。一般メッセージを参照してください</translation>
+    </message>
+    <message>
+        <source>Cancelled: no pass phrase was given</source>
+        <translation>キャンセル: パスフレーズが入力されませんでした</translation>
+    </message>
+    <message>
+        <source>The tool gave no reason; its exit code was %1</source>
+        <translation>ツールは理由を示しませんでした。終了コードは %1 でした</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -118,6 +174,21 @@
     </message>
 </context>
 <context>
+    <name>Sealkit::Internal::CertificateSummary</name>
+    <message>
+        <source>%1, expired on %2</source>
+        <translation>%1、%2 に期限切れ</translation>
+    </message>
+    <message>
+        <source>%1, not valid before %2</source>
+        <translation>%1、%2 から有効</translation>
+    </message>
+    <message>
+        <source>%1, valid until %2</source>
+        <translation>%1、%2 まで有効</translation>
+    </message>
+</context>
+<context>
     <name>Sealkit::Internal::CustomerSignStep</name>
     <message>
         <source>RPM Sign (customer-sign)</source>
@@ -146,10 +217,6 @@
     <message>
         <source>Sign RPM package</source>
         <translation>RPM パッケージに署名</translation>
-    </message>
-    <message>
-        <source>Error: package sign failed</source>
-        <translation>エラー: 署名に失敗しました</translation>
     </message>
 </context>
 <context>
@@ -200,6 +267,10 @@
         <source>Filed to generate CSR</source>
         <translation>証明書署名要求 (CSR) を生成できませんでした</translation>
     </message>
+    <message>
+        <source>The request is empty; is the disk full?</source>
+        <translation>署名要求が空です。ディスクの空き容量を確認してください</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternalStep</name>
@@ -242,10 +313,6 @@
     <message>
         <source>Sign RPM package</source>
         <translation>RPM パッケージに署名</translation>
-    </message>
-    <message>
-        <source>Error: package sign failed</source>
-        <translation>エラー: 署名に失敗しました</translation>
     </message>
 </context>
 <context>
@@ -365,18 +432,6 @@
         <translation>パッケージに署名がありません</translation>
     </message>
     <message>
-        <source>Company name field cannot be empty</source>
-        <translation>会社名を入力してください</translation>
-    </message>
-    <message>
-        <source>Key field cannot be empty</source>
-        <translation>鍵を指定してください</translation>
-    </message>
-    <message>
-        <source>Request field cannot be empty</source>
-        <translation>署名要求を指定してください</translation>
-    </message>
-    <message>
         <source>Failed to generate request: %1</source>
         <translation>署名要求を生成できませんでした: %1</translation>
     </message>
@@ -387,6 +442,30 @@
     <message>
         <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
         <translation>場所: ツール - オプション - Veyra OS - Manage Build Targets</translation>
+    </message>
+    <message>
+        <source>There is no build engine: open or repair the SDK</source>
+        <translation>ビルドエンジンがありません。SDK を開くか修復してください</translation>
+    </message>
+    <message>
+        <source>The build engine did not start; see the General Messages</source>
+        <translation>ビルドエンジンが起動しませんでした。一般メッセージを参照してください</translation>
+    </message>
+    <message>
+        <source>The build engine has no targets: install one</source>
+        <translation>ビルドエンジンにターゲットがありません。インストールしてください</translation>
+    </message>
+    <message>
+        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
+        <translation>ターゲット %1 は署名できません。rpmsign-external も customer-sign もありません</translation>
+    </message>
+    <message>
+        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
+        <translation>ターゲット %1 は署名しかできません。nxvcert-cli がないため、署名の表示と削除はできません</translation>
+    </message>
+    <message>
+        <source>No client signature was added: it needs a client key and its certificate</source>
+        <translation>クライアントの署名は追加されませんでした。クライアントの鍵とその証明書の両方が必要です</translation>
     </message>
 </context>
 <context>
@@ -428,6 +507,18 @@
         <translation>パスはワークスペースフォルダーの中でなければなりません:
 %1</translation>
     </message>
+    <message>
+        <source>No file is chosen</source>
+        <translation>ファイルが選択されていません</translation>
+    </message>
+    <message>
+        <source>File does not exist</source>
+        <translation>ファイルが存在しません</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>このファイルに秘密鍵はありません</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignProgress</name>
@@ -447,68 +538,12 @@
         <translation>パッケージの署名</translation>
     </message>
     <message>
-        <source>Target</source>
-        <translation>ターゲット</translation>
-    </message>
-    <message>
-        <source>RPM package</source>
-        <translation>RPM パッケージ</translation>
-    </message>
-    <message>
-        <source>Sign</source>
-        <translation>署名</translation>
-    </message>
-    <message>
-        <source>Binary key</source>
-        <translation>バイナリ用の鍵</translation>
-    </message>
-    <message>
-        <source>Developer key</source>
-        <translation>開発者の鍵</translation>
-    </message>
-    <message>
-        <source>Developer certificate</source>
-        <translation>開発者の証明書</translation>
-    </message>
-    <message>
-        <source>Client key</source>
-        <translation>クライアントの鍵</translation>
-    </message>
-    <message>
-        <source>Client certificate</source>
-        <translation>クライアントの証明書</translation>
-    </message>
-    <message>
-        <source>Add signature</source>
-        <translation>署名を追加</translation>
-    </message>
-    <message>
-        <source>Remove signature</source>
-        <translation>署名を削除</translation>
-    </message>
-    <message>
         <source>NOTE: Move keys to workspace folder, if you change it</source>
         <translation>注意: ワークスペースフォルダーを変更した場合は、鍵をそこへ移動してください</translation>
     </message>
     <message>
         <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;For the &lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; profile, the key and certificate can be found in the &lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;folder&lt;/span&gt;&lt;/a&gt;&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
         <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;&lt;span style=&quot; font-weight:700;&quot;&gt;regular&lt;/span&gt; プロファイルの鍵と証明書はこの&lt;a href=&quot;%folder_link%&quot;&gt;&lt;span style=&quot; text-decoration: underline; color:#2980b9;&quot;&gt;フォルダー&lt;/span&gt;&lt;/a&gt;にあります&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
-    </message>
-    <message>
-        <source>Verify</source>
-        <translation>検証</translation>
-    </message>
-    <message>
-        <source>CA certificate</source>
-        <translation>CA 証明書</translation>
-    </message>
-    <message>
-        <source>Verify signature</source>
-        <translation>署名を検証</translation>
-    </message>
-    <message>
-        <source>Dump signature</source>
-        <translation>署名を表示</translation>
     </message>
     <message>
         <source>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;Developer signature dump&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</source>
@@ -519,28 +554,96 @@
         <translation>&lt;html&gt;&lt;head/&gt;&lt;body&gt;&lt;p&gt;クライアントの署名の内容&lt;/p&gt;&lt;/body&gt;&lt;/html&gt;</translation>
     </message>
     <message>
-        <source>Certificate generation</source>
-        <translation>証明書の生成</translation>
+        <source>&amp;Target</source>
+        <translation>ターゲット(&amp;T)</translation>
     </message>
     <message>
-        <source>Key</source>
-        <translation>鍵</translation>
+        <source>RPM &amp;package</source>
+        <translation>RPM パッケージ(&amp;P)</translation>
     </message>
     <message>
-        <source>Encrypt</source>
-        <translation>暗号化</translation>
+        <source>&amp;Sign</source>
+        <translation>署名(&amp;S)</translation>
     </message>
     <message>
-        <source>Request</source>
-        <translation>署名要求</translation>
+        <source>&amp;Binary key</source>
+        <translation>バイナリ用の鍵(&amp;B)</translation>
     </message>
     <message>
-        <source>Company name</source>
-        <translation>会社名</translation>
+        <source>&amp;Developer key</source>
+        <translation>開発者の鍵(&amp;D)</translation>
     </message>
     <message>
-        <source>Generate</source>
-        <translation>生成</translation>
+        <source>D&amp;eveloper certificate</source>
+        <translation>開発者の証明書(&amp;E)</translation>
+    </message>
+    <message>
+        <source>Client &amp;key</source>
+        <translation>クライアントの鍵(&amp;K)</translation>
+    </message>
+    <message>
+        <source>Client certi&amp;ficate</source>
+        <translation>クライアントの証明書(&amp;F)</translation>
+    </message>
+    <message>
+        <source>&amp;Add signature</source>
+        <translation>署名を追加(&amp;A)</translation>
+    </message>
+    <message>
+        <source>&amp;Remove signature</source>
+        <translation>署名を削除(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Fill in the regular key and certificate as the developer&apos;s</source>
+        <translation>regular の鍵と証明書を開発者のものとして入力します</translation>
+    </message>
+    <message>
+        <source>&amp;Use regular key</source>
+        <translation>regular の鍵を使う(&amp;U)</translation>
+    </message>
+    <message>
+        <source>&amp;Verify</source>
+        <translation>検証(&amp;V)</translation>
+    </message>
+    <message>
+        <source>CA certi&amp;ficate</source>
+        <translation>CA 証明書(&amp;F)</translation>
+    </message>
+    <message>
+        <source>Verif&amp;y signature</source>
+        <translation>署名を検証(&amp;Y)</translation>
+    </message>
+    <message>
+        <source>&amp;Dump signature</source>
+        <translation>署名を表示(&amp;D)</translation>
+    </message>
+    <message>
+        <source>Certificate generat&amp;ion</source>
+        <translation>証明書の生成(&amp;I)</translation>
+    </message>
+    <message>
+        <source>&amp;Key</source>
+        <translation>鍵(&amp;K)</translation>
+    </message>
+    <message>
+        <source>A&amp;lgorithm</source>
+        <translation>アルゴリズム(&amp;L)</translation>
+    </message>
+    <message>
+        <source>&amp;Encrypt</source>
+        <translation>暗号化(&amp;E)</translation>
+    </message>
+    <message>
+        <source>&amp;Request</source>
+        <translation>署名要求(&amp;R)</translation>
+    </message>
+    <message>
+        <source>Company &amp;name</source>
+        <translation>会社名(&amp;N)</translation>
+    </message>
+    <message>
+        <source>&amp;Generate</source>
+        <translation>生成(&amp;G)</translation>
     </message>
 </context>
 <context>
