@@ -49,21 +49,21 @@ CertificateSummary summarizeCertificate(const QString &path, const QDateTime &no
     const auto summary = [&](const char *text, const QDateTime &date, bool isWarning) {
         return CertificateSummary{
             QCoreApplication::translate("Sealkit::Internal::CertificateSummary", text)
-                .arg(subjectOf(certificate), date.toLocalTime().date().toString(Qt::ISODate)),
+                .arg(date.toLocalTime().date().toString(Qt::ISODate), subjectOf(certificate)),
             isWarning};
     };
     if (now > end)
         return summary(
-            QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "%1, expired on %2"),
+            QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "Expired on %1: %2"),
             end,
             true);
     if (now < begin)
         return summary(
-            QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "%1, not valid before %2"),
+            QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "Not valid before %1: %2"),
             begin,
             true);
     const bool endsSoon = now.daysTo(end) < WARNING_DAYS;
-    return summary(QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "%1, valid until %2"),
+    return summary(QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "Valid until %1: %2"),
                    end,
                    endsSoon);
 }

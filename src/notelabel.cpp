@@ -11,7 +11,7 @@ NoteLabel::NoteLabel(QWidget *parent)
     : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     hide();
 }
 
@@ -30,12 +30,10 @@ QStringList NoteLabel::shownLines() const
     return text().split(QLatin1Char('\n')).mid(0, m_maxLines);
 }
 
+/// A window does not grow for a note.
 QSize NoteLabel::sizeHint() const
 {
-    int width = 0;
-    for (const QString &line : shownLines())
-        width = qMax(width, fontMetrics().horizontalAdvance(line));
-    return {width, minimumSizeHint().height()};
+    return minimumSizeHint();
 }
 
 QSize NoteLabel::minimumSizeHint() const

@@ -29,12 +29,12 @@ void CertificateSummaryTest::tellsWhoseAndUntilWhen_data()
     QTest::addColumn<bool>("isWarning");
 
     const QString client = "client_cert.pem";
-    const QString subject = "CN=Demo Client, OU=shop, OU=client, O=Veyra OS Demo, ";
-    const QString until = subject + "valid until 2043-12-31";
-    addRow("before", client, "2023-12-31", subject + "not valid before 2024-01-01", true);
+    const QString subject = "CN=Demo Client, OU=shop, OU=client, O=Veyra OS Demo";
+    const QString until = "Valid until 2043-12-31: " + subject;
+    addRow("before", client, "2023-12-31", "Not valid before 2024-01-01: " + subject, true);
     addRow("valid", client, "2043-12-01", until, false);
     addRow("30 days before the end", client, "2043-12-02", until, true);
-    addRow("after", client, "2044-01-01", subject + "expired on 2043-12-31", true);
+    addRow("after", client, "2044-01-01", "Expired on 2043-12-31: " + subject, true);
     addRow("a key", "client_key.pem", "2030-01-01", "", false);
     addRow("no such file", "none.pem", "2030-01-01", "", false);
     addRow("not a file", "", "2030-01-01", "", false);

@@ -176,16 +176,16 @@
 <context>
     <name>Sealkit::Internal::CertificateSummary</name>
     <message>
-        <source>%1, expired on %2</source>
-        <translation>%1, abgelaufen am %2</translation>
+        <source>Expired on %1: %2</source>
+        <translation>Abgelaufen am %1: %2</translation>
     </message>
     <message>
-        <source>%1, not valid before %2</source>
-        <translation>%1, nicht gültig vor dem %2</translation>
+        <source>Not valid before %1: %2</source>
+        <translation>Nicht gültig vor dem %1: %2</translation>
     </message>
     <message>
-        <source>%1, valid until %2</source>
-        <translation>%1, gültig bis %2</translation>
+        <source>Valid until %1: %2</source>
+        <translation>Gültig bis %1: %2</translation>
     </message>
 </context>
 <context>

@@ -176,16 +176,16 @@
 <context>
     <name>Sealkit::Internal::CertificateSummary</name>
     <message>
-        <source>%1, expired on %2</source>
-        <translation>%1、%2 に期限切れ</translation>
+        <source>Expired on %1: %2</source>
+        <translation>%1 に期限切れ: %2</translation>
     </message>
     <message>
-        <source>%1, not valid before %2</source>
-        <translation>%1、%2 から有効</translation>
+        <source>Not valid before %1: %2</source>
+        <translation>%1 から有効: %2</translation>
     </message>
     <message>
-        <source>%1, valid until %2</source>
-        <translation>%1、%2 まで有効</translation>
+        <source>Valid until %1: %2</source>
+        <translation>%1 まで有効: %2</translation>
     </message>
 </context>
 <context>

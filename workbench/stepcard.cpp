@@ -5,7 +5,6 @@
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QStyle>
 #include <QToolButton>
 
 using ProjectExplorer::BuildStep;
@@ -53,7 +52,6 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
         m_enabled->setChecked(m_step->stepEnabled());
     });
 
-    m_summary->setForegroundRole(QPalette::PlaceholderText);
     m_summary->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     auto *header = new QHBoxLayout;
@@ -66,7 +64,7 @@ StepCard::StepCard(BuildStep *step, QWidget *parent)
     m_down = makeButton("down", tr("Move %1 down").arg(step->displayName()));
     m_down->setArrowType(Qt::DownArrow);
     m_remove = makeButton("remove", tr("Remove %1").arg(step->displayName()));
-    m_remove->setIcon(style()->standardIcon(QStyle::SP_DialogCloseButton));
+    m_remove->setText(QStringLiteral("\u2715")); // a style's icon may be black, also on black
     for (QToolButton *button : {m_up, m_down, m_remove})
         header->addWidget(button);
     connect(m_up, &QToolButton::clicked, this, &StepCard::moveUpRequested);
