@@ -23,6 +23,7 @@
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 #include <veyraos/kilnconstants.h>
+#include <veyraos/kilnkb2rpmbuildstep.h>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -357,6 +358,12 @@ void WorkbenchTest::deploys_data()
         configured(RPMSIGN_TARGET, [](BuildStepList *list) { list->at(1)->setStepEnabled(false); });
     const Prepare customer =
         configured(CUSTOMER_TARGET, [](BuildStepList *list) { list->at(1)->setStepEnabled(true); });
+    const Prepare rebuilt = configured(RPMSIGN_TARGET, [](BuildStepList *list) {
+        list->appendStep(Kiln::Internal::KilnKb2RpmBuildStep::stepId());
+    });
+    const Prepare lying = [](const Ground &ground) {
+        ground.replaceTool("echo Signed: " + ground.package().toUtf8() + "\n");
+    };
     const Prepare broken = [](const Ground &ground) {
         writeFile(ground.project() + "/rpm/quick.spec", "Name: quick\n");
     };
@@ -384,6 +391,8 @@ void WorkbenchTest::deploys_data()
     addRow("sign step switched off", "", off, 1, "finished successfully", noSignStep, 0);
     addRow("package that does not build", "", broken, 1, "Error while building", failed, 0);
     addRow("tool that fails", "", refusing, 1, "refused", failed, 0);
+    addRow("tool that signs nothing", "", lying, 1, completed, "Nothing was signed.", 0);
+    addRow("built anew behind the sign step", "", rebuilt, 1, completed, "Nothing was signed.", 0);
     addRow("no brisk", "", noBrisk, 1, "[E]", failed, 0);
     addRow("target without tools", bare, nothing, 1, "", noSignStep, 0);
     addRow("customer-sign", "--target " + CUSTOMER_TARGET, customer, 0, completed, "", 2);

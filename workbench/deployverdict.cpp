@@ -5,13 +5,24 @@
 #include <host/buildmanager.h>
 #include <host/issues.h>
 #include <projectexplorer/buildsteplist.h>
+#include <projectexplorer/target.h>
 #include <projectexplorer/task.h>
 
+#include <veyraos/kilnkb2rpmbuildstep.h>
+#include <veyraos/kilnsdkkitaspect.h>
+#include <veyraos/kilnsettings.h>
+
 #include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
 
 using namespace ProjectExplorer;
 
 namespace Workbench {
+
+const QString RPMSIGN_EXTERNAL = QStringLiteral("rpmsign-external");
+const QString NXVCERT_CLI = QStringLiteral("nxvcert-cli");
+constexpr int DUMP_TIMEOUT = 30'000;
 
 static bool isSignStep(const BuildStep *step)
 {
@@ -19,6 +30,7 @@ static bool isSignStep(const BuildStep *step)
 }
 
 DeployVerdict::DeployVerdict(const BuildStepList *stepList)
+    : m_stepList(stepList)
 {
     for (const BuildStep *step : stepList->steps()) {
         if (isSignStep(step) && step->stepEnabled())
@@ -59,9 +71,63 @@ void DeployVerdict::readIssue(const Task &issue)
         m_error = error;
 }
 
+// Debug packages are left unsigned where the step is told to.
+QStringList DeployVerdict::packagesToBeSigned() const
+{
+    static const QRegularExpression debug("debug(info|source)");
+    QStringList packages = m_packages;
+    for (const BuildStep *step : m_stepList->steps()) {
+        const auto *builder = qobject_cast<const Kiln::Internal::KilnKb2RpmBuildStep *>(step);
+        const QStringList built = builder ? builder->deployablePackagesFileNames() : QStringList();
+        for (const QString &path : built) {
+            if (!packages.contains(path) && !QFileInfo(path).fileName().contains(debug))
+                packages << path;
+        }
+    }
+    return packages;
+}
+
+// A dump tells a group for each signature of the package. The package's own path stands before, or
+// behind them if it is the only one.
+QStringList DeployVerdict::unsignedOnes(const QStringList &packages) const
+{
+    using namespace Kiln::Internal;
+    const auto target = KilnSdkKitAspectFactory::buildTarget(m_stepList->target()->kit());
+    const QString tool = target.tools.contains(RPMSIGN_EXTERNAL) ? RPMSIGN_EXTERNAL : NXVCERT_CLI;
+    QProcess brisk;
+    brisk.start(KilnSettings::briskPath(),
+                QStringList{"engine", "exec", "-tt", "sb2", "-t", target.name, tool, "dump"}
+                    + packages);
+    brisk.closeWriteChannel();
+    if (!brisk.waitForFinished(DUMP_TIMEOUT)) {
+        brisk.kill();
+        brisk.waitForFinished();
+    }
+    QStringList left = packages;
+    QString package = packages.size() == 1 ? packages.constFirst() : QString();
+    for (const QByteArray &line : brisk.readAllStandardOutput().split('\n')) {
+        const QString text = QString::fromUtf8(line).trimmed();
+        if (packages.contains(text))
+            package = text;
+        else if (text.startsWith("Group: "))
+            left.removeOne(package);
+    }
+    return left;
+}
+
+void DeployVerdict::setEnding(Ending ending)
+{
+    m_ending = ending;
+    const QStringList packages = packagesToBeSigned();
+    if (ending == Finished && m_error.isEmpty() && !m_signSteps.isEmpty() && !packages.isEmpty())
+        m_unsigned = unsignedOnes(packages);
+    m_packages.removeIf([this](const QString &path) { return m_unsigned.contains(path); });
+}
+
 bool DeployVerdict::isGood() const
 {
-    return m_ending == Finished && m_error.isEmpty() && !m_packages.isEmpty();
+    return m_ending == Finished && m_error.isEmpty() && !m_packages.isEmpty()
+           && m_unsigned.isEmpty();
 }
 
 // "CN=Regular Developer, OU=regular" is Regular Developer.
@@ -71,17 +137,24 @@ static QString nameOf(const QString &subject)
     return first.startsWith("CN=") ? first.mid(3) : subject;
 }
 
+static QString fileNames(const QStringList &paths)
+{
+    QStringList names;
+    for (const QString &path : paths)
+        names << QFileInfo(path).fileName();
+    return names.join(", ");
+}
+
 QString DeployVerdict::whatWasSigned() const
 {
-    QStringList packages;
-    for (const QString &path : m_packages)
-        packages << QFileInfo(path).fileName();
     QStringList signers;
     for (const QString &subject : m_signers)
         signers << nameOf(subject);
     // A step that does not look at its signatures is all that is known of them.
     const QStringList &by = signers.isEmpty() ? m_signSteps : signers;
-    return tr("Signed by %1: %2.").arg(by.join(", "), packages.join(", "));
+    const QString text = tr("Signed by %1: %2.").arg(by.join(", "), fileNames(m_packages));
+    return m_unsigned.isEmpty() ? text
+                                : text + ' ' + tr("Not signed: %1.").arg(fileNames(m_unsigned));
 }
 
 QString DeployVerdict::whyNothingWasSigned() const

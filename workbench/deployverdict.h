@@ -22,9 +22,10 @@ public:
     explicit DeployVerdict(const ProjectExplorer::BuildStepList *stepList);
 
     enum Ending { Finished, Interrupted, Stopped };
-    void setEnding(Ending ending) { m_ending = ending; }
+    /// After a run that has finished it looks at the packages, whatever the steps have said.
+    void setEnding(Ending ending);
 
-    /// Whether every step did its work and packages were signed.
+    /// Whether every step did its work and the packages are signed.
     bool isGood() const;
     QString text() const;
 
@@ -35,9 +36,14 @@ private:
     QString whatWasSigned() const;
     QString whyNothingWasSigned() const;
 
+    QStringList packagesToBeSigned() const;
+    QStringList unsignedOnes(const QStringList &packages) const;
+
+    const ProjectExplorer::BuildStepList *const m_stepList;
     Ending m_ending = Finished;
     QStringList m_signSteps;
-    QStringList m_packages;
+    QStringList m_packages; ///< what the tools say that they have signed
+    QStringList m_unsigned; ///< what is not signed in the end
     QStringList m_signers;
     QString m_error;
 };
