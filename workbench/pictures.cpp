@@ -1,5 +1,6 @@
 #include "pictures.h"
 
+#include "generalpage.h"
 #include "optionsdialog.h"
 #include "outputpane.h"
 #include "signsteps.h"
@@ -191,6 +192,7 @@ void Pictures::requestCertificate(QWidget *dialog)
 
 void Pictures::showOptions()
 {
+    const GeneralPage general(&m_session);
     OptionsDialog dialog(&m_window);
     dialog.show();
     take(&dialog, "options");
