@@ -55,10 +55,13 @@ void SignProgress::showWindow()
     m_window->setRange(0, 0); // busy
     m_window->setWindowTitle(tr("Signing RPM Packages"));
     m_window->setWindowModality(Qt::ApplicationModal);
-    connect(m_window, &QProgressDialog::canceled, this, [this] {
+    const auto stop = [this] {
         if (m_tool)
             m_tool->setStopped(true);
-    });
+    };
+    connect(m_window, &QProgressDialog::canceled, this, stop);
+    // Escape is the window's own key until the window is active, and then only hides it.
+    connect(m_window, &QProgressDialog::rejected, this, stop);
     m_window->show();
 }
 
