@@ -773,7 +773,12 @@ void SignDialog::processButtonOperation(bool running)
         button->setEnabled(!running);
     m_ui->m_comboBoxBuildTargets->setEnabled(!running);
     m_ui->rpmPathChooser->setEnabled(!running || typing);
-    m_busyIndicator->setVisible(running);
+    updateBusyIndicator();
+}
+
+void SignDialog::updateBusyIndicator()
+{
+    m_busyIndicator->setVisible(m_runs > 0 || !m_scheduled.isEmpty());
 }
 
 /// Has \a action called from the event loop, once however often it is asked for, as soon as no tool
@@ -783,6 +788,7 @@ void SignDialog::schedule(Action action)
 {
     if (!m_scheduled.contains(action))
         m_scheduled << action;
+    updateBusyIndicator();
     QMetaObject::invokeMethod(this, &SignDialog::doScheduled, Qt::QueuedConnection);
 }
 
@@ -791,6 +797,8 @@ void SignDialog::doScheduled()
     const QPointer<SignDialog> self(this);
     while (self && m_runs == 0 && !m_scheduled.isEmpty())
         (this->*m_scheduled.takeFirst())();
+    if (self)
+        updateBusyIndicator();
 }
 
 // "Subject: CN=Regular\nGroup: developer\nSubgroup: regular\n" gives

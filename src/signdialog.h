@@ -85,6 +85,7 @@ private:
     void invalidate();
 
     void processButtonOperation(bool running);
+    void updateBusyIndicator();
     void schedule(Action action);
     void doScheduled();
 

@@ -911,7 +911,7 @@ void SignDialogTest::locksItselfDuringARun()
     // The keyboard stays where the user left it.
     targets()->setFocus();
     bool locked = false;
-    when([this] { return isBusy(); }, [&] { locked = enabled().isEmpty(); });
+    when([this] { return !targets()->isEnabled(); }, [&] { locked = enabled().isEmpty(); });
     QTest::keyClick(targets(), Qt::Key_Down);
     waitUntilIdle();
     QVERIFY(locked);
