@@ -53,8 +53,8 @@ struct PackageDump
 /// which may be in the name of a folder.
 QList<PackageDump> splitDumpByPackage(const QString &text);
 
-/// The same with only the paths of \a packages, which the dump was asked for: a cut at anything else
-/// belongs to the package it lies in.
+/// The same with only the paths of \a packages, which the dump was asked for: a cut at anything
+/// else belongs to the package it lies in.
 QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages);
 
 /// Whose signatures a dump shows.
