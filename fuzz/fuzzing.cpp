@@ -1,6 +1,9 @@
 #include "fuzzing.h"
 
 #include <QApplication>
+#include <QFontMetrics>
+
+#include <cstdlib>
 
 static QtMessageHandler defaultHandler = nullptr;
 
@@ -17,6 +20,9 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
     qputenv("QT_QPA_PLATFORM", "minimal");
     qputenv("QTC_FATAL_ASSERTS", "1");
     defaultHandler = qInstallMessageHandler(dropDebugMessages);
-    static const QApplication application(*argc, *argv);
+    new QApplication(*argc, *argv);
+    // What Qt makes for fonts at first use is emptied by the application, and must outlive it.
+    (void)QFontMetrics(QFont()).height();
+    std::atexit([] { delete qApp; });
     return 0;
 }
