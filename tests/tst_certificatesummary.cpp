@@ -5,6 +5,8 @@
 #include "temporarysdk.h"
 #include "testrow.h"
 
+#include <QTimeZone>
+
 using namespace Sealkit::Internal;
 
 class CertificateSummaryTest : public QObject
@@ -46,7 +48,7 @@ void CertificateSummaryTest::tellsWhoseAndUntilWhen()
     QFETCH(QString, day);
     QFETCH(QString, text);
     QFETCH(bool, isWarning);
-    const QDateTime noon(QDate::fromString(day, Qt::ISODate), QTime(12, 0), Qt::UTC);
+    const QDateTime noon(QDate::fromString(day, Qt::ISODate), QTime(12, 0), QTimeZone::utc());
     const CertificateSummary summary =
         summarizeCertificate(m_sdk.workspace() + "/keys/" + file, noon);
     QCOMPARE(summary.text, text);

@@ -63,7 +63,7 @@ int main(int argc, char *argv[])
     if (const auto *exit = std::get_if<EarlyExit>(&parsed))
         return endEarly(*exit);
 
-    const auto &commandLine = std::get<CommandLine>(parsed);
+    const CommandLine &commandLine = *std::get_if<CommandLine>(&parsed);
     if (commandLine.deploy || !commandLine.picturesFolder.isEmpty())
         // Neither needs a display, and pictures shall not depend on one.
         qputenv("QT_QPA_PLATFORM", "offscreen");

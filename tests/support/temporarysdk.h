@@ -22,6 +22,7 @@ public:
     {
         return m_folder.filePath("engine/targets/" + target + "/bin/" + name);
     }
+
 private:
     QTemporaryDir m_folder;
 };
