@@ -20,11 +20,11 @@ move this one: $1"
 # Runs a command whose output matters only when it fails, and tells every ten seconds how far it is.
 watched() ( # COMMAND...
     log=$(mktemp)
+    SECONDS=0
     while sleep 10 </dev/null >/dev/null 2>&1; do
         printf '   %3d s  %s\n' $SECONDS "$(tail -n 1 "$log" | cut -c 1-80)"
     done &
     trap 'kill $!; rm -f "$log"' EXIT
-    SECONDS=0
     "$@" >"$log" 2>&1 || {
         cat "$log" >&2
         fail "failed: $*"
