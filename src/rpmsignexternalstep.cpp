@@ -16,6 +16,7 @@
 #include <veyraos/kilnsdkkitaspect.h>
 
 #include <QFileInfo>
+#include <QSet>
 #include <QSettings>
 
 #include <algorithm>
@@ -130,10 +131,11 @@ bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &d
 
 static bool namesAll(const QStringList &packages, const QList<PackageDump> &dumps)
 {
-    return std::all_of(packages.begin(), packages.end(), [&dumps](const QString &package) {
-        return std::any_of(dumps.begin(), dumps.end(), [&package](const PackageDump &dump) {
-            return QFileInfo(dump.packagePath).fileName() == QFileInfo(package).fileName();
-        });
+    QSet<QString> named;
+    for (const PackageDump &dump : dumps)
+        named.insert(QFileInfo(dump.packagePath).fileName());
+    return std::all_of(packages.begin(), packages.end(), [&named](const QString &package) {
+        return named.contains(QFileInfo(package).fileName());
     });
 }
 
