@@ -609,7 +609,7 @@ void WorkbenchTest::optionsHoldLanguageAndSdk()
     OptionsDialog dialog;
     auto *languages = dialog.findChild<QComboBox *>("languages");
     auto *sdk = dialog.findChild<Utils::PathChooser *>("sdk");
-    QCOMPARE(languages->currentText(), "That of the system");
+    QCOMPARE(languages->currentText(), "System language");
     QCOMPARE(sdk->filePath().toFSPathString(), ground.path());
     QTest::keyClicks(languages, "Deu");
     sdk->lineEdit()->setText("/other");

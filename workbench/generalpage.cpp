@@ -33,7 +33,7 @@ static QComboBox *makeLanguageBox()
 {
     auto *box = new QComboBox;
     box->setObjectName("languages");
-    box->addItem(GeneralPage::tr("That of the system"), QString());
+    box->addItem(GeneralPage::tr("System language"), QString());
     for (const QString &language : Session::languages())
         box->addItem(QLocale(language).nativeLanguageName(), language);
     box->setCurrentIndex(qMax(0, box->findData(Session::chosenLanguage())));
@@ -51,7 +51,7 @@ QWidget *GeneralPage::widget()
     m_sdk->setExpectedKind(Utils::PathChooser::ExistingDirectory);
     m_sdk->setPromptDialogTitle(tr("Choose SDK"));
     m_sdk->setFilePath(FilePath::fromString(m_session->sdk()));
-    auto *note = new QLabel(tr("Both are used from the next start on."));
+    auto *note = new QLabel(tr("Language and SDK change when the workbench is started again."));
 
     auto *layout = new QFormLayout(m_widget);
     layout->addRow(tr("&Language:"), m_languages);
