@@ -96,6 +96,11 @@ void PathChooser::setPromptDialogTitle(const QString &title)
     d->title = title;
 }
 
+QString PathChooser::promptDialogTitle() const
+{
+    return d->title;
+}
+
 void PathChooser::setPromptDialogFilter(const QString &filter)
 {
     d->filter = filter;

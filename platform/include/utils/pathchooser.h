@@ -24,6 +24,7 @@ public:
 
     void setExpectedKind(Kind kind);
     void setPromptDialogTitle(const QString &title);
+    QString promptDialogTitle() const;
     void setPromptDialogFilter(const QString &filter);
     QString promptDialogFilter() const;
     /// Where browsing starts when the line edit names no folder.
