@@ -1,5 +1,5 @@
+#include "dialogdriver.h"
 #include "files.h"
-#include "heldprogram.h"
 #include "messages.h"
 #include "ownprogram.h"
 #include "passworddialog.h"
@@ -9,6 +9,7 @@
 #include "signdialog.h"
 #include "straywarnings.h"
 #include "workplace.h"
+#include "wrappedprogram.h"
 
 #include <brisk/installation.h>
 #include <brisk/sdk.h>
@@ -23,14 +24,10 @@
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
-#include <utils/pathchooser.h>
-#include <utils/utilsicons.h>
 #include <veyraos/kilnsdkkitaspect.h>
 
 #include <QAction>
 #include <QApplication>
-#include <QComboBox>
-#include <QLabel>
 #include <QMainWindow>
 #include <QProcess>
 #include <QPushButton>
@@ -43,13 +40,10 @@ using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
 using Kiln::Internal::KilnSdkKitAspectFactory;
 using Utils::FilePath;
-using Utils::PathChooser;
-
-constexpr int TIMEOUT = 20'000;
 
 /// What a user, or the world, does while a tool runs or asks. Wherever a run is hit, it ends,
 /// leaves no process, tells its outcome once, and calls nothing signed that is not.
-class InterruptionsTest : public QObject
+class InterruptionsTest : public QObject, private DialogDriver
 {
     Q_OBJECT
 
@@ -82,27 +76,16 @@ private:
     void meanwhile(const std::function<void()> &action, bool releaseAfterwards);
 
     BuildStepList *prepareDeploy(const QString &target);
-    void click(const std::function<void()> &action);
+    void clickInIde(const std::function<void()> &action);
     void actOnDeploy(const QString &action, BuildStepList *steps);
-    bool isOver() const { return !m_dialog || m_hasQuit; }
+    bool isOver() const { return !dialog || m_hasQuit; }
     void signInDialog(const QString &package);
     void actOnDialog(const QString &action);
-
-    template<class Widget>
-    Widget *child(const char *name) const
-    {
-        return m_dialog->findChild<Widget *>(QLatin1String(name));
-    }
-    bool saysOk(const char *label) const
-    {
-        return child<QLabel>(label)->pixmap().toImage() == Utils::Icons::OK.pixmap().toImage();
-    }
 
     Workplace m_workplace;
     std::unique_ptr<QMainWindow> m_ide;
     QPushButton *m_button = nullptr;
     std::unique_ptr<SealkitPlugin> m_plugin;
-    QPointer<SignDialog> m_dialog;
     QString m_package;
     std::unique_ptr<HeldProgram> m_held;
     std::unique_ptr<QTimer> m_moment;
@@ -133,7 +116,7 @@ void InterruptionsTest::cleanup()
     m_moment.reset();
     m_workplace.closeProjects();
     m_plugin.reset();
-    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), RUN_TIMEOUT);
     m_user.reset();
     m_held.reset();
     Core::Host::setMainWindow(nullptr);
@@ -171,7 +154,7 @@ void InterruptionsTest::meanwhile(const std::function<void()> &action, bool rele
             release();
             QFAIL("The run does not end");
         });
-        timer->start(TIMEOUT);
+        timer->start(RUN_TIMEOUT);
     });
     timer->start(10);
 }
@@ -228,7 +211,7 @@ BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
 }
 
 /// Clicks into the IDE's window, where the click leads to \a action.
-void InterruptionsTest::click(const std::function<void()> &action)
+void InterruptionsTest::clickInIde(const std::function<void()> &action)
 {
     connect(m_button, &QPushButton::clicked, m_moment.get(), action);
     QTest::mouseClick(m_ide->windowHandle(), Qt::LeftButton, {}, m_button->geometry().center());
@@ -238,7 +221,7 @@ void InterruptionsTest::actOnDeploy(const QString &action, BuildStepList *steps)
 {
     Target *target = steps->target();
     if (action == "close the project") {
-        click([this] { m_workplace.closeProjects(); });
+        clickInIde([this] { m_workplace.closeProjects(); });
     } else if (action == "remove what runs") {
         QVERIFY(!steps->removeStep(1));
         QVERIFY(!target->removeDeployConfiguration(target->activeDeployConfiguration()));
@@ -250,7 +233,7 @@ void InterruptionsTest::actOnDeploy(const QString &action, BuildStepList *steps)
     } else if (action == "close the SDK") {
         Brisk::closeInstallation();
     } else if (action == "cancel") {
-        click([] { BuildManager::cancel(); });
+        clickInIde([] { BuildManager::cancel(); });
     } else if (action == "quit") {
         quit();
     }
@@ -286,7 +269,7 @@ void InterruptionsTest::duringADeploy()
             });
     QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
     QVERIFY(BuildManager::buildList(steps));
-    QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), TIMEOUT);
+    QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), RUN_TIMEOUT);
     if (action == "change the kit")
         KilnSdkKitAspectFactory::setBuildTarget(kit, Brisk::Sdk::buildEngines().first(), target);
 
@@ -294,11 +277,11 @@ void InterruptionsTest::duringADeploy()
     // Held back while a tool runs, a click acts afterwards; below a prompt nobody can click.
     if (action == "close the project")
         QTRY_COMPARE_WITH_TIMEOUT(
-            ProjectManager::projects().isEmpty(), !heldWord.isEmpty(), TIMEOUT);
+            ProjectManager::projects().isEmpty(), !heldWord.isEmpty(), RUN_TIMEOUT);
     QCOMPARE(finished.size(), 1);
     QCOMPARE(finished.first().first().toBool() && !hasErrors, success);
     QVERIFY(!isPrompted());
-    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), RUN_TIMEOUT);
     const bool isSigned = QFile::exists(m_package + ".1.p7s");
     QCOMPARE(output.count("Package sign completed successfully."), int(isSigned));
     QVERIFY(isSigned || !success);
@@ -336,13 +319,13 @@ void InterruptionsTest::duringTheDialog_data()
     }
 }
 
-static QList<SignDialog *> openDialogs()
+static QList<QDialog *> openDialogs()
 {
-    QList<SignDialog *> dialogs;
+    QList<QDialog *> dialogs;
     const QWidgetList widgets = QApplication::topLevelWidgets();
     for (QWidget *widget : widgets) {
-        if (auto *dialog = qobject_cast<SignDialog *>(widget))
-            dialogs << dialog;
+        if (auto *signDialog = qobject_cast<SignDialog *>(widget))
+            dialogs << signDialog;
     }
     return dialogs;
 }
@@ -350,27 +333,15 @@ static QList<SignDialog *> openDialogs()
 /// Signs a package as a user does, as far as the dialog lets it come.
 void InterruptionsTest::signInDialog(const QString &package)
 {
-    const auto waitFor = [this](const auto &isReady) {
-        [&] { QTRY_VERIFY_WITH_TIMEOUT(isOver() || isReady(), TIMEOUT); }();
-        return !isOver();
-    };
-    const auto isIdle = [this] { return child<QWidget>("busyIndicator")->isHidden(); };
-    const auto enter = [this](const char *chooser, const QString &path) {
-        child<PathChooser>(chooser)->lineEdit()->setText(path);
-    };
-
     menuAction()->trigger();
-    m_dialog = openDialogs().constFirst();
-    if (!waitFor(
-            [&] { return child<QComboBox>("m_comboBoxBuildTargets")->count() > 0 && isIdle(); }))
+    open(openDialogs().constFirst());
+    if (isOver())
         return;
     enter("developerKeyPathChooser", key("encrypted_key.pem"));
     enter("developerCertificatePathChooser", key("encrypted_cert.pem"));
     enter("rpmPathChooser", package);
-    if (!waitFor([&] { return !child<QLabel>("verifyLabel")->text().isEmpty() && isIdle(); }))
-        return;
-    child<QPushButton>("addSignaturePushButton")->click();
-    waitFor(isIdle);
+    if (!isOver())
+        click("addSignaturePushButton");
 }
 
 void InterruptionsTest::actOnDialog(const QString &action)
@@ -379,9 +350,9 @@ void InterruptionsTest::actOnDialog(const QString &action)
         m_plugin.reset();
     } else if (action == "choose the menu entry") {
         menuAction()->trigger();
-        QCOMPARE(openDialogs(), QList<SignDialog *>{m_dialog});
+        QCOMPARE(openDialogs(), QList<QDialog *>{dialog});
     } else if (action == "close the window") {
-        m_dialog->close();
+        dialog->close();
     } else if (action == "deploy") {
         m_user = std::make_unique<PromptAnswers>(QStringList{"demo", "demo"});
         QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
@@ -411,15 +382,15 @@ void InterruptionsTest::duringTheDialog()
     signInDialog(package);
 
     QVERIFY(m_acted);
-    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), TIMEOUT);
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_workplace.sdk().path()), QStringList(), RUN_TIMEOUT);
     QVERIFY(!isPrompted());
     const bool isSigned = QFile::exists(package + ".1.p7s");
     QCOMPARE(isSigned, !isOver());
     QVERIFY(messages.take().filter("rpmsign-external sign -k").size() <= 1);
-    if (!m_dialog)
+    if (!dialog)
         return;
-    QCOMPARE(saysOk("signStateLabel"), isSigned);
-    QCOMPARE(saysOk("verifyIconLabel"), isSigned);
+    QCOMPARE(icon("signStateLabel") == "OK", isSigned);
+    QCOMPARE(icon("verifyIconLabel") == "OK", isSigned);
 }
 
 QTEST_MAIN(InterruptionsTest)

@@ -1,10 +1,10 @@
 #include "files.h"
-#include "heldprogram.h"
 #include "processes.h"
 #include "promptanswers.h"
 #include "rpmsignexternalstep.h"
 #include "straywarnings.h"
 #include "workplace.h"
+#include "wrappedprogram.h"
 
 #include <host/application.h>
 #include <projectexplorer/buildsteplist.h>

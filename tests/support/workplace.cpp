@@ -111,7 +111,7 @@ QStringList stepIds(const BuildStepList *stepList)
     return ids;
 }
 
-QStringList runStep(BuildStep *step)
+QStringList runStep(BuildStep *step, Tasking::DoneWith *result)
 {
     QStringList output;
     const auto connection = QObject::connect(
@@ -123,8 +123,11 @@ QStringList runStep(BuildStep *step)
         });
     QEventLoop loop;
     Tasking::TaskTree tree({BuildManager::recipeOf(step)});
-    QObject::connect(
-        &tree, &Tasking::TaskTree::done, &loop, &QEventLoop::quit, Qt::QueuedConnection);
+    QObject::connect(&tree, &Tasking::TaskTree::done, &loop, [&](Tasking::DoneWith doneWith) {
+        if (result)
+            *result = doneWith;
+        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+    });
     tree.start();
     if (tree.isRunning())
         loop.exec();

@@ -3,6 +3,7 @@
 #include "settingsscope.h"
 #include "temporarysdk.h"
 
+#include <solutions/tasking/tasktree.h>
 #include <utils/filepath.h>
 
 #include <QStringList>
@@ -53,4 +54,4 @@ ProjectExplorer::BuildStepList *deploySteps(const ProjectExplorer::Project *proj
 QStringList stepIds(const ProjectExplorer::BuildStepList *stepList);
 
 /// Runs one step alone to its end; returns what it wrote, each text behind its format's name.
-QStringList runStep(ProjectExplorer::BuildStep *step);
+QStringList runStep(ProjectExplorer::BuildStep *step, Tasking::DoneWith *result = nullptr);
