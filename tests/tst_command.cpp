@@ -38,8 +38,7 @@ private slots:
 
     void reportsHowARunEnds_data();
     void reportsHowARunEnds();
-    void reportsAProgramThatCannotStart_data();
-    void reportsAProgramThatCannotStart();
+    void succeedsOnlyWithoutACrash();
     void keepsBothStreamsWhole();
     void deliversLastWordsOfAProgramThatEndsWhileAnswered();
     void readsNothingWithoutAHandler();
@@ -47,8 +46,9 @@ private slots:
     void readsOnAfterAHandlerThatWaited();
     void runsWithinARun();
 
+    void cutsOutputIntoLines_data();
+    void cutsOutputIntoLines();
     void answersPrompts();
-    void stopsAtADeclinedPrompt_data();
     void stopsAtADeclinedPrompt();
     void survivesItsToolBeingDeletedWhileAsking();
     void survivesItsToolBeingDeletedByAReader();
@@ -65,94 +65,68 @@ void CommandTest::composes_data()
     QTest::addColumn<QStringList>("commandLine");
     QTest::addColumn<QString>("words");
 
-    const QString target = QStringLiteral("T 1");
+    const QString target = "T 1";
     const QString none;
-    const QStringList files{QStringLiteral("a.rpm"), QStringLiteral("b c.rpm")};
-    SignData data;
-    SignData dataWithClient;
-    dataWithClient.binariesKey = QStringLiteral("b.pem");
-    dataWithClient.key = QStringLiteral("k.pem");
-    dataWithClient.certificate = QStringLiteral("c.pem");
-    dataWithClient.clientCertificate = QStringLiteral("cc.pem");
-    dataWithClient.clientKey = QStringLiteral("unused");
-    dataWithClient.rootCertificate = QStringLiteral("unused");
-
-    const auto key = QStringLiteral("k.pem");
-    const auto certificate = QStringLiteral("c.pem");
-    const auto root = QStringLiteral("r.pem");
-    const auto request = QStringLiteral("q.csr");
-    const auto config = QStringLiteral("q.conf");
-
-    QTest::newRow("start") << Command::compose<Command::brisk::engine::start>()
-                           << "/b/brisk|engine|start";
-
-    const auto row = [](const char *name, const QStringList &commandLine, const QString &words) {
-        QTest::newRow(name) << commandLine
-                            << QStringLiteral("/b/brisk|engine|exec|-tt|sb2|-t|T 1|") + words;
+    const QStringList files{"a.rpm", "b c.rpm"};
+    const QString key = "k.pem";
+    const QString cert = "c.pem";
+    const QString root = "r.pem";
+    const QString request = "q.csr";
+    const QString config = "q.conf";
+    const SignData all{.binariesKey = "b.pem",
+                       .clientKey = "unused",
+                       .clientCertificate = "cc.pem",
+                       .certificate = cert,
+                       .key = key,
+                       .rootCertificate = "unused"};
+    const auto row = [](const char *words, const QStringList &commandLine) {
+        addRow(words, commandLine, "/b/brisk|engine|exec|-tt|sb2|-t|T 1|" + QString(words));
     };
+    addRow("start",
+           Command::compose<Command::brisk::engine::start>(),
+           QString("/b/brisk|engine|start"));
+
     using Nxvcert = Target::nxvcert_cli;
-    row("nxvcert remove",
-        Command::compose<Nxvcert::remove>(target, files),
-        "nxvcert-cli|delete|a.rpm|b c.rpm");
-    row("nxvcert dump",
-        Command::compose<Nxvcert::dump>(target, files),
-        "nxvcert-cli|dump|a.rpm|b c.rpm");
-    row("nxvcert help", Command::compose<Nxvcert::help>(target), "nxvcert-cli|--help");
-    row("nxvcert verify",
-        Command::compose<Nxvcert::verify>(target, root, files),
-        "nxvcert-cli|verify|--root-cert-file-path|r.pem|a.rpm|b c.rpm");
-    row("nxvcert verify, default root",
-        Command::compose<Nxvcert::verify>(target, none, files),
-        "nxvcert-cli|verify|--root-cert-file-path||a.rpm|b c.rpm");
+    row("nxvcert-cli|delete|a.rpm|b c.rpm", Command::compose<Nxvcert::remove>(target, files));
+    row("nxvcert-cli|dump|a.rpm|b c.rpm", Command::compose<Nxvcert::dump>(target, files));
+    row("nxvcert-cli|--help", Command::compose<Nxvcert::help>(target));
+    row("nxvcert-cli|verify|--root-cert-file-path|r.pem|a.rpm|b c.rpm",
+        Command::compose<Nxvcert::verify>(target, root, files));
+    row("nxvcert-cli|verify|--root-cert-file-path||a.rpm|b c.rpm",
+        Command::compose<Nxvcert::verify>(target, none, files));
 
     using Openssl = Target::openssl;
-    row("openssl version", Command::compose<Openssl::version>(target), "openssl version");
-    row("GOST key",
-        Command::compose<Openssl::generateKeyGost>(target, key, false),
-        "openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem");
-    row("GOST key, encrypted",
-        Command::compose<Openssl::generateKeyGost>(target, key, true),
-        "openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem|"
-        "-aes256");
-    row("RSA key",
-        Command::compose<Openssl::generateKeyRSA>(target, key, false),
-        "openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem");
-    row("RSA key, encrypted",
-        Command::compose<Openssl::generateKeyRSA>(target, key, true),
-        "openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem|-aes256");
-    row("request",
-        Command::compose<Openssl::generateRequest>(target, key, request, config),
-        "openssl|req|-new|-utf8|-batch|-config|q.conf|-key|k.pem|-out|q.csr");
+    row("openssl version", Command::compose<Openssl::version>(target));
+    row("openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem",
+        Command::compose<Openssl::generateKeyGost>(target, key, false));
+    row("openssl|genpkey|-engine|gost|-algorithm|gost2012_256|-pkeyopt|paramset:A|-out|k.pem|-"
+        "aes256",
+        Command::compose<Openssl::generateKeyGost>(target, key, true));
+    row("openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem",
+        Command::compose<Openssl::generateKeyRSA>(target, key, false));
+    row("openssl|genpkey|--algorithm|rsa|-pkeyopt|rsa_keygen_bits:2048|-out|k.pem|-aes256",
+        Command::compose<Openssl::generateKeyRSA>(target, key, true));
+    row("openssl|req|-new|-utf8|-batch|-config|q.conf|-key|k.pem|-out|q.csr",
+        Command::compose<Openssl::generateRequest>(target, key, request, config));
 
     using Rpmsign = Target::rpmsign_external;
-    row("rpmsign remove",
-        Command::compose<Rpmsign::remove>(target, files),
-        "rpmsign-external|delete|a.rpm|b c.rpm");
-    row("rpmsign dump",
-        Command::compose<Rpmsign::dump>(target, QStringList()),
-        "rpmsign-external|dump");
-    row("rpmsign version",
-        Command::compose<Rpmsign::version>(target),
-        "rpmsign-external|--version");
-    row("rpmsign sign",
-        Command::compose<Rpmsign::sign>(target, key, certificate, files),
-        "rpmsign-external|sign|-k|k.pem|-c|c.pem|a.rpm|b c.rpm");
-    row("rpmsign verify",
-        Command::compose<Rpmsign::verify>(target, root, files),
-        "rpmsign-external|verify|--root-cert|r.pem|a.rpm|b c.rpm");
-    row("rpmsign verify, default root",
-        Command::compose<Rpmsign::verify>(target, none, files),
-        "rpmsign-external|verify|a.rpm|b c.rpm");
+    row("rpmsign-external|delete|a.rpm|b c.rpm", Command::compose<Rpmsign::remove>(target, files));
+    row("rpmsign-external|dump", Command::compose<Rpmsign::dump>(target, QStringList()));
+    row("rpmsign-external|--version", Command::compose<Rpmsign::version>(target));
+    row("rpmsign-external|sign|-k|k.pem|-c|c.pem|a.rpm|b c.rpm",
+        Command::compose<Rpmsign::sign>(target, key, cert, files));
+    row("rpmsign-external|verify|--root-cert|r.pem|a.rpm|b c.rpm",
+        Command::compose<Rpmsign::verify>(target, root, files));
+    row("rpmsign-external|verify|a.rpm|b c.rpm",
+        Command::compose<Rpmsign::verify>(target, none, files));
 
     using Customer = Target::customer_sign;
-    row("customer help", Command::compose<Customer::help>(target), "customer-sign|--help");
-    row("customer sign",
-        Command::compose<Customer::sign>(target, dataWithClient, files),
-        "customer-sign|--binaries-key|b.pem|--packages-key|k.pem|--packages-cert|c.pem|"
-        "--packages-client-cert|cc.pem|a.rpm|b c.rpm");
-    row("customer sign, nothing given",
-        Command::compose<Customer::sign>(target, data, files),
-        "customer-sign|--binaries-key||--packages-key||--packages-cert||a.rpm|b c.rpm");
+    row("customer-sign|--help", Command::compose<Customer::help>(target));
+    row("customer-sign|--binaries-key|b.pem|--packages-key|k.pem|--packages-cert|c.pem|"
+        "--packages-client-cert|cc.pem|a.rpm|b c.rpm",
+        Command::compose<Customer::sign>(target, all, files));
+    row("customer-sign|--binaries-key||--packages-key||--packages-cert||a.rpm|b c.rpm",
+        Command::compose<Customer::sign>(target, SignData(), files));
 }
 
 void CommandTest::composes()
@@ -164,54 +138,40 @@ void CommandTest::composes()
 
 void CommandTest::reportsHowARunEnds_data()
 {
-    QTest::addColumn<QString>("action");
+    QTest::addColumn<QStringList>("commandLine");
+    QTest::addColumn<bool>("started");
     QTest::addColumn<bool>("crashed");
     QTest::addColumn<int>("exitCode");
 
-    QTest::newRow("success") << "exit:0" << false << 0;
-    QTest::newRow("failure") << "exit:3" << false << 3;
-    QTest::newRow("ended by a signal") << "signal:9" << true << 9;
+    addRow("success", QStringList{FAKE_TOOL, "exit:0"}, true, false, 0);
+    addRow("failure", QStringList{FAKE_TOOL, "exit:3"}, true, false, 3);
+    addRow("ended by a signal", QStringList{FAKE_TOOL, "signal:9"}, true, true, 9);
+    addRow("no such program", QStringList{"/no/such tool", "x"}, false, false, 255);
+    addRow("no program at all", QStringList(), false, false, 0); // so QProcess has it
 }
 
 void CommandTest::reportsHowARunEnds()
 {
-    QFETCH(const QString, action);
-    QFETCH(const bool, crashed);
-    QFETCH(const int, exitCode);
-
-    Messages messages;
-    const Result result = runFakeTool({action});
-    QCOMPARE(result.crashed, crashed);
-    QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(messages.take(),
-             QStringList{QStringLiteral("[$] %1\t%2 %3").arg(exitCode).arg(FAKE_TOOL, action)});
-}
-
-void CommandTest::reportsAProgramThatCannotStart_data()
-{
-    QTest::addColumn<QStringList>("commandLine");
-
-    addRow("no such program", QStringList{"/no/such tool", "x"});
-    addRow("no program at all", QStringList()); // QProcess says that it ended with 0
-}
-
-void CommandTest::reportsAProgramThatCannotStart()
-{
     QFETCH(const QStringList, commandLine);
+    QFETCH(const bool, started);
+    QFETCH(const int, exitCode);
     Messages messages;
-    bool called = false;
-    const auto handler = [&called](const QByteArray &, const QByteArray &, QByteArray &) {
-        return called = true;
-    };
-    const Result result = Command::exec(handler, commandLine);
-    QVERIFY(!result.succeeded());
-    QVERIFY(!called);
-    const QStringList lines = messages.take();
-    QCOMPARE(lines.size(), 2);
-    QVERIFY(
-        lines.first().startsWith("![E]\tError: cannot start \"" + commandLine.value(0) + "\": "));
-    QCOMPARE(lines.last(),
-             QStringLiteral("[$] %1\t%2").arg(result.exitCode).arg(commandLine.join(' ')));
+    const Result result = ReadingTool().run(commandLine);
+    QCOMPARE(result.started, started);
+    QTEST(result.crashed, "crashed");
+    QCOMPARE(result.exitCode, exitCode);
+    QCOMPARE(result.succeeded(), started && exitCode == 0);
+    QStringList lines = messages.take();
+    QCOMPARE(lines.takeLast(),
+             QStringLiteral("[$] %1\t%2").arg(exitCode).arg(commandLine.join(' ')));
+    const QString reason = "![E]\tError: cannot start \"" + commandLine.value(0) + "\": ";
+    QVERIFY(started ? lines.isEmpty() : lines.size() == 1 && lines.first().startsWith(reason));
+}
+
+void CommandTest::succeedsOnlyWithoutACrash()
+{
+    QVERIFY(Result().succeeded());
+    QVERIFY(!(Result{.crashed = true, .stdErr = {}, .stdOut = {}}).succeeded());
 }
 
 void CommandTest::keepsBothStreamsWhole()
@@ -295,43 +255,83 @@ void CommandTest::runsWithinARun()
     QCOMPARE(outer, (Result{false, 6, {}, "outer!"}));
 }
 
+void CommandTest::cutsOutputIntoLines_data()
+{
+    QTest::addColumn<QByteArrayList>("chunks");
+    QTest::addColumn<QStringList>("lines"); // prompts behind "?"
+
+    using Chunks = QByteArrayList;
+    addRow("all line ends", Chunks{"a\nb\rc\r\nd"}, QStringList{"a", "b", "c", "d"});
+    addRow("empty lines", Chunks{"\n\r\n\na\n\n"}, QStringList{"a"});
+    addRow("nothing", Chunks{""}, QStringList());
+    addRow("each chunk by itself", Chunks{"a", "b\n", "\nc"}, QStringList{"a", "b", "c"});
+    addRow("other scripts", Chunks{"Я字🔏\n"}, QStringList{"Я字🔏"});
+    addRow("no UTF-8", Chunks{"\xff\n"}, QStringList{"\ufffd"});
+    addRow("markup", Chunks{"<b>%1</b> \\n"}, QStringList{"<b>%1</b> \\n"});
+    for (const QByteArray prompt : {"Enter passphrase for binaries key k.pem: ",
+                                    "Enter PEM pass phrase:",
+                                    "Verifying - Enter PEM pass phrase:",
+                                    "Enter pass phrase for /w/ключ.pem:"}) {
+        const QString line = QString::fromUtf8(prompt);
+        addRow(prompt, Chunks{"a\n" + prompt, "\nb"}, QStringList{"a", '?' + line, "b"});
+    }
+    addRow("twice in a chunk",
+           Chunks{"Enter PEM pass phrase:\nEnter PEM pass phrase:"},
+           QStringList{"?Enter PEM pass phrase:", "?Enter PEM pass phrase:"});
+    for (const QByteArray line : {" Enter pass phrase:",
+                                  "enter PEM pass phrase:",
+                                  "a.rpm: Enter PEM pass phrase:",
+                                  "Verifying - Enter pass phrase:",
+                                  "Enter passphrase:",
+                                  "Enter Export Password:"})
+        addRow(line, Chunks{line + '\n'}, QStringList{line});
+}
+
+void CommandTest::cutsOutputIntoLines()
+{
+    QFETCH(const QByteArrayList, chunks);
+    QFETCH(const QStringList, lines);
+    for (const bool isError : {false, true}) {
+        QStringList said;
+        ReadingTool tool;
+        const auto note = [&said](const QString &line) { said << line; };
+        connect(&tool, isError ? &SignTool::addError : &SignTool::addOutput, this, note);
+        const PromptAnswers user({"demo", "demo"}, std::chrono::milliseconds(0));
+        QByteArray input;
+        for (const QByteArray &chunk : chunks) {
+            const qsizetype prompts = user.prompts().size();
+            QVERIFY(tool.handleIO(isError ? "" : chunk, isError ? chunk : "", input));
+            for (const QString &prompt : user.prompts().mid(prompts))
+                said << '?' + prompt;
+        }
+        QCOMPARE(said.join('|'), lines.join('|'));
+        QCOMPARE(input, QByteArray("demo\n").repeated(user.prompts().size()));
+    }
+}
+
 void CommandTest::answersPrompts()
 {
-    const QString first = QStringLiteral(" p\"a's $&\\% Я ");
-    PromptAnswers user({first, QStringLiteral("second")});
+    const QString first = " p\"a's $&\\% Я ";
+    const PromptAnswers user({first, "second"});
     Messages messages;
     const Result result = runFakeTool({"out:hello\\n",
                                        "prompt:Enter PEM pass phrase",
                                        "prompt:Verifying - Enter PEM pass phrase"});
     QVERIFY(result.succeeded());
-    QCOMPARE(user.prompts(),
-             (QStringList{"Enter PEM pass phrase: ", "Verifying - Enter PEM pass phrase: "}));
-
     QStringList lines = messages.take();
     QVERIFY(lines.takeLast().startsWith("[$] 0\t"));
     QCOMPARE(lines, (QStringList{"[I]\thello", "[I]\tgot [" + first + "]", "[I]\tgot [second]"}));
 }
 
-void CommandTest::stopsAtADeclinedPrompt_data()
-{
-    QTest::addColumn<QStringList>("answers");
-    QTest::addColumn<int>("prompts");
-
-    QTest::newRow("first") << QStringList() << 1;
-    QTest::newRow("second") << QStringList{"x"} << 2;
-}
-
 void CommandTest::stopsAtADeclinedPrompt()
 {
-    QFETCH(const QStringList, answers);
-
-    PromptAnswers user(answers);
+    const PromptAnswers user({"x"});
     const Result result = runFakeTool({"ignore-term",
                                        "prompt:Enter pass phrase for a",
                                        "prompt:Enter pass phrase for b",
-                                       "hang"});
-    QVERIFY(result.crashed);
-    QTEST(int(user.prompts().size()), "prompts");
+                                       "exit:0"});
+    QVERIFY(result.crashed && result.cancelled);
+    QCOMPARE(user.prompts().size(), 2);
 }
 
 void CommandTest::survivesItsToolBeingDeletedWhileAsking()
