@@ -9,7 +9,7 @@ RecordingBrisk::RecordingBrisk()
 {
     const QString script = m_folder.filePath("brisk");
     writeScript(script,
-                "cd \"${0%/*}\" || exit\n"
+                "folder=$(pwd)\ncd \"${0%/*}\" || exit\necho \"$folder\" > folder\n"
                 "[ \"$2\" = start ] || shift 6\n"
                 "{ printf '%s|' \"$@\"; echo; } >> calls\n"
                 "[ ! -e left ] || cp left \"$(cat left-at)\"\n"
@@ -39,4 +39,9 @@ QStringList RecordingBrisk::takeCalls() const
     const QString calls = QString::fromUtf8(file.readAll());
     file.remove();
     return calls.split("|\n", Qt::SkipEmptyParts);
+}
+
+QString RecordingBrisk::folderOfLastCall() const
+{
+    return QString::fromUtf8(readFile(m_folder.filePath("folder")).trimmed());
 }

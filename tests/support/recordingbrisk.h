@@ -17,6 +17,8 @@ public:
     void leaveBehind(const QString &path, const QByteArray &content) const;
     /// The calls since the last time, each with "|" between its words.
     QStringList takeCalls() const;
+    /// Where the last call ran.
+    QString folderOfLastCall() const;
 
 private:
     QTemporaryDir m_folder;
