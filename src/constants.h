@@ -8,25 +8,24 @@
 namespace Sealkit::Constants {
 
 // Tools of the build targets
-const QString RPMSIGN_EXTERNAL_TOOL = QStringLiteral("rpmsign-external");
-const QString CUSTOMER_SIGN_TOOL = QStringLiteral("customer-sign");
+const char RPMSIGN_EXTERNAL_TOOL[] = "rpmsign-external";
+const char CUSTOMER_SIGN_TOOL[] = "customer-sign";
 
-// Command templates
-const QString RPMSIGN_EXTERNAL_COMMAND =
-    RPMSIGN_EXTERNAL_TOOL + QStringLiteral(" sign -k %1 -c %2 ");
-const QString SIGN_COMMAND = CUSTOMER_SIGN_TOOL + QStringLiteral(" -b \"%1\" -p \"%2\" -c \"%3\" ");
-const QString SIGN_COMMAND_CLIENT_CERT = QStringLiteral("-cl \"%1\" ");
-const QString KB2_BUILD_SHELL = QStringLiteral("kb2 -t %1 build-shell ");
+// Command templates; this plugin composes its commands without them
+const char RPMSIGN_EXTERNAL_COMMAND[] = "rpmsign-external sign -k %1 -c %2 ";
+const char SIGN_COMMAND[] = "customer-sign -b \"%1\" -p \"%2\" -c \"%3\" ";
+const char SIGN_COMMAND_CLIENT_CERT[] = "-cl \"%1\" ";
+const char KB2_BUILD_SHELL[] = "kb2 -t %1 build-shell ";
 
 // Steps
 const char RPMSIGN_EXTERNAL_STEP_ID[] = "Sealkit.RpmSignExternalStep";
 const char CUSTOMER_SIGN_STEP_ID[] = "Sealkit.RpmSignStep";
 
 // Default keys of the customer-sign step, below the shared home
-const QString DEFAULT_BINARIES_KEY = QStringLiteral("/.kilnsdk/binaries-key.pem");
-const QString DEFAULT_PACKAGES_KEY = QStringLiteral("/.kilnsdk/packages-key.pem");
-const QString DEFAULT_PACKAGES_CERT = QStringLiteral("/.kilnsdk/packages-cert.pem");
-const QString DEFAULT_PACKAGES_CLIENT_CERT = QStringLiteral("/.kilnsdk/packages-client-cert.pem");
+const char DEFAULT_BINARIES_KEY[] = "/.kilnsdk/binaries-key.pem";
+const char DEFAULT_PACKAGES_KEY[] = "/.kilnsdk/packages-key.pem";
+const char DEFAULT_PACKAGES_CERT[] = "/.kilnsdk/packages-cert.pem";
+const char DEFAULT_PACKAGES_CLIENT_CERT[] = "/.kilnsdk/packages-client-cert.pem";
 
 // The customer-sign step's map
 const char BINARIES_KEY_ID[] = "Sealkit.BinariesKey";
@@ -35,7 +34,7 @@ const char PACKAGES_CERT_ID[] = "Sealkit.PackagesCert";
 const char PACKAGES_CLIENT_CERT_ID[] = "Sealkit.PackagesClientCert";
 const char SIGN_DEBUG_PACKAGE_ID[] = "KilnRpmSign.SignDebugPackage";
 
-const QString EXCLUDE_DEBUG_PACKAGE_PATTERN = QStringLiteral("^((?!debug(info|source)).)*$");
+const char EXCLUDE_DEBUG_PACKAGE_PATTERN[] = "^((?!debug(info|source)).)*$";
 
 // The rpmsign-external step's map
 const char USE_DEFAULT_VALUES_ID[] = "Sealkit.UseDefaultValues";
@@ -44,29 +43,27 @@ const char CERT_ID[] = "Sealkit.Cert";
 
 // Global signing options
 const char SIGN_OPTIONS_PAGE_ID[] = "Z.SignOptions";
-const QString ENABLE_DEFAULT_SIGN_KEY = QStringLiteral("Sealkit.DefaultSign");
-const QString GLOBAL_SIGNKEY_KEY = QStringLiteral("Sealkit.GlobalSignKey");
-const QString GLOBAL_SIGNCERT_KEY = QStringLiteral("Sealkit.GlobalSignCert");
-const QString USE_DEFAULT_SIGNKEY_KEY = QStringLiteral("Sealkit.UseDefaultSignKey");
-const QString USE_DEFAULT_SIGNCERT_KEY = QStringLiteral("Sealkit.UseDefaultSignCert");
+const char ENABLE_DEFAULT_SIGN_KEY[] = "Sealkit.DefaultSign";
+const char GLOBAL_SIGNKEY_KEY[] = "Sealkit.GlobalSignKey";
+const char GLOBAL_SIGNCERT_KEY[] = "Sealkit.GlobalSignCert";
+const char USE_DEFAULT_SIGNKEY_KEY[] = "Sealkit.UseDefaultSignKey";
+const char USE_DEFAULT_SIGNCERT_KEY[] = "Sealkit.UseDefaultSignCert";
 const char DEFAULT_SIGNKEY_HISTORY_KEY[] = "Sealkit.HistoryDefaultSignKey";
 const char DEFAULT_SIGNCERT_HISTORY_KEY[] = "Sealkit.HistoryDefaultSignCert";
 
 // The regular keys, in the installation and in the workspace
 const char PREINSTALL_KEY_NAME[] = "regular_key.pem";
 const char PREINSTALL_CERT_NAME[] = "regular_cert.pem";
-const QString PREINSTALL_KEY_FOLDER = QStringLiteral("package-signing");
-const QString PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE = QStringLiteral(".veyraos-regular-keys");
+const char PREINSTALL_KEY_FOLDER[] = "package-signing";
+const char PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE[] = ".veyraos-regular-keys";
 
 // The sign dialog's history
-const QString SIGN_DATA_HISTORY_TARGET_NAME = QStringLiteral("KilnRpmSign.History.TargetName");
-const QString KEY_GENERATION_HISTORY_ENCRYPT =
-    QStringLiteral("KilnRpmSign.History.GenerationEncrypt");
+const char SIGN_DATA_HISTORY_TARGET_NAME[] = "KilnRpmSign.History.TargetName";
+const char KEY_GENERATION_HISTORY_ENCRYPT[] = "KilnRpmSign.History.GenerationEncrypt";
 // Misspelled from the start; settings are stored under it.
-const QString KEY_GENERATION_HISTORY_ALGORYTHM =
-    QStringLiteral("KilnRpmSign.History.GenerationAlgorythm");
+const char KEY_GENERATION_HISTORY_ALGORYTHM[] = "KilnRpmSign.History.GenerationAlgorythm";
 
-const QString SIGN_DIALOG_HISTORY_GEOMETRY = QStringLiteral("KilnRpmSign.History.Geometry");
+const char SIGN_DIALOG_HISTORY_GEOMETRY[] = "KilnRpmSign.History.Geometry";
 
 // The sign dialog's completers
 const char KEY_GENERATION_COMPLETER_CSR[] = "KilnRpmSign.Data.Completer.GeneratedCsr";
@@ -109,7 +106,7 @@ using Kiln::Constants::KILN_OPTIONS_CATEGORY;
 using Kiln::Constants::KILN_TOOLS_MENU;
 
 // The read-more link of the signature notes, and the dialog's help
-const QString PACKAGE_SIGNING_PAGE = QStringLiteral(
-    "https://developer.veyraos.example/doc/sdk/app_development/packaging/package_signing");
+const char PACKAGE_SIGNING_PAGE[] =
+    "https://developer.veyraos.example/doc/sdk/app_development/packaging/package_signing";
 
 } // namespace Sealkit::Constants

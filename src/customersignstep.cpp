@@ -48,17 +48,17 @@ QString CustomerSignStep::displayName()
 
 static bool isDebugPackage(const QString &path)
 {
-    static const QRegularExpression others(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN);
+    static const QRegularExpression others(QLatin1String(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN));
     return !others.match(QFileInfo(path).fileName()).hasMatch();
 }
 
 /// Empty when there is no such file.
-QString CustomerSignStep::defaultKeyFile(const QString &pathBelowHome) const
+QString CustomerSignStep::defaultKeyFile(const char *pathBelowHome) const
 {
     if (!m_buildEngine)
         return {};
-    const QString path =
-        QDir::toNativeSeparators(m_buildEngine->sharedHomePath().toFSPathString()) + pathBelowHome;
+    const QString path = QDir::toNativeSeparators(m_buildEngine->sharedHomePath().toFSPathString())
+                         + QLatin1String(pathBelowHome);
     return QFileInfo::exists(path) ? path : QString();
 }
 
@@ -132,7 +132,7 @@ QWidget *CustomerSignStep::createConfigWidget()
 {
     auto *widget = new CustomerSignStepWidget(this);
     widget->formatAndSetSummaryText(tr("Sign RPM package"));
-    widget->setCommandText(Constants::CUSTOMER_SIGN_TOOL);
+    widget->setCommandText(QLatin1String(Constants::CUSTOMER_SIGN_TOOL));
     if (m_buildEngine) {
         widget->setSharedHomePath(m_buildEngine->sharedHomePath());
         widget->setSharedSrcPath(m_buildEngine->sharedSrcPath());

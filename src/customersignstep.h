@@ -49,7 +49,7 @@ private:
 
     Tasking::SetupResult doRun();
     bool runSign(const QStringList &packages);
-    QString defaultKeyFile(const QString &pathBelowHome) const;
+    QString defaultKeyFile(const char *pathBelowHome) const;
 
     SignData m_signData;
     CustomerSealkit m_tools;

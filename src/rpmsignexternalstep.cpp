@@ -177,7 +177,8 @@ void RpmsignExternalStep::checkSignGroups(const QString &dump, const QString &pa
                  "development purposes. Read more: %2")
             : tr("Note: Packages %1 is not signed. Deployment to the device is not possible. "
                  "Read more: %2");
-    emit addOutput(note.arg(packageName, Constants::PACKAGE_SIGNING_PAGE), OutputFormat::Stderr);
+    emit addOutput(note.arg(packageName, QLatin1String(Constants::PACKAGE_SIGNING_PAGE)),
+                   OutputFormat::Stderr);
 }
 
 bool RpmsignExternalStep::isLastSigningStep() const

@@ -122,7 +122,7 @@ void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool p
     const QDir workspace(sharedSrcPath.absoluteFilePath().toFSPathString());
     qCDebug(debugLog) << "[SealkitPlugin] Copy keys to:" << workspace.path();
 
-    const QString keysFolder = Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE;
+    const QLatin1String keysFolder(Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE);
     if (!workspace.exists(keysFolder)) {
         // Others may read what it holds, but not put keys into it, whatever the user's mask allows.
         const bool created = workspace.mkdir(keysFolder, KEYS_FOLDER_PERMISSIONS);
@@ -155,9 +155,11 @@ bool SealkitPlugin::copyDefault(const char *fileName, const FilePath &destinatio
 {
     if (destination.exists())
         return true;
-    const FilePath source = FilePath::fromString(QStringList{
-        Brisk::Sdk::installationPath(), Constants::PREINSTALL_KEY_FOLDER, QLatin1String(fileName)}
-                                                     .join(QLatin1Char('/')));
+    const FilePath source =
+        FilePath::fromString(QStringList{Brisk::Sdk::installationPath(),
+                                         QLatin1String(Constants::PREINSTALL_KEY_FOLDER),
+                                         QLatin1String(fileName)}
+                                 .join(QLatin1Char('/')));
 
     Utils::FileUtils::CopyAskingForOverwrite copyHelper;
     QString error;

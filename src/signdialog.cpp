@@ -309,7 +309,7 @@ void SignDialog::connectButtons()
     onClick(m_ui->genReqButton, &SignDialog::generateRequest);
     connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
-        QDesktopServices::openUrl(QUrl(Constants::PACKAGE_SIGNING_PAGE));
+        QDesktopServices::openUrl(QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE)));
     });
     // The one that takes something away.
     m_ui->removeSignaturePushButton->setIcon(style()->standardIcon(QStyle::SP_TrashIcon));

@@ -120,8 +120,8 @@ void SignOptionsWidget::store() const
 void SignOptionsWidget::restore()
 {
     const QSettings settings;
-    const auto storedPath = [&](const QString &key) {
-        return FilePath::fromString(settings.value(key).toString());
+    const auto storedPath = [&](const char *key) {
+        return FilePath::fromString(settings.value(QLatin1String(key)).toString());
     };
     m_ui->enableSignStepCheckBox->setChecked(
         settings.value(Constants::ENABLE_DEFAULT_SIGN_KEY, true).toBool());

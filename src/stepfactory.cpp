@@ -11,10 +11,10 @@ ProjectExplorer::BuildStep *StepFactory::createStep(ProjectExplorer::Kit *kit,
                                                     ProjectExplorer::BuildStepList *stepList)
 {
     const QStringList tools = Kiln::Internal::KilnSdkKitAspectFactory::buildTarget(kit).tools;
-    if (tools.contains(Constants::RPMSIGN_EXTERNAL_TOOL))
+    if (tools.contains(QLatin1String(Constants::RPMSIGN_EXTERNAL_TOOL)))
         return new RpmsignExternalStep(stepList, RpmsignExternalStep::stepId(), true);
     // Stays switched off until the user has chosen the customer's keys.
-    if (tools.contains(Constants::CUSTOMER_SIGN_TOOL))
+    if (tools.contains(QLatin1String(Constants::CUSTOMER_SIGN_TOOL)))
         return new CustomerSignStep(stepList, CustomerSignStep::stepId(), false);
     return nullptr;
 }

@@ -25,10 +25,12 @@ void setValidation(Utils::PathChooser *chooser,
 QString getDefaultKeysDir(const Utils::FilePath &workspace)
 {
     const Utils::FilePath workspaceKeys =
-        workspace / (QLatin1Char('/') + Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE);
+        workspace
+        / (QLatin1Char('/') + QLatin1String(Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE));
     if (workspaceKeys.exists())
         return workspaceKeys.toFSPathString();
-    return Brisk::Sdk::installationPath() + QLatin1Char('/') + Constants::PREINSTALL_KEY_FOLDER;
+    return Brisk::Sdk::installationPath() + QLatin1Char('/')
+           + QLatin1String(Constants::PREINSTALL_KEY_FOLDER);
 }
 
 static Utils::FilePath defaultKeysFile(const Utils::FilePath &workspace, const char *fileName)
