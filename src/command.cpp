@@ -18,10 +18,13 @@
 
 namespace Sealkit::Internal::Command {
 
-using Target = brisk::engine::target;
-using L1 = QLatin1String;
-
 constexpr std::chrono::milliseconds WRITE_TIMEOUT{30'000};
+
+/// The words of a command line that are always the same, written as in a shell.
+static QStringList words(const char *line)
+{
+    return QString::fromLatin1(line).split(QLatin1Char(' '));
+}
 
 template<>
 QStringList compose<brisk>()
@@ -32,45 +35,44 @@ QStringList compose<brisk>()
 template<>
 QStringList compose<brisk::engine>()
 {
-    return compose<brisk>() << L1("engine");
+    return compose<brisk>() << words("engine");
 }
 
 template<>
 QStringList compose<brisk::engine::start>()
 {
-    return compose<brisk::engine>() << L1("start");
+    return compose<brisk::engine>() << words("start");
 }
 
 template<>
 QStringList compose<Target>(const QString &targetName)
 {
-    return compose<brisk::engine>()
-           << L1("exec") << L1("-tt") << L1("sb2") << L1("-t") << targetName;
+    return compose<brisk::engine>() << words("exec -tt sb2 -t") << targetName;
 }
 
 template<>
 QStringList compose<Target::nxvcert_cli>(const QString &targetName)
 {
-    return compose<Target>(targetName) << L1("nxvcert-cli");
+    return compose<Target>(targetName) << words("nxvcert-cli");
 }
 
 template<>
 QStringList compose<Target::nxvcert_cli::remove>(const QString &targetName,
                                                  const QStringList &files)
 {
-    return compose<Target::nxvcert_cli>(targetName) << L1("delete") << files;
+    return compose<Target::nxvcert_cli>(targetName) << words("delete") << files;
 }
 
 template<>
 QStringList compose<Target::nxvcert_cli::dump>(const QString &targetName, const QStringList &files)
 {
-    return compose<Target::nxvcert_cli>(targetName) << L1("dump") << files;
+    return compose<Target::nxvcert_cli>(targetName) << words("dump") << files;
 }
 
 template<>
 QStringList compose<Target::nxvcert_cli::help>(const QString &targetName)
 {
-    return compose<Target::nxvcert_cli>(targetName) << L1("--help");
+    return compose<Target::nxvcert_cli>(targetName) << words("--help");
 }
 
 template<>
@@ -79,7 +81,7 @@ QStringList compose<Target::nxvcert_cli::verify>(const QString &targetName,
                                                  const QStringList &files)
 {
     return compose<Target::nxvcert_cli>(targetName)
-           << L1("verify") << L1("--root-cert-file-path") << rootCertificate << files;
+           << words("verify --root-cert-file-path") << rootCertificate << files;
 }
 
 template<>
@@ -87,7 +89,7 @@ QStringList compose<Target::openssl::version>(const QString &targetName)
 {
     // One element: the engine runs it as a shell line, which finds openssl wherever the target
     // keeps it.
-    return compose<Target>(targetName) << L1("openssl version");
+    return compose<Target>(targetName) << QStringLiteral("openssl version");
 }
 
 template<>
@@ -95,19 +97,13 @@ QStringList compose<Target::openssl::generateKeyGost>(const QString &targetName,
                                                       const QString &keyPath,
                                                       const bool &encrypt)
 {
-    QStringList words{L1("openssl"),
-                      L1("genpkey"),
-                      L1("-engine"),
-                      L1("gost"),
-                      L1("-algorithm"),
-                      L1("gost2012_256"),
-                      L1("-pkeyopt"),
-                      L1("paramset:A"),
-                      L1("-out"),
-                      keyPath};
+    QStringList line =
+        compose<Target>(targetName)
+        << words("openssl genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A -out")
+        << keyPath;
     if (encrypt)
-        words << L1("-aes256");
-    return compose<Target>(targetName) << words;
+        line << words("-aes256");
+    return line;
 }
 
 template<>
@@ -115,17 +111,12 @@ QStringList compose<Target::openssl::generateKeyRSA>(const QString &targetName,
                                                      const QString &keyPath,
                                                      const bool &encrypt)
 {
-    QStringList words{L1("openssl"),
-                      L1("genpkey"),
-                      L1("--algorithm"),
-                      L1("rsa"),
-                      L1("-pkeyopt"),
-                      L1("rsa_keygen_bits:2048"),
-                      L1("-out"),
-                      keyPath};
+    QStringList line =
+        compose<Target>(targetName)
+        << words("openssl genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048 -out") << keyPath;
     if (encrypt)
-        words << L1("-aes256");
-    return compose<Target>(targetName) << words;
+        line << words("-aes256");
+    return line;
 }
 
 template<>
@@ -134,44 +125,35 @@ QStringList compose<Target::openssl::generateRequest>(const QString &targetName,
                                                       const QString &requestPath,
                                                       const QString &configPath)
 {
-    const QStringList words{L1("openssl"),
-                            L1("req"),
-                            L1("-new"),
-                            L1("-utf8"),
-                            L1("-batch"),
-                            L1("-config"),
-                            configPath,
-                            L1("-key"),
-                            keyPath,
-                            L1("-out"),
-                            requestPath};
-    return compose<Target>(targetName) << words;
+    return compose<Target>(targetName)
+           << words("openssl req -new -utf8 -batch -config") << configPath << words("-key")
+           << keyPath << words("-out") << requestPath;
 }
 
 template<>
 QStringList compose<Target::rpmsign_external>(const QString &targetName)
 {
-    return compose<Target>(targetName) << Constants::RPMSIGN_EXTERNAL_TOOL;
+    return compose<Target>(targetName) << words(Constants::RPMSIGN_EXTERNAL_TOOL);
 }
 
 template<>
 QStringList compose<Target::rpmsign_external::remove>(const QString &targetName,
                                                       const QStringList &files)
 {
-    return compose<Target::rpmsign_external>(targetName) << L1("delete") << files;
+    return compose<Target::rpmsign_external>(targetName) << words("delete") << files;
 }
 
 template<>
 QStringList compose<Target::rpmsign_external::dump>(const QString &targetName,
                                                     const QStringList &files)
 {
-    return compose<Target::rpmsign_external>(targetName) << L1("dump") << files;
+    return compose<Target::rpmsign_external>(targetName) << words("dump") << files;
 }
 
 template<>
 QStringList compose<Target::rpmsign_external::version>(const QString &targetName)
 {
-    return compose<Target::rpmsign_external>(targetName) << L1("--version");
+    return compose<Target::rpmsign_external>(targetName) << words("--version");
 }
 
 template<>
@@ -181,7 +163,7 @@ QStringList compose<Target::rpmsign_external::sign>(const QString &targetName,
                                                     const QStringList &files)
 {
     return compose<Target::rpmsign_external>(targetName)
-           << L1("sign") << L1("-k") << key << L1("-c") << certificate << files;
+           << words("sign -k") << key << words("-c") << certificate << files;
 }
 
 template<>
@@ -189,22 +171,22 @@ QStringList compose<Target::rpmsign_external::verify>(const QString &targetName,
                                                       const QString &rootCertificate,
                                                       const QStringList &files)
 {
-    QStringList words = compose<Target::rpmsign_external>(targetName) << L1("verify");
+    QStringList line = compose<Target::rpmsign_external>(targetName) << words("verify");
     if (!rootCertificate.isEmpty())
-        words << L1("--root-cert") << rootCertificate;
-    return words << files;
+        line << words("--root-cert") << rootCertificate;
+    return line << files;
 }
 
 template<>
 QStringList compose<Target::customer_sign>(const QString &targetName)
 {
-    return compose<Target>(targetName) << Constants::CUSTOMER_SIGN_TOOL;
+    return compose<Target>(targetName) << words(Constants::CUSTOMER_SIGN_TOOL);
 }
 
 template<>
 QStringList compose<Target::customer_sign::help>(const QString &targetName)
 {
-    return compose<Target::customer_sign>(targetName) << L1("--help");
+    return compose<Target::customer_sign>(targetName) << words("--help");
 }
 
 template<>
@@ -212,12 +194,12 @@ QStringList compose<Target::customer_sign::sign>(const QString &targetName,
                                                  const SignData &data,
                                                  const QStringList &files)
 {
-    QStringList words = compose<Target::customer_sign>(targetName)
-                        << L1("--binaries-key") << data.binariesKey << L1("--packages-key")
-                        << data.key << L1("--packages-cert") << data.certificate;
+    QStringList line = compose<Target::customer_sign>(targetName)
+                       << words("--binaries-key") << data.binariesKey << words("--packages-key")
+                       << data.key << words("--packages-cert") << data.certificate;
     if (!data.clientCertificate.isEmpty())
-        words << L1("--packages-client-cert") << data.clientCertificate;
-    return words << files;
+        line << words("--packages-client-cert") << data.clientCertificate;
+    return line << files;
 }
 
 static QString workingDirectory()
@@ -267,8 +249,7 @@ static bool hasUnreadOutput(QProcess &process)
     return hasErrors || process.bytesAvailable() > 0;
 }
 
-/// Takes a copy of the handler: its owner may go while the program runs.
-static void runToEnd(QProcess &process, Handler handler, Result &result)
+static void runToEnd(QProcess &process, Handler &handler, Result &result)
 {
     while (process.state() != QProcess::NotRunning) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -289,12 +270,12 @@ static void reportFailedStart(const QProcess &process)
     Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(reason));
 }
 
-Result exec(const Handler &handler, const QStringList &commandLine)
+Result exec(Handler handler, const QStringList &commandLine)
 {
     // Not to be read again after the run.
     const QString shownCommandLine = commandLine.join(QLatin1Char(' '));
     if (isIdeClosing())
-        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
+        return Result::notRun();
 
     QProcess process;
     process.setWorkingDirectory(workingDirectory());

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <utility>
 
 namespace Sealkit::Internal {
 
@@ -13,43 +14,46 @@ struct SignData;
 namespace Command {
 
 // Each tag stands for a command word; nested, they give the order of the words.
+// clang-format off
 struct brisk
 {
     struct engine
     {
-        struct start;
+        struct start {};
         struct target
         {
             struct nxvcert_cli
             {
-                struct remove;
-                struct dump;
-                struct help;
-                struct verify;
+                struct remove {};
+                struct dump {};
+                struct help {};
+                struct verify {};
             };
             struct openssl
             {
-                struct version;
-                struct generateKeyGost;
-                struct generateKeyRSA;
-                struct generateRequest;
+                struct version {};
+                struct generateKeyGost {};
+                struct generateKeyRSA {};
+                struct generateRequest {};
             };
             struct rpmsign_external
             {
-                struct remove;
-                struct dump;
-                struct version;
-                struct sign;
-                struct verify;
+                struct remove {};
+                struct dump {};
+                struct version {};
+                struct sign {};
+                struct verify {};
             };
             struct customer_sign
             {
-                struct help;
-                struct sign;
+                struct help {};
+                struct sign {};
             };
         };
     };
 };
+// clang-format on
+using Target = brisk::engine::target;
 
 /// The command line for \a Tag: element 0 is the program, the rest are its arguments. Arguments are
 /// single elements and stay as they are: nothing is quoted, split or mapped.
@@ -64,70 +68,69 @@ QStringList compose<brisk::engine>();
 template<>
 QStringList compose<brisk::engine::start>();
 template<>
-QStringList compose<brisk::engine::target>(const QString &targetName);
+QStringList compose<Target>(const QString &targetName);
 
 template<>
-QStringList compose<brisk::engine::target::nxvcert_cli>(const QString &targetName);
+QStringList compose<Target::nxvcert_cli>(const QString &targetName);
 template<>
-QStringList compose<brisk::engine::target::nxvcert_cli::remove>(const QString &targetName,
-                                                                const QStringList &files);
+QStringList compose<Target::nxvcert_cli::remove>(const QString &targetName,
+                                                 const QStringList &files);
 template<>
-QStringList compose<brisk::engine::target::nxvcert_cli::dump>(const QString &targetName,
-                                                              const QStringList &files);
+QStringList compose<Target::nxvcert_cli::dump>(const QString &targetName, const QStringList &files);
 template<>
-QStringList compose<brisk::engine::target::nxvcert_cli::help>(const QString &targetName);
+QStringList compose<Target::nxvcert_cli::help>(const QString &targetName);
 /// An empty \a rootCertificate is passed on: the tool then takes its own bundle.
 template<>
-QStringList compose<brisk::engine::target::nxvcert_cli::verify>(const QString &targetName,
-                                                                const QString &rootCertificate,
-                                                                const QStringList &files);
+QStringList compose<Target::nxvcert_cli::verify>(const QString &targetName,
+                                                 const QString &rootCertificate,
+                                                 const QStringList &files);
 
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external>(const QString &targetName);
+QStringList compose<Target::rpmsign_external>(const QString &targetName);
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external::remove>(const QString &targetName,
-                                                                     const QStringList &files);
+QStringList compose<Target::rpmsign_external::remove>(const QString &targetName,
+                                                      const QStringList &files);
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external::dump>(const QString &targetName,
-                                                                   const QStringList &files);
+QStringList compose<Target::rpmsign_external::dump>(const QString &targetName,
+                                                    const QStringList &files);
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external::version>(const QString &targetName);
+QStringList compose<Target::rpmsign_external::version>(const QString &targetName);
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external::sign>(const QString &targetName,
-                                                                   const QString &key,
-                                                                   const QString &certificate,
-                                                                   const QStringList &files);
+QStringList compose<Target::rpmsign_external::sign>(const QString &targetName,
+                                                    const QString &key,
+                                                    const QString &certificate,
+                                                    const QStringList &files);
 /// An empty \a rootCertificate leaves its option out.
 template<>
-QStringList compose<brisk::engine::target::rpmsign_external::verify>(const QString &targetName,
-                                                                     const QString &rootCertificate,
-                                                                     const QStringList &files);
+QStringList compose<Target::rpmsign_external::verify>(const QString &targetName,
+                                                      const QString &rootCertificate,
+                                                      const QStringList &files);
 
 template<>
-QStringList compose<brisk::engine::target::customer_sign>(const QString &targetName);
+QStringList compose<Target::customer_sign>(const QString &targetName);
 template<>
-QStringList compose<brisk::engine::target::customer_sign::help>(const QString &targetName);
+QStringList compose<Target::customer_sign::help>(const QString &targetName);
 /// Only an empty client certificate leaves its option out.
 template<>
-QStringList compose<brisk::engine::target::customer_sign::sign>(const QString &targetName,
-                                                                const SignData &data,
-                                                                const QStringList &files);
+QStringList compose<Target::customer_sign::sign>(const QString &targetName,
+                                                 const SignData &data,
+                                                 const QStringList &files);
 
 template<>
-QStringList compose<brisk::engine::target::openssl::version>(const QString &targetName);
+QStringList compose<Target::openssl::version>(const QString &targetName);
 template<>
-QStringList compose<brisk::engine::target::openssl::generateKeyGost>(const QString &targetName,
-                                                                     const QString &keyPath,
-                                                                     const bool &encrypt);
+QStringList compose<Target::openssl::generateKeyGost>(const QString &targetName,
+                                                      const QString &keyPath,
+                                                      const bool &encrypt);
 template<>
-QStringList compose<brisk::engine::target::openssl::generateKeyRSA>(const QString &targetName,
-                                                                    const QString &keyPath,
-                                                                    const bool &encrypt);
+QStringList compose<Target::openssl::generateKeyRSA>(const QString &targetName,
+                                                     const QString &keyPath,
+                                                     const bool &encrypt);
 template<>
-QStringList compose<brisk::engine::target::openssl::generateRequest>(const QString &targetName,
-                                                                     const QString &keyPath,
-                                                                     const QString &requestPath,
-                                                                     const QString &configPath);
+QStringList compose<Target::openssl::generateRequest>(const QString &targetName,
+                                                      const QString &keyPath,
+                                                      const QString &requestPath,
+                                                      const QString &configPath);
 
 /// The outcome of one run.
 struct Result
@@ -139,6 +142,11 @@ struct Result
     bool started = true;    ///< if not, the exit code can be 0 nevertheless
     bool cancelled = false; ///< killed because its handler said so
 
+    /// Of a run that was not begun.
+    static Result notRun()
+    {
+        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
+    }
     bool succeeded() const { return started && !crashed && exitCode == 0; }
     friend bool operator==(const Result &, const Result &) = default;
 };
@@ -154,12 +162,12 @@ using Handler = std::function<bool(
 /// cannot be started; the result is then what QProcess reports for a process that never ran.
 /// Without a handler the output is not read. When the IDE closes, the program is killed, its last
 /// words don't reach the handler, and no other is started any more: such a run counts as crashed.
-Result exec(const Handler &handler, const QStringList &commandLine);
+Result exec(Handler handler, const QStringList &commandLine);
 
 template<typename Tag, typename... Args>
-Result exec(const Handler &handler, const Args &...args)
+Result exec(Handler handler, const Args &...args)
 {
-    return exec(handler, compose<Tag>(args...));
+    return exec(std::move(handler), compose<Tag>(args...));
 }
 
 } // namespace Command

@@ -4,7 +4,7 @@
 
 namespace Sealkit::Internal {
 
-using Target = Command::brisk::engine::target;
+using Command::Target;
 
 CustomerSealkit::CustomerSealkit(QObject *parent)
     : SignTool(parent)

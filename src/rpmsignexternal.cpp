@@ -7,17 +7,11 @@
 
 namespace Sealkit::Internal {
 
-using Target = Command::brisk::engine::target;
+using Command::Target;
 
 RpmsignExternal::RpmsignExternal(QObject *parent)
     : SignTool(parent)
 {
-}
-
-/// Of a run that nobody waits for any more, and that is not begun.
-static Command::Result abandoned()
-{
-    return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
 }
 
 Command::Result RpmsignExternal::addSignature(const QString &target,
@@ -35,7 +29,7 @@ Command::Result RpmsignExternal::addSignature(const QString &target,
         m_handler, target, data.key, data.certificate, packages);
     if (!result.succeeded() || !signsTwice)
         return result;
-    return self ? Command::exec(m_handler, secondCommandLine) : abandoned();
+    return self ? Command::exec(m_handler, secondCommandLine) : Command::Result::notRun();
 }
 
 Command::Result RpmsignExternal::removeSignature(const QString &target, const QStringList &packages)
@@ -79,7 +73,7 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
         if (!result.succeeded())
             return result;
         if (!self)
-            return abandoned();
+            return Command::Result::notRun();
     }
 
     QString error;

@@ -1,8 +1,6 @@
 #include "signdata.h"
 
 #include "command.h"
-#include "customersealkit.h"
-#include "rpmsignexternal.h"
 #include "utils.h"
 
 #include <brisk/buildengine.h>
@@ -107,7 +105,7 @@ QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QStri
 
 QStringList getKeyGenerationComand(const QString &target, const KeyGenerationData &data)
 {
-    using Openssl = Command::brisk::engine::target::openssl;
+    using Openssl = Command::Target::openssl;
     switch (data.algorithm) {
     case RSA:
         return Command::compose<Openssl::generateKeyRSA>(

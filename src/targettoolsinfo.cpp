@@ -4,7 +4,7 @@
 
 namespace Sealkit::Internal {
 
-using Target = Command::brisk::engine::target;
+using Command::Target;
 
 /// Of a tool that was started, the exit code alone decides: a crash on the way out makes no
 /// difference.
