@@ -2,8 +2,6 @@
 
 #include "constants.h"
 #include "customersignstepwidget.h"
-#include "signprogress.h"
-#include "signstep.h"
 
 #include <brisk/buildengine.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -31,7 +29,7 @@ CustomerSignStep::CustomerSignStep(BuildStepList *stepList, Utils::Id id, bool e
     m_signData.key = defaultKeyFile(Constants::DEFAULT_PACKAGES_KEY);
     m_signData.certificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CERT);
     m_signData.clientCertificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CLIENT_CERT);
-    forwardOutput(&m_tools, this);
+    m_run.forwardOutput();
     setStepEnabled(enabled);
     setEnabled(enabled);
 }
@@ -69,62 +67,36 @@ bool CustomerSignStep::init()
 
 GroupItem CustomerSignStep::runRecipe()
 {
-    return signRecipe(
-        this, &m_tools, [this] { return doRun(); }, [this] { doCancel(); });
+    return m_run.recipe([this] { return doRun(); }, [this] { doCancel(); });
 }
 
 SetupResult CustomerSignStep::doRun()
 {
-    emit addOutput(tr("Signing RPM package..."), OutputFormat::NormalMessage);
+    return m_run.carryOut({
+        .startText = tr("Signing RPM package..."),
+        .noBuildStepText = tr("Error: No previous \"%1\" step found"),
+        .noPackagesText = tr("Error: no package for sign found"),
+        .successText = tr("Package sign completed successfully."),
+        .buildEngine = m_buildEngine,
+        .data = m_signData,
+        .isValid = &SignData::isValid<CustomerSealkit>,
+        .findPackages = [this] { return findPackages(); },
+    });
+}
 
-    const Utils::FilePath workspace =
-        m_buildEngine ? m_buildEngine->sharedSrcPath() : Utils::FilePath();
-    QString error;
-    if (!hasBuildTarget(m_buildEngine, target()->kit(), &error)
-        || !m_signData.isValid<CustomerSealkit>(workspace, &error)) {
-        reportFailure(this, error);
-        return SetupResult::StopWithError;
-    }
-
-    if (!m_rpmBuildStep) {
-        reportFailure(
-            this,
-            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()));
-        return SetupResult::StopWithError;
-    }
-
+std::optional<QStringList> CustomerSignStep::findPackages() const
+{
+    if (!m_rpmBuildStep)
+        return {};
     QStringList packages = m_rpmBuildStep->deployablePackagesFileNames();
     if (!m_signDebugPackages)
         packages.removeIf(isDebugPackage);
-    if (packages.isEmpty()) {
-        reportFailure(this, tr("Error: no package for sign found"));
-        return SetupResult::StopWithError;
-    }
-
-    const QPointer<CustomerSignStep> self(this);
-    const SignProgress progress(&m_tools, packages);
-    const bool isSigned = runSign(packages);
-    if (!self)
-        return SetupResult::StopWithError;
-    if (!isSigned)
-        return SetupResult::StopWithError;
-    emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
-    return SetupResult::Continue;
-}
-
-bool CustomerSignStep::runSign(const QStringList &packages)
-{
-    const QString targetName = KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
-    const QPointer<CustomerSignStep> self(this);
-    const Command::Result result = m_tools.addSignature(targetName, packages, m_signData);
-    if (self && !result.succeeded() && !m_tools.isStopped())
-        reportFailedRun(this, result);
-    return result.succeeded();
+    return packages;
 }
 
 void CustomerSignStep::doCancel()
 {
-    m_tools.cancel();
+    m_tool.cancel();
     emit addOutput(tr("Package sign stopped by user"), OutputFormat::ErrorMessage);
 }
 

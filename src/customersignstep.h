@@ -1,12 +1,14 @@
 #pragma once
 
 #include "customersealkit.h"
-#include "signdata.h"
+#include "signrun.h"
 
 #include <solutions/tasking/tasktree.h>
 #include <veyraos/kilnprocessstep.h>
 
 #include <QPointer>
+
+#include <optional>
 
 namespace Brisk {
 class BuildEngine;
@@ -48,11 +50,12 @@ private:
     QWidget *createConfigWidget() override;
 
     Tasking::SetupResult doRun();
-    bool runSign(const QStringList &packages);
+    std::optional<QStringList> findPackages() const;
     QString defaultKeyFile(const char *pathBelowHome) const;
 
     SignData m_signData;
-    CustomerSealkit m_tools;
+    CustomerSealkit m_tool;
+    const SignRun m_run{this, &m_tool};
     bool m_signDebugPackages = true;
     QPointer<Brisk::BuildEngine> m_buildEngine;
     QPointer<Kiln::Internal::KilnKb2RpmBuildStep> m_rpmBuildStep;

@@ -2,9 +2,6 @@
 
 #include "constants.h"
 #include "rpmsignexternalwidget.h"
-#include "signdata.h"
-#include "signprogress.h"
-#include "signstep.h"
 #include "utils.h"
 
 #include <brisk/buildengine.h>
@@ -51,7 +48,7 @@ RpmsignExternalStep::RpmsignExternalStep(BuildStepList *parent, Utils::Id id, bo
     setDefaultDisplayName(displayName());
     m_keys.buildEngine = KilnSdkKitAspectFactory::buildEngine(target()->kit());
 
-    forwardOutput(&m_tool, this);
+    m_run.forwardOutput();
     const bool on = QSettings().value(Constants::ENABLE_DEFAULT_SIGN_KEY, enabled).toBool();
     setStepEnabled(on);
     setEnabled(on);
@@ -74,59 +71,32 @@ bool RpmsignExternalStep::init()
 
 GroupItem RpmsignExternalStep::runRecipe()
 {
-    return signRecipe(
-        this, &m_tool, [this] { return doRun(); }, [this] { doCancel(); });
+    return m_run.recipe([this] { return doRun(); }, [this] { doCancel(); });
 }
 
 SetupResult RpmsignExternalStep::doRun()
 {
-    emit addOutput(tr("Signing RPM package..."), OutputFormat::NormalMessage);
-
     SignData data;
     data.key = m_keys.getKey();
     data.certificate = m_keys.getCertificate();
-    const Utils::FilePath workspace =
-        m_keys.buildEngine ? m_keys.buildEngine->sharedSrcPath() : Utils::FilePath();
-    QString error;
-    if (!hasBuildTarget(m_keys.buildEngine, target()->kit(), &error)
-        || !data.isValid<RpmsignExternal>(workspace, &error)) {
-        reportFailure(this, error);
-        return SetupResult::StopWithError;
-    }
-
-    const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
-    if (!buildStep) {
-        reportFailure(
-            this,
-            tr("Error: No previous \"%1\" step found").arg(KilnKb2RpmBuildStep::displayName()));
-        return SetupResult::StopWithError;
-    }
-
-    const QStringList packages = buildStep->packages();
-    if (packages.isEmpty()) {
-        reportFailure(this, tr("Error: no package for sign found"));
-        return SetupResult::StopWithError;
-    }
-
-    const QPointer<RpmsignExternalStep> self(this);
-    const SignProgress progress(&m_tool, packages);
-    const bool isSigned = runSign(packages, data);
-    if (!self)
-        return SetupResult::StopWithError;
-    if (!isSigned)
-        return SetupResult::StopWithError;
-    emit addOutput(tr("Package sign completed successfully."), OutputFormat::NormalMessage);
-    dumpSign(packages);
-    return SetupResult::Continue;
+    return m_run.carryOut({
+        .startText = tr("Signing RPM package..."),
+        .noBuildStepText = tr("Error: No previous \"%1\" step found"),
+        .noPackagesText = tr("Error: no package for sign found"),
+        .successText = tr("Package sign completed successfully."),
+        .buildEngine = m_keys.buildEngine,
+        .data = data,
+        .isValid = &SignData::isValid<RpmsignExternal>,
+        .findPackages = [this] { return findPackages(); },
+        .report = [this](const QString &targetName,
+                         const QStringList &packages) { dumpSign(targetName, packages); },
+    });
 }
 
-bool RpmsignExternalStep::runSign(const QStringList &packages, const SignData &data)
+std::optional<QStringList> RpmsignExternalStep::findPackages() const
 {
-    const QPointer<RpmsignExternalStep> self(this);
-    const Command::Result result = m_tool.addSignature(buildTargetName(), packages, data);
-    if (self && !result.succeeded() && !m_tool.isStopped())
-        reportFailedRun(this, result);
-    return result.succeeded();
+    const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
+    return buildStep ? std::optional(buildStep->packages()) : std::nullopt;
 }
 
 static bool namesAll(const QStringList &packages, const QList<PackageDump> &dumps)
@@ -139,13 +109,13 @@ static bool namesAll(const QStringList &packages, const QList<PackageDump> &dump
     });
 }
 
-void RpmsignExternalStep::dumpSign(const QStringList &packages)
+void RpmsignExternalStep::dumpSign(const QString &targetName, const QStringList &packages)
 {
     if (!isLastSigningStep() || m_tool.isStopped())
         return;
 
     const QPointer<RpmsignExternalStep> self(this);
-    const Command::Result result = m_tool.dumpSignature(buildTargetName(), packages);
+    const Command::Result result = m_tool.dumpSignature(targetName, packages);
     if (!self || m_tool.isStopped())
         return;
     if (!result.succeeded()) {
@@ -188,11 +158,6 @@ bool RpmsignExternalStep::isLastSigningStep() const
     return std::none_of(later.begin(), later.end(), [](const BuildStep *step) {
         return step->id() == stepId() && step->stepEnabled();
     });
-}
-
-QString RpmsignExternalStep::buildTargetName() const
-{
-    return KilnSdkKitAspectFactory::buildTarget(target()->kit()).name;
 }
 
 void RpmsignExternalStep::doCancel()

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "rpmsignexternal.h"
+#include "signrun.h"
 
 #include <solutions/tasking/tasktree.h>
 #include <veyraos/kilnprocessstep.h>
 
 #include <QPointer>
+
+#include <optional>
 
 namespace Brisk {
 class BuildEngine;
@@ -63,13 +66,13 @@ private:
     QWidget *createConfigWidget() override;
 
     Tasking::SetupResult doRun();
-    bool runSign(const QStringList &packages, const SignData &data);
-    void dumpSign(const QStringList &packages);
+    std::optional<QStringList> findPackages() const;
+    void dumpSign(const QString &targetName, const QStringList &packages);
     void checkSignGroups(const QString &dump, const QString &packageName);
     bool isLastSigningStep() const;
-    QString buildTargetName() const;
 
     RpmsignExternal m_tool;
+    const SignRun m_run{this, &m_tool};
     StepKeys m_keys;
 };
 
