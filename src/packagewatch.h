@@ -20,6 +20,8 @@ public:
     void lookAt(const QString &package);
     /// Compares at once. For file systems that tell nobody of changes.
     void compare();
+    /// Of the package's files, as it was seen last.
+    QStringList lastState() const { return m_lastState; }
 
 signals:
     void changed();

@@ -38,45 +38,7 @@ namespace Sealkit::Internal {
 
 constexpr int REQUEST_TAB = 2;
 constexpr int MAX_REASONS = 4;
-
-/// A run of tools, or several in a row: locks the dialog while it lives. Runs within a run belong
-/// to the outermost one. False after a tool has run means that the dialog is gone.
-class SignDialog::Run
-{
-public:
-    explicit Run(SignDialog *dialog);
-    ~Run();
-    Q_DISABLE_COPY_MOVE(Run)
-
-    explicit operator bool() const { return !m_dialog.isNull(); }
-
-private:
-    const QPointer<SignDialog> m_dialog;
-    QPointer<QWidget> m_focus;
-    QPointer<QWidget> m_focusMeanwhile;
-};
-
-SignDialog::Run::Run(SignDialog *dialog)
-    : m_dialog(dialog)
-{
-    if (m_dialog->m_runs++ > 0)
-        return;
-    m_focus = m_dialog->focusWidget();
-    m_dialog->processButtonOperation(true);
-    m_focusMeanwhile = m_dialog->focusWidget();
-}
-
-SignDialog::Run::~Run()
-{
-    if (!m_dialog || --m_dialog->m_runs > 0)
-        return;
-    m_dialog->processButtonOperation(false);
-    // The lock took the keyboard focus away; the user may have moved it on since.
-    if (m_focus && m_focus->isVisible() && m_dialog->focusWidget() == m_focusMeanwhile)
-        m_focus->setFocus();
-    if (!m_dialog->m_scheduled.isEmpty())
-        QMetaObject::invokeMethod(m_dialog, &SignDialog::doScheduled, Qt::QueuedConnection);
-}
+const QString REFRESH = QStringLiteral("refresh the package's state");
 
 /// Says how a run went; an empty \a problem is a good end.
 static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
@@ -299,7 +261,7 @@ void SignDialog::initPathChoosers()
 
 void SignDialog::connectButtons()
 {
-    const auto onClick = [this](QPushButton *button, Action action) {
+    const auto onClick = [this](QPushButton *button, void (SignDialog::*action)()) {
         connect(button, &QPushButton::clicked, this, action);
     };
     onClick(m_ui->addSignaturePushButton, &SignDialog::addSignature);
@@ -318,9 +280,11 @@ void SignDialog::connectButtons()
 void SignDialog::initStatusBar()
 {
     m_statusBar = new QStatusBar(this);
-    m_busyIndicator = createBusyIndicator();
-    m_statusBar->addPermanentWidget(m_busyIndicator);
+    auto *busyIndicator = createBusyIndicator();
+    m_statusBar->addPermanentWidget(busyIndicator);
     m_ui->statusBarLayout->addWidget(m_statusBar);
+    connect(&m_runQueue, &RunQueue::lockChanged, this, &SignDialog::processButtonOperation);
+    connect(&m_runQueue, &RunQueue::busyChanged, busyIndicator, &QProgressBar::setVisible);
     // A tool's words can be longer than the bar.
     connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
         m_statusBar->setToolTip(
@@ -429,7 +393,7 @@ void SignDialog::setTargets(const QStringList &targets)
     }
     // Before the first target is probed, for another one may be chosen meanwhile.
     connect(m_ui->m_comboBoxBuildTargets, &QComboBox::currentTextChanged, this, [this] {
-        schedule(&SignDialog::followTarget);
+        m_runQueue.request(QStringLiteral("follow the target"), [this] { followTarget(); });
     });
     const QPointer<SignDialog> self(this);
     followTarget();
@@ -457,7 +421,7 @@ void SignDialog::setTargetName(const QString &name)
     if (name == m_current.name)
         return;
 
-    const Run run(this);
+    const Run run(&m_runQueue);
     if (!m_targetTools.contains(name)) {
         const TargetToolsInfo probed(name);
         if (!run)
@@ -545,6 +509,22 @@ SignTool *SignDialog::signTool()
     return tool;
 }
 
+/// How each operation on the chosen package begins: without a package it does nothing. \a operation
+/// gets the back end of the target while the dialog is locked; where there is none, \a onNoTool is
+/// called.
+void SignDialog::runOnPackage(const std::function<void(SignTool *tool, const Run &run)> &operation,
+                              const std::function<void()> &onNoTool)
+{
+    if (package().isEmpty())
+        return;
+    if (SignTool *tool = signTool()) {
+        const Run run(&m_runQueue);
+        operation(tool, run);
+    } else if (onNoTool) {
+        onNoTool();
+    }
+}
+
 /// What keeps \a signData from being signed with, in a text for the user; empty when nothing does.
 QString SignDialog::problemOfFields(const SignData &signData) const
 {
@@ -562,43 +542,35 @@ static bool hasHalfAClientPair(const SignData &signData)
 
 void SignDialog::addSignature()
 {
-    if (package().isEmpty())
-        return;
-    SignTool *tool = signTool();
-    if (!tool)
-        return;
-
-    const Run run(this);
-    clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
-    m_statusBar->clearMessage();
-    const SignData signData = data();
-    QString problem = problemOfFields(signData);
-    if (!problem.isEmpty()) {
-        m_statusBar->showMessage(problem);
-    } else {
-        const Command::Result result = tool->addSignature(m_current.name, {package()}, signData);
-        if (!run)
-            return;
-        problem = problemOf(result);
-        if (m_current.hasRpmsignExternal && hasHalfAClientPair(signData))
-            warn(tr("No client signature was added: it needs a client key and its certificate"));
-    }
-    showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
-    refreshPackageState();
+    runOnPackage([this](SignTool *tool, const Run &run) {
+        clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
+        m_statusBar->clearMessage();
+        const SignData signData = data();
+        QString problem = problemOfFields(signData);
+        if (!problem.isEmpty()) {
+            m_statusBar->showMessage(problem);
+        } else {
+            const Command::Result result =
+                tool->addSignature(m_current.name, {package()}, signData);
+            if (!run)
+                return;
+            problem = problemOf(result);
+            if (m_current.hasRpmsignExternal && hasHalfAClientPair(signData))
+                warn(
+                    tr("No client signature was added: it needs a client key and its certificate"));
+        }
+        showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
+        refreshPackageState();
+    });
 }
 
 void SignDialog::removeSignature()
 {
-    if (package().isEmpty())
-        return;
-    SignTool *tool = signTool();
-    if (!tool)
-        return;
-
-    const Run run(this);
-    tool->removeSignature(m_current.name, {package()});
-    if (run)
-        refreshPackageState();
+    runOnPackage([this](SignTool *tool, const Run &run) {
+        tool->removeSignature(m_current.name, {package()});
+        if (run)
+            refreshPackageState();
+    });
 }
 
 /// Says something that is worth knowing, though nothing failed.
@@ -617,45 +589,44 @@ void SignDialog::clearVerdict()
 void SignDialog::verifySignature()
 {
     clearVerdict();
-    if (package().isEmpty())
-        return;
-    SignTool *tool = signTool();
-    if (!tool) {
+    const auto verify = [this](SignTool *tool, const Run &run) {
+        const QStringList lookedAt = chosenPackage();
+        const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
+        if (!run || chosenPackage() != lookedAt)
+            return;
+        m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
+                                                      : tr("Could not verify signatures"));
+        showOutcome(m_ui->verifyIconLabel,
+                    m_ui->verifyReasonLabel,
+                    result.succeeded() ? QString() : problemOfSignatures(result, package()));
+    };
+    runOnPackage(verify, [this] {
         m_ui->verifyLabel->setText(tr("Package can't be verified"));
         m_ui->verifyIconLabel->setPixmap(Utils::Icons::BROKEN.pixmap());
-        return;
-    }
-
-    const Run run(this);
-    const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
-    if (!run || isPackageOutdated())
-        return;
-    m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
-                                                  : tr("Could not verify signatures"));
-    showOutcome(m_ui->verifyIconLabel,
-                m_ui->verifyReasonLabel,
-                result.succeeded() ? QString() : problemOfSignatures(result, package()));
+    });
 }
 
-void SignDialog::dumpSignature()
+void SignDialog::clearDump()
 {
-    if (package().isEmpty())
-        return;
     m_ui->developerSignatureTextBrowser->clear();
     m_ui->clientSignatureTextBrowser->clear();
     m_ui->developerSignatureShortLabel->clear();
     m_ui->clientSignatureShortLabel->clear();
-    SignTool *tool = signTool();
-    if (!tool) {
-        m_ui->developerSignatureTextBrowser->setPlainText(tr("Package can't be dumped"));
-        return;
-    }
+}
 
-    const Run run(this);
-    const Command::Result result = tool->dumpSignature(m_current.name, {package()});
-    if (!run || isPackageOutdated())
-        return;
-    showSignatures(midDumpOutput(QString::fromUtf8(result.stdOut)));
+void SignDialog::dumpSignature()
+{
+    const auto dump = [this](SignTool *tool, const Run &run) {
+        clearDump();
+        const QStringList lookedAt = chosenPackage();
+        const Command::Result result = tool->dumpSignature(m_current.name, {package()});
+        if (run && chosenPackage() == lookedAt)
+            showSignatures(midDumpOutput(QString::fromUtf8(result.stdOut)));
+    };
+    runOnPackage(dump, [this] {
+        clearDump();
+        m_ui->developerSignatureTextBrowser->setPlainText(tr("Package can't be dumped"));
+    });
 }
 
 static QString summaryOf(const QString &block)
@@ -684,30 +655,32 @@ void SignDialog::showSignatures(const QStringList &blocks)
 
 void SignDialog::refreshPackageState()
 {
-    const Run run(this);
-    m_scheduled.removeAll(&SignDialog::refreshPackageState); // whoever asked for it has it now
+    const Run run(&m_runQueue);
+    m_runQueue.withdraw(REFRESH);
     m_packageWatch.lookAt(package());
+    const QStringList lookedAt = chosenPackage();
     verifySignature();
-    if (run && !isPackageOutdated())
+    if (run && chosenPackage() == lookedAt)
         dumpSignature();
 }
 
-/// Whether the package was changed while a tool looked at it; the new one has its turn soon.
-bool SignDialog::isPackageOutdated() const
+/// The package that is chosen, and what is known of its files on disk. A result is outdated when
+/// this has changed since its tool was started; invalidate() has then requested a new look.
+QStringList SignDialog::chosenPackage() const
 {
-    return m_scheduled.contains(&SignDialog::refreshPackageState);
+    return m_packageWatch.lastState() << package();
 }
 
 void SignDialog::invalidate()
 {
     // No verdict on one package stands beside another.
     clearVerdict();
-    schedule(&SignDialog::refreshPackageState);
+    m_runQueue.request(REFRESH, [this] { refreshPackageState(); });
 }
 
 void SignDialog::generateRequest()
 {
-    const Run run(this);
+    const Run run(&m_runQueue);
     m_statusBar->clearMessage();
     updateOpensslInfo();
     if (!run)
@@ -735,13 +708,13 @@ void SignDialog::generateRequest()
 void SignDialog::onTabChanged(int index)
 {
     if (index == REQUEST_TAB)
-        schedule(&SignDialog::updateOpensslInfo);
+        m_runQueue.request(QStringLiteral("look for openssl"), [this] { updateOpensslInfo(); });
 }
 
 void SignDialog::updateOpensslInfo()
 {
     if (m_targetTools.contains(m_current.name)) {
-        const Run run(this);
+        const Run run(&m_runQueue);
         TargetToolsInfo info = m_targetTools.value(m_current.name);
         info.updateOpensslState();
         if (!run)
@@ -773,32 +746,6 @@ void SignDialog::processButtonOperation(bool running)
         button->setEnabled(!running);
     m_ui->m_comboBoxBuildTargets->setEnabled(!running);
     m_ui->rpmPathChooser->setEnabled(!running || typing);
-    updateBusyIndicator();
-}
-
-void SignDialog::updateBusyIndicator()
-{
-    m_busyIndicator->setVisible(m_runs > 0 || !m_scheduled.isEmpty());
-}
-
-/// Has \a action called from the event loop, once however often it is asked for, as soon as no tool
-/// runs. Nor does it run tools inside a widget's signal, which the widget would not survive if the
-/// dialog went meanwhile.
-void SignDialog::schedule(Action action)
-{
-    if (!m_scheduled.contains(action))
-        m_scheduled << action;
-    updateBusyIndicator();
-    QMetaObject::invokeMethod(this, &SignDialog::doScheduled, Qt::QueuedConnection);
-}
-
-void SignDialog::doScheduled()
-{
-    const QPointer<SignDialog> self(this);
-    while (self && m_runs == 0 && !m_scheduled.isEmpty())
-        (this->*m_scheduled.takeFirst())();
-    if (self)
-        updateBusyIndicator();
 }
 
 // "Subject: CN=Regular\nGroup: developer\nSubgroup: regular\n" gives

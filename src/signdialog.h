@@ -2,6 +2,7 @@
 
 #include "buildengineinfo.h"
 #include "packagewatch.h"
+#include "runqueue.h"
 #include "signdata.h"
 #include "targettoolsinfo.h"
 
@@ -10,9 +11,9 @@
 #include <QDialog>
 #include <QHash>
 
+#include <functional>
 #include <memory>
 
-class QProgressBar;
 class QPushButton;
 class QStatusBar;
 class Ui_SignDialog;
@@ -45,8 +46,7 @@ private slots:
     void onTabChanged(int index);
 
 private:
-    class Run;
-    using Action = void (SignDialog::*)();
+    using Run = RunQueue::Run;
 
     void initPathChoosers();
     void connectButtons();
@@ -67,16 +67,19 @@ private:
     void showToolsOfTarget();
     QString missingTools() const;
     SignTool *signTool();
+    void runOnPackage(const std::function<void(SignTool *tool, const Run &run)> &operation,
+                      const std::function<void()> &onNoTool = {});
 
     QString problemOfFields(const SignData &signData) const;
     void warn(const QString &text);
     void clearVerdict();
+    void clearDump();
     void addSignature();
     void removeSignature();
     void verifySignature();
     void dumpSignature();
     void refreshPackageState();
-    bool isPackageOutdated() const;
+    QStringList chosenPackage() const;
     void showSignatures(const QStringList &blocks);
     void generateRequest();
 
@@ -85,9 +88,6 @@ private:
     void invalidate();
 
     void processButtonOperation(bool running);
-    void updateBusyIndicator();
-    void schedule(Action action);
-    void doScheduled();
 
     PackageWatch m_packageWatch{nullptr};
     TargetToolsInfo m_current;
@@ -97,9 +97,7 @@ private:
     const std::unique_ptr<Ui_SignDialog> m_ui;
     QList<QPushButton *> m_buttons;
     QStatusBar *m_statusBar = nullptr;
-    QProgressBar *m_busyIndicator = nullptr;
-    int m_runs = 0;
-    QList<Action> m_scheduled;
+    RunQueue m_runQueue{this};
 };
 
 /// The subject and group lines of a signature's dump.
