@@ -27,11 +27,17 @@ CustomerSignStepWidget::CustomerSignStepWidget(Kiln::Internal::KilnProcessStep *
     connect(m_ui->packagesCertPathChooser, changed, this, &Self::packagesCertChanged);
     connect(m_ui->packagesClientCertPathChooser, changed, this, &Self::packagesClientCertChanged);
 
-    initPathChooser(m_ui->binariesKeyPathChooser, tr("Select binaries key"), false);
-    initPathChooser(m_ui->packagesKeyPathChooser, tr("Select packages key"), false);
-    initPathChooser(m_ui->packagesCertPathChooser, tr("Select packages certificate"), false);
-    initPathChooser(
-        m_ui->packagesClientCertPathChooser, tr("Select packages client certificate"), true);
+    const auto isInShared = [this](FancyLineEdit *edit, QString *error) -> bool {
+        return verifyPath(edit->text(), error);
+    };
+    const auto isEmptyOrInShared = [this](FancyLineEdit *edit, QString *error) -> bool {
+        return edit->text().isEmpty() || verifyPath(edit->text(), error);
+    };
+    initPathChooser(m_ui->binariesKeyPathChooser, {tr("Select binaries key"), isInShared});
+    initPathChooser(m_ui->packagesKeyPathChooser, {tr("Select packages key"), isInShared});
+    initPathChooser(m_ui->packagesCertPathChooser, {tr("Select packages certificate"), isInShared});
+    initPathChooser(m_ui->packagesClientCertPathChooser,
+                    {tr("Select packages client certificate"), isEmptyOrInShared});
     followCertificate(m_ui->packagesCertNoteLabel, m_ui->packagesCertPathChooser);
     followCertificate(m_ui->packagesClientCertNoteLabel, m_ui->packagesClientCertPathChooser);
 
@@ -40,37 +46,16 @@ CustomerSignStepWidget::CustomerSignStepWidget(Kiln::Internal::KilnProcessStep *
 
 CustomerSignStepWidget::~CustomerSignStepWidget() = default;
 
-void CustomerSignStepWidget::initPathChooser(PathChooser *chooser,
-                                             const QString &title,
-                                             bool allowEmpty)
-{
-    chooser->setExpectedKind(PathChooser::File);
-    chooser->setPromptDialogTitle(title);
-    setValidation(chooser, [this, allowEmpty](FancyLineEdit *edit, QString *error) -> bool {
-        return (allowEmpty && edit->text().isEmpty()) || verifyPath(edit->text(), error);
-    });
-}
-
-QList<PathChooser *> CustomerSignStepWidget::pathChoosers() const
-{
-    return {m_ui->binariesKeyPathChooser,
-            m_ui->packagesKeyPathChooser,
-            m_ui->packagesCertPathChooser,
-            m_ui->packagesClientCertPathChooser};
-}
-
 void CustomerSignStepWidget::validatePaths()
 {
-    const QList<PathChooser *> choosers = pathChoosers();
-    for (PathChooser *chooser : choosers)
+    for (PathChooser *chooser : findChildren<PathChooser *>())
         chooser->lineEdit()->validate();
 }
 
 void CustomerSignStepWidget::setSharedHomePath(const FilePath &path)
 {
     m_sharedHomePath = path;
-    const QList<PathChooser *> choosers = pathChoosers();
-    for (PathChooser *chooser : choosers)
+    for (PathChooser *chooser : findChildren<PathChooser *>())
         chooser->setInitialBrowsePathBackup(path);
     validatePaths();
 }

@@ -2,17 +2,12 @@
 
 #include <utils/filepath.h>
 
-#include <QList>
 #include <QWidget>
 
 #include <memory>
 
 namespace Kiln::Internal {
 class KilnProcessStep;
-}
-
-namespace Utils {
-class PathChooser;
 }
 
 class Ui_CustomerSignStepWidget;
@@ -57,8 +52,6 @@ signals:
     void signDebugPackages(bool sign);
 
 private:
-    void initPathChooser(Utils::PathChooser *chooser, const QString &title, bool allowEmpty);
-    QList<Utils::PathChooser *> pathChoosers() const;
     void validatePaths();
 
     const std::unique_ptr<Ui_CustomerSignStepWidget> m_ui;

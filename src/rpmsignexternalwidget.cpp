@@ -25,8 +25,13 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
             this,
             &RpmsignExternalWidget::certificateChanged);
 
-    initPathChooser(m_ui->keyPathChooser, tr("User private key for signing the package"));
-    initPathChooser(m_ui->certificatePathChooser, tr("Certificate to be used in signature"));
+    const auto isValid = [this](FancyLineEdit *edit, QString *error) -> bool {
+        return verifyPath(edit->text(), error);
+    };
+    initPathChooser(m_ui->keyPathChooser,
+                    {tr("User private key for signing the package"), isValid});
+    initPathChooser(m_ui->certificatePathChooser,
+                    {tr("Certificate to be used in signature"), isValid});
     followCertificate(m_ui->certificateNoteLabel, m_ui->certificatePathChooser);
 
     m_ui->keysTypeComboBox->addItems({tr("Default key"), tr("Custom key")});
@@ -40,24 +45,9 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
 
 RpmsignExternalWidget::~RpmsignExternalWidget() = default;
 
-void RpmsignExternalWidget::initPathChooser(PathChooser *chooser, const QString &title)
-{
-    chooser->setExpectedKind(PathChooser::File);
-    chooser->setPromptDialogTitle(title);
-    setValidation(chooser, [this](FancyLineEdit *edit, QString *error) -> bool {
-        return verifyPath(edit->text(), error);
-    });
-}
-
 bool RpmsignExternalWidget::verifyPath(const QString &path, QString *error) const
 {
-    if (isFileChildOf(path, m_sharedSrcPath))
-        return true;
-    if (error) {
-        *error =
-            tr("The path must be inside workspace folder:\n%1").arg(m_sharedSrcPath.toUserOutput());
-    }
-    return false;
+    return isInWorkspace(path, m_sharedSrcPath, error);
 }
 
 void RpmsignExternalWidget::setSharedSrcPath(const FilePath &path)

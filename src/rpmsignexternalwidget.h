@@ -10,10 +10,6 @@ namespace Kiln::Internal {
 class KilnProcessStep;
 }
 
-namespace Utils {
-class PathChooser;
-}
-
 class Ui_RpmsignExternalWidget;
 
 namespace Sealkit::Internal {
@@ -48,7 +44,6 @@ signals:
     void useDefaultValuesChanged(bool useDefaultValues);
 
 private:
-    void initPathChooser(Utils::PathChooser *chooser, const QString &title);
     void updatePathChoosers(int index);
 
     Kiln::Internal::KilnProcessStep *const m_step;

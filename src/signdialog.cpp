@@ -80,24 +80,10 @@ static QString pathOf(const PathChooser *chooser)
     return chooser->filePath().toFSPathString();
 }
 
-static void initPathChooser(PathChooser *chooser,
-                            const QString &initialBrowsePath,
-                            const QString &placeholderText,
-                            const QString &filter,
-                            const QString &title,
-                            const char *historyKey,
-                            const FancyLineEdit::ValidationFunction &validator)
+/// Histories are stored under the key in the user's language.
+static Utils::Key completerKey(const char *key)
 {
-    chooser->setExpectedKind(PathChooser::File);
-    chooser->setInitialBrowsePathBackup(FilePath::fromString(initialBrowsePath));
-    chooser->setPromptDialogFilter(filter);
-    chooser->setPromptDialogTitle(title);
-    // Histories are stored under the key in the user's language.
-    chooser->setHistoryCompleter(Utils::keyFromString(SignDialog::tr(historyKey)));
-    setValidation(chooser, validator);
-    chooser->lineEdit()->setPlaceholderText(placeholderText);
-    chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
-    chooser->buttonAtIndex(0)->setText({});
+    return Utils::keyFromString(SignDialog::tr(key));
 }
 
 static QProgressBar *createBusyIndicator()
@@ -203,13 +189,13 @@ void SignDialog::initPathChoosers()
         };
     };
 
-    initPathChooser(m_ui->rpmPathChooser,
-                    QDir::homePath(),
-                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
-                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
-                    Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
-                    Constants::SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY,
-                    validator(true));
+    initPathChooser(
+        m_ui->rpmPathChooser,
+        {.title = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+         .isValid = validator(true),
+         .filter = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
+         .placeholderText = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+         .historyKey = completerKey(Constants::SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY)});
     connect(m_ui->rpmPathChooser, &PathChooser::rawPathChanged, this, &SignDialog::invalidate);
 
     const QString keyHint = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT);
@@ -244,15 +230,20 @@ void SignDialog::initPathChoosers()
          false},
     };
     for (const auto &field : pemFields) {
-        initPathChooser(field.chooser,
-                        QDir::homePath(),
-                        field.placeholderText,
-                        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
-                        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
-                        field.historyKey,
-                        validator(field.mustExist));
+        initPathChooser(
+            field.chooser,
+            {.title = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
+             .isValid = validator(field.mustExist),
+             .filter = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
+             .placeholderText = field.placeholderText,
+             .historyKey = completerKey(field.historyKey)});
         if (!field.mustExist)
             field.chooser->setExpectedKind(PathChooser::SaveFile);
+    }
+    for (PathChooser *chooser : findChildren<PathChooser *>()) {
+        chooser->setInitialBrowsePathBackup(FilePath::fromString(QDir::homePath()));
+        chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
+        chooser->buttonAtIndex(0)->setText({});
     }
     m_ui->caCertificatePathChooser->setToolTip(
         tr("Path to PEM-encoded bundle with root certificates. If not set, default value will be "
@@ -369,11 +360,8 @@ KeyGenerationData SignDialog::keyGenerationData() const
 /// Whether a field may hold \a path; otherwise \a error is a text for the user.
 bool SignDialog::verifyPath(const QString &path, bool mustExist, QString *error) const
 {
-    if (!isFileChildOf(path, m_workspace)) {
-        *error =
-            tr("The path must be inside workspace folder:\n%1").arg(m_workspace.toUserOutput());
+    if (!isInWorkspace(path, m_workspace, error))
         return false;
-    }
     if (!mustExist || QFileInfo::exists(path))
         return true;
     *error = tr("File does not exist");
@@ -456,15 +444,7 @@ void SignDialog::showToolsOfTarget()
     {
         // The caller looks at the package itself, once.
         const QSignalBlocker blocker(m_ui->rpmPathChooser);
-        for (PathChooser *chooser : {m_ui->rpmPathChooser,
-                                     m_ui->binaryKeyPathChooser,
-                                     m_ui->developerKeyPathChooser,
-                                     m_ui->developerCertificatePathChooser,
-                                     m_ui->clientKeyPathChooser,
-                                     m_ui->clientCertificatePathChooser,
-                                     m_ui->caCertificatePathChooser,
-                                     m_ui->generatedKeyPathChooser,
-                                     m_ui->generatedReqPathChooser})
+        for (PathChooser *chooser : findChildren<PathChooser *>())
             chooser->triggerChanged();
     }
     m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);

@@ -43,11 +43,11 @@ SignOptionsWidget::SignOptionsWidget()
             this,
             &SignOptionsWidget::enablePathChoosers);
 
-    initPathChooser(
+    initFileChooser(
         m_key.chooser,
         tr("The path to the key file that will be used by default to sign rpm packages"),
         Constants::DEFAULT_SIGNKEY_HISTORY_KEY);
-    initPathChooser(m_certificate.chooser,
+    initFileChooser(m_certificate.chooser,
                     tr("The path to the certificate file that will be used by default to sign rpm "
                        "packages"),
                     Constants::DEFAULT_SIGNCERT_HISTORY_KEY);
@@ -80,23 +80,22 @@ SignOptionsWidget::SignOptionsWidget()
 
 SignOptionsWidget::~SignOptionsWidget() = default;
 
-void SignOptionsWidget::initPathChooser(PathChooser *chooser,
+void SignOptionsWidget::initFileChooser(PathChooser *chooser,
                                         const QString &toolTip,
                                         const Utils::Key &historyKey)
 {
     chooser->setToolTip(toolTip);
-    chooser->setExpectedKind(PathChooser::File);
-    chooser->setPromptDialogFilter(
-        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER));
-    chooser->setPromptDialogTitle(
-        Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE));
-    chooser->setHistoryCompleter(historyKey);
     // The chooser's path is what will be stored; the text can have a "~" in it.
-    setValidation(chooser, [this, chooser](FancyLineEdit *, QString *error) -> bool {
+    const auto isValid = [this, chooser](FancyLineEdit *, QString *error) -> bool {
         return verifyPath(chooser->filePath().toFSPathString(), error);
-    });
-    chooser->lineEdit()->setPlaceholderText(
-        Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT));
+    };
+    initPathChooser(
+        chooser,
+        {.title = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
+         .isValid = isValid,
+         .filter = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
+         .placeholderText = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT),
+         .historyKey = historyKey});
 }
 
 void SignOptionsWidget::store() const
@@ -227,13 +226,7 @@ void SignOptionsWidget::onSharedSrcPathChanged(const FilePath &sharedSrcPath)
 
 bool SignOptionsWidget::verifyPath(const QString &path, QString *error) const
 {
-    if (isFileChildOf(path, m_sharedSrcPath))
-        return true;
-    if (error) {
-        *error =
-            tr("The path must be inside workspace folder:\n%1").arg(m_sharedSrcPath.toUserOutput());
-    }
-    return false;
+    return isInWorkspace(path, m_sharedSrcPath, error);
 }
 
 QString SignOptionsWidget::searchKeywords() const

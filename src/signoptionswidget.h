@@ -45,7 +45,7 @@ private:
         bool useDefault = true; ///< which is then what the chooser shows
     };
 
-    void initPathChooser(Utils::PathChooser *chooser,
+    void initFileChooser(Utils::PathChooser *chooser,
                          const QString &toolTip,
                          const Utils::Key &historyKey);
     void restore();

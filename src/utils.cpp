@@ -14,10 +14,17 @@ namespace Sealkit::Internal {
 
 Q_LOGGING_CATEGORY(debugLog, "qtc.sealkit", QtWarningMsg)
 
-void setValidation(Utils::PathChooser *chooser,
-                   const Utils::FancyLineEdit::ValidationFunction &function)
+void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup)
 {
-    chooser->setValidationFunction(function);
+    chooser->setExpectedKind(Utils::PathChooser::File);
+    chooser->setPromptDialogFilter(setup.filter);
+    chooser->setPromptDialogTitle(setup.title);
+    if (!setup.historyKey.isEmpty())
+        chooser->setHistoryCompleter(setup.historyKey);
+    chooser->lineEdit()->setPlaceholderText(setup.placeholderText);
+    chooser->setValidationFunction(setup.isValid);
+    // A new chooser is about to tell what it makes of its empty text by itself, and that would stay
+    // until the next change.
     QMetaObject::invokeMethod(
         chooser->lineEdit(), &Utils::FancyLineEdit::validate, Qt::QueuedConnection);
 }
@@ -64,6 +71,17 @@ bool isFileChildOf(const QString &file, const Utils::FilePath &directory)
         return false;
     return QDir::toNativeSeparators(file).startsWith(
         QDir::toNativeSeparators(directory.toFSPathString()), hostFileNameCase());
+}
+
+bool isInWorkspace(const QString &path, const Utils::FilePath &workspace, QString *error)
+{
+    if (isFileChildOf(path, workspace))
+        return true;
+    if (error) {
+        *error = QObject::tr("The path must be inside workspace folder:\n%1")
+                     .arg(workspace.toUserOutput());
+    }
+    return false;
 }
 
 QStringList midDumpOutput(const QString &text)

@@ -2,6 +2,7 @@
 
 #include <utils/fancylineedit.h>
 #include <utils/filepath.h>
+#include <utils/storekey.h>
 
 #include <QLoggingCategory>
 #include <QStringList>
@@ -15,10 +16,16 @@ namespace Sealkit::Internal {
 /// What only developers want to know. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
 Q_DECLARE_LOGGING_CATEGORY(debugLog)
 
-/// Lets \a function alone judge the path. A new chooser is about to tell what it makes of its empty
-/// text, and that would stay until the next change.
-void setValidation(Utils::PathChooser *chooser,
-                   const Utils::FancyLineEdit::ValidationFunction &function);
+/// What a chooser of an existing file needs; the texts are in the user's language.
+struct ChooserSetup
+{
+    QString title;                                    ///< of the dialog to browse in
+    Utils::FancyLineEdit::ValidationFunction isValid; ///< alone judges the path
+    QString filter = QString();                       ///< of the dialog to browse in
+    QString placeholderText = QString();
+    Utils::Key historyKey = Utils::Key(); ///< without one, no history is kept
+};
+void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup);
 
 /// The folder of the regular keys: the one in the workspace if it is there, else the SDK
 /// installation's.
@@ -30,6 +37,9 @@ Utils::FilePath getDefaultCertificate(const Utils::FilePath &workspace);
 /// Whether the text of \a file begins with that of \a directory; so a sibling whose name begins
 /// with the directory's name counts, too. Nothing lies in an empty directory.
 bool isFileChildOf(const QString &file, const Utils::FilePath &directory);
+
+/// Whether \a path lies in \a workspace; otherwise \a error, if given, is a text for the user.
+bool isInWorkspace(const QString &path, const Utils::FilePath &workspace, QString *error);
 
 /// One text per signature in a dump, each beginning at its "Subject". A text ends as many
 /// characters after its begin as the next signature lies from the dump's begin, so that all but the

@@ -130,6 +130,12 @@
         <source>The tool gave no reason; its exit code was %1</source>
         <translation>Das Werkzeug nannte keinen Grund; sein Rückgabewert war %1</translation>
     </message>
+    <message>
+        <source>The path must be inside workspace folder:
+%1</source>
+        <translation>Der Pfad muss im Arbeitsbereich liegen:
+%1</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -334,12 +340,6 @@
         <translation>Eigener Schlüssel</translation>
     </message>
     <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>Der Pfad muss im Arbeitsbereich liegen:
-%1</translation>
-    </message>
-    <message>
         <source>Custom keys are used</source>
         <translation>Eigene Schlüssel werden verwendet</translation>
     </message>
@@ -400,12 +400,6 @@
     <message>
         <source>GOST R 34.10-2012 (256)</source>
         <translation>GOST R 34.10-2012 (256)</translation>
-    </message>
-    <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>Der Pfad muss im Arbeitsbereich liegen:
-%1</translation>
     </message>
     <message>
         <source>File does not exist</source>
@@ -500,12 +494,6 @@
     <message>
         <source>Custom certificate</source>
         <translation>Eigenes Zertifikat</translation>
-    </message>
-    <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>Der Pfad muss im Arbeitsbereich liegen:
-%1</translation>
     </message>
     <message>
         <source>No file is chosen</source>

@@ -130,6 +130,12 @@
         <source>The tool gave no reason; its exit code was %1</source>
         <translation>ツールは理由を示しませんでした。終了コードは %1 でした</translation>
     </message>
+    <message>
+        <source>The path must be inside workspace folder:
+%1</source>
+        <translation>パスはワークスペースフォルダーの中でなければなりません:
+%1</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -334,12 +340,6 @@
         <translation>個別の鍵</translation>
     </message>
     <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>パスはワークスペースフォルダーの中でなければなりません:
-%1</translation>
-    </message>
-    <message>
         <source>Custom keys are used</source>
         <translation>個別の鍵を使用</translation>
     </message>
@@ -400,12 +400,6 @@
     <message>
         <source>GOST R 34.10-2012 (256)</source>
         <translation>GOST R 34.10-2012 (256)</translation>
-    </message>
-    <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>パスはワークスペースフォルダーの中でなければなりません:
-%1</translation>
     </message>
     <message>
         <source>File does not exist</source>
@@ -500,12 +494,6 @@
     <message>
         <source>Custom certificate</source>
         <translation>個別の証明書</translation>
-    </message>
-    <message>
-        <source>The path must be inside workspace folder:
-%1</source>
-        <translation>パスはワークスペースフォルダーの中でなければなりません:
-%1</translation>
     </message>
     <message>
         <source>No file is chosen</source>
