@@ -21,24 +21,29 @@
 using namespace Kiln::Internal;
 using namespace ProjectExplorer;
 using namespace Tasking;
+using Utils::FilePath;
 
 namespace Sealkit::Internal {
 
-QString StepKeys::readDefaultKey() const
+/// What the settings name, else the regular file in the workspace of \a engine.
+static QString globalPath(const char *settingsKey,
+                          const Brisk::BuildEngine *engine,
+                          FilePath (*regularFile)(const FilePath &workspace))
 {
     const QSettings settings;
-    if (settings.contains(Constants::GLOBAL_SIGNKEY_KEY))
-        return settings.value(Constants::GLOBAL_SIGNKEY_KEY).toString();
-    return buildEngine ? getDefaultKey(buildEngine->sharedSrcPath()).toFSPathString() : QString();
+    if (settings.contains(QLatin1String(settingsKey)))
+        return settings.value(QLatin1String(settingsKey)).toString();
+    return engine ? regularFile(engine->sharedSrcPath()).toFSPathString() : QString();
+}
+
+QString StepKeys::readDefaultKey() const
+{
+    return globalPath(Constants::GLOBAL_SIGNKEY_KEY, buildEngine, getDefaultKey);
 }
 
 QString StepKeys::readDefaultCertificate() const
 {
-    const QSettings settings;
-    if (settings.contains(Constants::GLOBAL_SIGNCERT_KEY))
-        return settings.value(Constants::GLOBAL_SIGNCERT_KEY).toString();
-    return buildEngine ? getDefaultCertificate(buildEngine->sharedSrcPath()).toFSPathString()
-                       : QString();
+    return globalPath(Constants::GLOBAL_SIGNCERT_KEY, buildEngine, getDefaultCertificate);
 }
 
 RpmsignExternalStep::RpmsignExternalStep(BuildStepList *parent, Utils::Id id, bool enabled)
@@ -99,16 +104,6 @@ std::optional<QStringList> RpmsignExternalStep::findPackages() const
     return buildStep ? std::optional(buildStep->packages()) : std::nullopt;
 }
 
-static bool namesAll(const QStringList &packages, const QList<PackageDump> &dumps)
-{
-    QSet<QString> named;
-    for (const PackageDump &dump : dumps)
-        named.insert(QFileInfo(dump.packagePath).fileName());
-    return std::all_of(packages.begin(), packages.end(), [&named](const QString &package) {
-        return named.contains(QFileInfo(package).fileName());
-    });
-}
-
 void RpmsignExternalStep::dumpSign(const QString &targetName, const QStringList &packages)
 {
     if (!isLastSigningStep() || m_tool.isStopped())
@@ -128,11 +123,17 @@ void RpmsignExternalStep::dumpSign(const QString &targetName, const QStringList 
         checkSignGroups(dump, QFileInfo(packages.first()).fileName());
         return;
     }
+    QSet<QString> unnamed;
+    for (const QString &package : packages)
+        unnamed.insert(QFileInfo(package).fileName());
     const QList<PackageDump> dumps = dumpsOfPackages(dump, packages);
-    for (const PackageDump &package : dumps)
-        checkSignGroups(package.dump, QFileInfo(package.packagePath).fileName());
+    for (const PackageDump &package : dumps) {
+        const QString name = QFileInfo(package.packagePath).fileName();
+        checkSignGroups(package.dump, name);
+        unnamed.remove(name);
+    }
     // No note on a package would mean that it is ready for customers' devices.
-    if (!namesAll(packages, dumps))
+    if (!unnamed.isEmpty())
         emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
 }
 
@@ -180,15 +181,11 @@ QWidget *RpmsignExternalStep::createConfigWidget()
     widget->setKey(m_keys.key);
     widget->setCertificate(m_keys.certificate);
 
-    connect(widget, &RpmsignExternalWidget::keyChanged, this, &RpmsignExternalStep::setKey);
-    connect(widget,
-            &RpmsignExternalWidget::certificateChanged,
-            this,
-            &RpmsignExternalStep::setCertificate);
-    connect(widget,
-            &RpmsignExternalWidget::useDefaultValuesChanged,
-            this,
-            &RpmsignExternalStep::setUseDefaultValues);
+    using Widget = RpmsignExternalWidget;
+    using Self = RpmsignExternalStep;
+    connect(widget, &Widget::keyChanged, this, &Self::setKey);
+    connect(widget, &Widget::certificateChanged, this, &Self::setCertificate);
+    connect(widget, &Widget::useDefaultValuesChanged, this, &Self::setUseDefaultValues);
     return widget;
 }
 

@@ -18,12 +18,10 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
     , m_ui(std::make_unique<Ui_RpmsignExternalWidget>())
 {
     m_ui->setupUi(this);
+    using Self = RpmsignExternalWidget;
+    connect(m_ui->keyPathChooser, &PathChooser::textChanged, this, &Self::keyChanged);
     connect(
-        m_ui->keyPathChooser, &PathChooser::textChanged, this, &RpmsignExternalWidget::keyChanged);
-    connect(m_ui->certificatePathChooser,
-            &PathChooser::textChanged,
-            this,
-            &RpmsignExternalWidget::certificateChanged);
+        m_ui->certificatePathChooser, &PathChooser::textChanged, this, &Self::certificateChanged);
 
     const auto isValid = [this](FancyLineEdit *edit, QString *error) -> bool {
         return verifyPath(edit->text(), error);
@@ -36,10 +34,8 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
 
     m_ui->keysTypeComboBox->addItems({tr("Default key"), tr("Custom key")});
     m_ui->keysTypeComboBox->setCurrentIndex(0);
-    connect(m_ui->keysTypeComboBox,
-            &QComboBox::currentIndexChanged,
-            this,
-            &RpmsignExternalWidget::updatePathChoosers);
+    connect(
+        m_ui->keysTypeComboBox, &QComboBox::currentIndexChanged, this, &Self::updatePathChoosers);
     updatePathChoosers(m_ui->keysTypeComboBox->currentIndex());
 }
 

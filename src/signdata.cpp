@@ -10,50 +10,44 @@
 #include <QFile>
 #include <QObject>
 
+#include <algorithm>
+
 namespace Sealkit::Internal {
 
-static bool anyEmpty(const QStringList &paths)
+/// Whether the paths that a back end needs are given and lie in \a workspace; otherwise \a error is
+/// the text that fits.
+static bool areUsable(const QStringList &paths,
+                      const Utils::FilePath &workspace,
+                      const QString &emptyText,
+                      const QString &outsideText,
+                      QString *error)
 {
-    return paths.contains(QString());
-}
-
-static bool allInside(const Utils::FilePath &workspace, const QStringList &paths)
-{
-    for (const QString &path : paths) {
-        if (!isFileChildOf(path, workspace))
-            return false;
-    }
-    return true;
+    const auto isInside = [&](const QString &path) { return isFileChildOf(path, workspace); };
+    const bool isAnyEmpty = paths.contains(QString());
+    if (!isAnyEmpty && std::all_of(paths.begin(), paths.end(), isInside))
+        return true;
+    *error = isAnyEmpty ? emptyText : outsideText.arg(workspace.shortNativePath());
+    return false;
 }
 
 template<>
 bool SignData::isValid<RpmsignExternal>(const Utils::FilePath &workspace, QString *error) const
 {
-    const QStringList needed{key, certificate};
-    if (anyEmpty(needed)) {
-        *error = QObject::tr("Error: key and certificate can't be empty");
-        return false;
-    }
-    if (allInside(workspace, needed))
-        return true;
-    *error = QObject::tr("Error: key and certificate must be inside workspace folder: %1")
-                 .arg(workspace.shortNativePath());
-    return false;
+    return areUsable({key, certificate},
+                     workspace,
+                     QObject::tr("Error: key and certificate can't be empty"),
+                     QObject::tr("Error: key and certificate must be inside workspace folder: %1"),
+                     error);
 }
 
 template<>
 bool SignData::isValid<CustomerSealkit>(const Utils::FilePath &workspace, QString *error) const
 {
-    const QStringList needed{binariesKey, key, certificate};
-    if (anyEmpty(needed)) {
-        *error = QObject::tr("Error: keys and certificate can't be empty");
-        return false;
-    }
-    if (allInside(workspace, needed))
-        return true;
-    *error = QObject::tr("Error: keys and certificate must be inside workspace folder: %1")
-                 .arg(workspace.shortNativePath());
-    return false;
+    return areUsable({binariesKey, key, certificate},
+                     workspace,
+                     QObject::tr("Error: keys and certificate can't be empty"),
+                     QObject::tr("Error: keys and certificate must be inside workspace folder: %1"),
+                     error);
 }
 
 static QByteArray csrConfig(const QString &companyName)

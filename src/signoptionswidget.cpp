@@ -20,82 +20,75 @@ namespace Sealkit::Internal {
 
 enum FileIndex { RegularFile, CustomFile };
 
+using Self = SignOptionsWidget;
+
 SignOptionsWidget::SignOptionsWidget()
     : m_ui(std::make_unique<Ui_SignOptionsWidget>())
 {
     m_ui->setupUi(this);
-    m_key.comboBox = m_ui->keyChooserComboBox;
-    m_key.chooser = m_ui->keyPathChooser;
-    m_certificate.comboBox = m_ui->certificateChooserComboBox;
-    m_certificate.chooser = m_ui->certificatePathChooser;
+    m_key = {.comboBox = m_ui->keyChooserComboBox,
+             .chooser = m_ui->keyPathChooser,
+             .pathKey = Constants::GLOBAL_SIGNKEY_KEY,
+             .useDefaultKey = Constants::USE_DEFAULT_SIGNKEY_KEY};
+    m_certificate = {.comboBox = m_ui->certificateChooserComboBox,
+                     .chooser = m_ui->certificatePathChooser,
+                     .pathKey = Constants::GLOBAL_SIGNCERT_KEY,
+                     .useDefaultKey = Constants::USE_DEFAULT_SIGNCERT_KEY};
 
     const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
     if (!engines.isEmpty()) {
-        updateDefaultsKeys(engines.first()->sharedSrcPath());
-        connect(engines.first(),
-                &Brisk::BuildEngine::sharedSrcPathChanged,
-                this,
-                &SignOptionsWidget::onSharedSrcPathChanged);
+        Brisk::BuildEngine *engine = engines.first();
+        updateDefaultsKeys(engine->sharedSrcPath());
+        connect(
+            engine, &Brisk::BuildEngine::sharedSrcPathChanged, this, &Self::onSharedSrcPathChanged);
     }
 
-    connect(m_ui->enableSignStepCheckBox,
-            &QCheckBox::clicked,
-            this,
-            &SignOptionsWidget::enablePathChoosers);
-
-    initFileChooser(
-        m_key.chooser,
-        tr("The path to the key file that will be used by default to sign rpm packages"),
-        Constants::DEFAULT_SIGNKEY_HISTORY_KEY);
-    initFileChooser(m_certificate.chooser,
-                    tr("The path to the certificate file that will be used by default to sign rpm "
-                       "packages"),
-                    Constants::DEFAULT_SIGNCERT_HISTORY_KEY);
-
-    m_key.comboBox->addItems({tr("Regular key"), tr("Custom key")});
-    m_certificate.comboBox->addItems({tr("Regular certificate"), tr("Custom certificate")});
-    connect(m_key.comboBox,
-            &QComboBox::currentIndexChanged,
-            this,
-            &SignOptionsWidget::keyChooserChanged);
-    connect(m_certificate.comboBox,
-            &QComboBox::currentIndexChanged,
-            this,
-            &SignOptionsWidget::certificateChooserChanged);
+    connect(m_ui->enableSignStepCheckBox, &QCheckBox::clicked, this, &Self::enablePathChoosers);
+    initFileChoice(m_key,
+                   tr("The path to the key file that will be used by default to sign rpm packages"),
+                   Constants::DEFAULT_SIGNKEY_HISTORY_KEY,
+                   {tr("Regular key"), tr("Custom key")});
+    initFileChoice(m_certificate,
+                   tr("The path to the certificate file that will be used by default to sign rpm "
+                      "packages"),
+                   Constants::DEFAULT_SIGNCERT_HISTORY_KEY,
+                   {tr("Regular certificate"), tr("Custom certificate")});
+    const auto indexChanged = &QComboBox::currentIndexChanged;
+    connect(m_key.comboBox, indexChanged, this, &Self::keyChooserChanged);
+    connect(m_certificate.comboBox, indexChanged, this, &Self::certificateChooserChanged);
 
     restore();
     for (FileChoice *choice : {&m_key, &m_certificate}) {
         choice->lastCustomPath = choice->chooser->filePath();
-        const int index = choice->useDefault ? RegularFile : CustomFile;
-        choice->comboBox->setCurrentIndex(index);
+        choice->comboBox->setCurrentIndex(choice->useDefault ? RegularFile : CustomFile);
     }
     updatePathChoosers(); // a combo box announces no index that it has had before
-    connect(m_key.chooser, &PathChooser::textChanged, this, &SignOptionsWidget::updateKeyNote);
-    connect(m_certificate.chooser,
-            &PathChooser::textChanged,
-            this,
-            &SignOptionsWidget::updateCertificateNote);
+    const auto textChanged = &PathChooser::textChanged;
+    connect(m_key.chooser, textChanged, this, &Self::updateKeyNote);
+    connect(m_certificate.chooser, textChanged, this, &Self::updateCertificateNote);
     enableComboBoxes(m_ui->enableSignStepCheckBox->isChecked());
 }
 
 SignOptionsWidget::~SignOptionsWidget() = default;
 
-void SignOptionsWidget::initFileChooser(PathChooser *chooser,
-                                        const QString &toolTip,
-                                        const Utils::Key &historyKey)
+void SignOptionsWidget::initFileChoice(const FileChoice &choice,
+                                       const QString &toolTip,
+                                       const Utils::Key &historyKey,
+                                       const QStringList &items)
 {
-    chooser->setToolTip(toolTip);
     // The chooser's path is what will be stored; the text can have a "~" in it.
-    const auto isValid = [this, chooser](FancyLineEdit *, QString *error) -> bool {
+    const auto isValid = [this, chooser = choice.chooser](FancyLineEdit *, QString *error) -> bool {
         return verifyPath(chooser->filePath().toFSPathString(), error);
     };
+    choice.chooser->setToolTip(toolTip);
     initPathChooser(
-        chooser,
+        choice.chooser,
         {.title = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
          .isValid = isValid,
          .filter = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
          .placeholderText = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT),
          .historyKey = historyKey});
+    choice.comboBox->addItems(items);
 }
 
 void SignOptionsWidget::store() const
@@ -103,31 +96,24 @@ void SignOptionsWidget::store() const
     QSettings settings;
     settings.setValue(Constants::ENABLE_DEFAULT_SIGN_KEY,
                       m_ui->enableSignStepCheckBox->isChecked());
-    settings.setValue(Constants::GLOBAL_SIGNKEY_KEY, m_key.chooser->filePath().toFSPathString());
-    settings.setValue(Constants::GLOBAL_SIGNCERT_KEY,
-                      m_certificate.chooser->filePath().toFSPathString());
-    // A default is stored as it was computed, not as the chooser reads it.
-    if (m_key.useDefault)
-        settings.setValue(Constants::GLOBAL_SIGNKEY_KEY, m_key.defaultPath.toFSPathString());
-    if (m_certificate.useDefault)
-        settings.setValue(Constants::GLOBAL_SIGNCERT_KEY,
-                          m_certificate.defaultPath.toFSPathString());
-    settings.setValue(Constants::USE_DEFAULT_SIGNKEY_KEY, m_key.useDefault);
-    settings.setValue(Constants::USE_DEFAULT_SIGNCERT_KEY, m_certificate.useDefault);
+    for (const FileChoice &choice : {m_key, m_certificate}) {
+        // A default is stored as it was computed, not as the chooser reads it.
+        const FilePath path = choice.useDefault ? choice.defaultPath : choice.chooser->filePath();
+        settings.setValue(QLatin1String(choice.pathKey), path.toFSPathString());
+        settings.setValue(QLatin1String(choice.useDefaultKey), choice.useDefault);
+    }
 }
 
 void SignOptionsWidget::restore()
 {
     const QSettings settings;
-    const auto storedPath = [&](const char *key) {
-        return FilePath::fromString(settings.value(QLatin1String(key)).toString());
-    };
     m_ui->enableSignStepCheckBox->setChecked(
         settings.value(Constants::ENABLE_DEFAULT_SIGN_KEY, true).toBool());
-    m_key.chooser->setFilePath(storedPath(Constants::GLOBAL_SIGNKEY_KEY));
-    m_certificate.chooser->setFilePath(storedPath(Constants::GLOBAL_SIGNCERT_KEY));
-    m_key.useDefault = settings.value(Constants::USE_DEFAULT_SIGNKEY_KEY, true).toBool();
-    m_certificate.useDefault = settings.value(Constants::USE_DEFAULT_SIGNCERT_KEY, true).toBool();
+    for (FileChoice *choice : {&m_key, &m_certificate}) {
+        const QString path = settings.value(QLatin1String(choice->pathKey)).toString();
+        choice->chooser->setFilePath(FilePath::fromString(path));
+        choice->useDefault = settings.value(QLatin1String(choice->useDefaultKey), true).toBool();
+    }
 }
 
 void SignOptionsWidget::showFile(FileChoice &choice, int index)

@@ -40,14 +40,17 @@ private:
     {
         QComboBox *comboBox = nullptr;
         Utils::PathChooser *chooser = nullptr;
-        Utils::FilePath defaultPath;
-        Utils::FilePath lastCustomPath;
+        const char *pathKey = nullptr;       ///< in the settings
+        const char *useDefaultKey = nullptr; ///< in the settings
+        Utils::FilePath defaultPath = {};
+        Utils::FilePath lastCustomPath = {};
         bool useDefault = true; ///< which is then what the chooser shows
     };
 
-    void initFileChooser(Utils::PathChooser *chooser,
-                         const QString &toolTip,
-                         const Utils::Key &historyKey);
+    void initFileChoice(const FileChoice &choice,
+                        const QString &toolTip,
+                        const Utils::Key &historyKey,
+                        const QStringList &items);
     void restore();
     void showFile(FileChoice &choice, int index);
     QString problemOf(const FileChoice &choice) const;
