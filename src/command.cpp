@@ -45,156 +45,153 @@ QStringList compose<brisk::engine::start>()
 }
 
 template<>
-QStringList compose<Target>(const QString &targetName)
+QStringList compose<Target>(const QString &target)
 {
-    return compose<brisk::engine>() << words("exec -tt sb2 -t") << targetName;
+    return compose<brisk::engine>() << words("exec -tt sb2 -t") << target;
 }
 
 template<>
-QStringList compose<Target::nxvcert_cli>(const QString &targetName)
+QStringList compose<Target::nxvcert_cli>(const QString &target)
 {
-    return compose<Target>(targetName) << words("nxvcert-cli");
+    return compose<Target>(target) << words("nxvcert-cli");
 }
 
 template<>
-QStringList compose<Target::nxvcert_cli::remove>(const QString &targetName,
-                                                 const QStringList &files)
+QStringList compose<Target::nxvcert_cli::remove>(const QString &target, const QStringList &files)
 {
-    return compose<Target::nxvcert_cli>(targetName) << words("delete") << files;
+    return compose<Target::nxvcert_cli>(target) << words("delete") << files;
 }
 
 template<>
-QStringList compose<Target::nxvcert_cli::dump>(const QString &targetName, const QStringList &files)
+QStringList compose<Target::nxvcert_cli::dump>(const QString &target, const QStringList &files)
 {
-    return compose<Target::nxvcert_cli>(targetName) << words("dump") << files;
+    return compose<Target::nxvcert_cli>(target) << words("dump") << files;
 }
 
 template<>
-QStringList compose<Target::nxvcert_cli::help>(const QString &targetName)
+QStringList compose<Target::nxvcert_cli::help>(const QString &target)
 {
-    return compose<Target::nxvcert_cli>(targetName) << words("--help");
+    return compose<Target::nxvcert_cli>(target) << words("--help");
 }
 
 template<>
-QStringList compose<Target::nxvcert_cli::verify>(const QString &targetName,
+QStringList compose<Target::nxvcert_cli::verify>(const QString &target,
                                                  const QString &rootCertificate,
                                                  const QStringList &files)
 {
-    return compose<Target::nxvcert_cli>(targetName)
+    return compose<Target::nxvcert_cli>(target)
            << words("verify --root-cert-file-path") << rootCertificate << files;
 }
 
 template<>
-QStringList compose<Target::openssl::version>(const QString &targetName)
+QStringList compose<Target::openssl::version>(const QString &target)
 {
     // One element: the engine runs it as a shell line, which finds openssl wherever the target
     // keeps it.
-    return compose<Target>(targetName) << QStringLiteral("openssl version");
+    return compose<Target>(target) << QStringLiteral("openssl version");
 }
 
 template<>
-QStringList compose<Target::openssl::generateKeyGost>(const QString &targetName,
+QStringList compose<Target::openssl::generateKeyGost>(const QString &target,
                                                       const QString &keyPath,
                                                       const bool &encrypt)
 {
     QStringList line =
-        compose<Target>(targetName)
-        << words("openssl genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A -out")
-        << keyPath;
+        compose<Target>(target) << words(
+            "openssl genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A -out")
+                                << keyPath;
     if (encrypt)
         line << words("-aes256");
     return line;
 }
 
 template<>
-QStringList compose<Target::openssl::generateKeyRSA>(const QString &targetName,
+QStringList compose<Target::openssl::generateKeyRSA>(const QString &target,
                                                      const QString &keyPath,
                                                      const bool &encrypt)
 {
-    QStringList line =
-        compose<Target>(targetName)
-        << words("openssl genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048 -out") << keyPath;
+    QStringList line = compose<Target>(target) << words(
+                           "openssl genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048 -out")
+                                               << keyPath;
     if (encrypt)
         line << words("-aes256");
     return line;
 }
 
 template<>
-QStringList compose<Target::openssl::generateRequest>(const QString &targetName,
+QStringList compose<Target::openssl::generateRequest>(const QString &target,
                                                       const QString &keyPath,
                                                       const QString &requestPath,
                                                       const QString &configPath)
 {
-    return compose<Target>(targetName)
-           << words("openssl req -new -utf8 -batch -config") << configPath << words("-key")
-           << keyPath << words("-out") << requestPath;
+    return compose<Target>(target) << words("openssl req -new -utf8 -batch -config") << configPath
+                                   << words("-key") << keyPath << words("-out") << requestPath;
 }
 
 template<>
-QStringList compose<Target::rpmsign_external>(const QString &targetName)
+QStringList compose<Target::rpmsign_external>(const QString &target)
 {
-    return compose<Target>(targetName) << words(Constants::RPMSIGN_EXTERNAL_TOOL);
+    return compose<Target>(target) << words(Constants::RPMSIGN_EXTERNAL_TOOL);
 }
 
 template<>
-QStringList compose<Target::rpmsign_external::remove>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::remove>(const QString &target,
                                                       const QStringList &files)
 {
-    return compose<Target::rpmsign_external>(targetName) << words("delete") << files;
+    return compose<Target::rpmsign_external>(target) << words("delete") << files;
 }
 
 template<>
-QStringList compose<Target::rpmsign_external::dump>(const QString &targetName,
-                                                    const QStringList &files)
+QStringList compose<Target::rpmsign_external::dump>(const QString &target, const QStringList &files)
 {
-    return compose<Target::rpmsign_external>(targetName) << words("dump") << files;
+    return compose<Target::rpmsign_external>(target) << words("dump") << files;
 }
 
 template<>
-QStringList compose<Target::rpmsign_external::version>(const QString &targetName)
+QStringList compose<Target::rpmsign_external::version>(const QString &target)
 {
-    return compose<Target::rpmsign_external>(targetName) << words("--version");
+    return compose<Target::rpmsign_external>(target) << words("--version");
 }
 
 template<>
-QStringList compose<Target::rpmsign_external::sign>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::sign>(const QString &target,
                                                     const QString &key,
                                                     const QString &certificate,
                                                     const QStringList &files)
 {
-    return compose<Target::rpmsign_external>(targetName)
+    return compose<Target::rpmsign_external>(target)
            << words("sign -k") << key << words("-c") << certificate << files;
 }
 
 template<>
-QStringList compose<Target::rpmsign_external::verify>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::verify>(const QString &target,
                                                       const QString &rootCertificate,
                                                       const QStringList &files)
 {
-    QStringList line = compose<Target::rpmsign_external>(targetName) << words("verify");
+    QStringList line = compose<Target::rpmsign_external>(target) << words("verify");
     if (!rootCertificate.isEmpty())
         line << words("--root-cert") << rootCertificate;
     return line << files;
 }
 
 template<>
-QStringList compose<Target::customer_sign>(const QString &targetName)
+QStringList compose<Target::customer_sign>(const QString &target)
 {
-    return compose<Target>(targetName) << words(Constants::CUSTOMER_SIGN_TOOL);
+    return compose<Target>(target) << words(Constants::CUSTOMER_SIGN_TOOL);
 }
 
 template<>
-QStringList compose<Target::customer_sign::help>(const QString &targetName)
+QStringList compose<Target::customer_sign::help>(const QString &target)
 {
-    return compose<Target::customer_sign>(targetName) << words("--help");
+    return compose<Target::customer_sign>(target) << words("--help");
 }
 
 template<>
-QStringList compose<Target::customer_sign::sign>(const QString &targetName,
+QStringList compose<Target::customer_sign::sign>(const QString &target,
                                                  const SignData &data,
                                                  const QStringList &files)
 {
-    QStringList line = compose<Target::customer_sign>(targetName)
+    QStringList line = compose<Target::customer_sign>(target)
                        << words("--binaries-key") << data.binariesKey << words("--packages-key")
                        << data.key << words("--packages-cert") << data.certificate;
     if (!data.clientCertificate.isEmpty())

@@ -68,66 +68,65 @@ QStringList compose<brisk::engine>();
 template<>
 QStringList compose<brisk::engine::start>();
 template<>
-QStringList compose<Target>(const QString &targetName);
+QStringList compose<Target>(const QString &target);
 
 template<>
-QStringList compose<Target::nxvcert_cli>(const QString &targetName);
+QStringList compose<Target::nxvcert_cli>(const QString &target);
 template<>
-QStringList compose<Target::nxvcert_cli::remove>(const QString &targetName,
-                                                 const QStringList &files);
+QStringList compose<Target::nxvcert_cli::remove>(const QString &target, const QStringList &files);
 template<>
-QStringList compose<Target::nxvcert_cli::dump>(const QString &targetName, const QStringList &files);
+QStringList compose<Target::nxvcert_cli::dump>(const QString &target, const QStringList &files);
 template<>
-QStringList compose<Target::nxvcert_cli::help>(const QString &targetName);
+QStringList compose<Target::nxvcert_cli::help>(const QString &target);
 /// An empty \a rootCertificate is passed on: the tool then takes its own bundle.
 template<>
-QStringList compose<Target::nxvcert_cli::verify>(const QString &targetName,
+QStringList compose<Target::nxvcert_cli::verify>(const QString &target,
                                                  const QString &rootCertificate,
                                                  const QStringList &files);
 
 template<>
-QStringList compose<Target::rpmsign_external>(const QString &targetName);
+QStringList compose<Target::rpmsign_external>(const QString &target);
 template<>
-QStringList compose<Target::rpmsign_external::remove>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::remove>(const QString &target,
                                                       const QStringList &files);
 template<>
-QStringList compose<Target::rpmsign_external::dump>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::dump>(const QString &target,
                                                     const QStringList &files);
 template<>
-QStringList compose<Target::rpmsign_external::version>(const QString &targetName);
+QStringList compose<Target::rpmsign_external::version>(const QString &target);
 template<>
-QStringList compose<Target::rpmsign_external::sign>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::sign>(const QString &target,
                                                     const QString &key,
                                                     const QString &certificate,
                                                     const QStringList &files);
 /// An empty \a rootCertificate leaves its option out.
 template<>
-QStringList compose<Target::rpmsign_external::verify>(const QString &targetName,
+QStringList compose<Target::rpmsign_external::verify>(const QString &target,
                                                       const QString &rootCertificate,
                                                       const QStringList &files);
 
 template<>
-QStringList compose<Target::customer_sign>(const QString &targetName);
+QStringList compose<Target::customer_sign>(const QString &target);
 template<>
-QStringList compose<Target::customer_sign::help>(const QString &targetName);
+QStringList compose<Target::customer_sign::help>(const QString &target);
 /// Only an empty client certificate leaves its option out.
 template<>
-QStringList compose<Target::customer_sign::sign>(const QString &targetName,
+QStringList compose<Target::customer_sign::sign>(const QString &target,
                                                  const SignData &data,
                                                  const QStringList &files);
 
 template<>
-QStringList compose<Target::openssl::version>(const QString &targetName);
+QStringList compose<Target::openssl::version>(const QString &target);
 template<>
-QStringList compose<Target::openssl::generateKeyGost>(const QString &targetName,
+QStringList compose<Target::openssl::generateKeyGost>(const QString &target,
                                                       const QString &keyPath,
                                                       const bool &encrypt);
 template<>
-QStringList compose<Target::openssl::generateKeyRSA>(const QString &targetName,
+QStringList compose<Target::openssl::generateKeyRSA>(const QString &target,
                                                      const QString &keyPath,
                                                      const bool &encrypt);
 template<>
-QStringList compose<Target::openssl::generateRequest>(const QString &targetName,
+QStringList compose<Target::openssl::generateRequest>(const QString &target,
                                                       const QString &keyPath,
                                                       const QString &requestPath,
                                                       const QString &configPath);

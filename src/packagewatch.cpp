@@ -10,8 +10,7 @@ namespace Sealkit::Internal {
 /// A build tells of every piece that it writes.
 constexpr std::chrono::milliseconds DELAY{300};
 
-PackageWatch::PackageWatch(QObject *parent)
-    : QObject(parent)
+PackageWatch::PackageWatch()
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(DELAY);

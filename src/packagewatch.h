@@ -14,7 +14,7 @@ class PackageWatch : public QObject
     Q_OBJECT
 
 public:
-    explicit PackageWatch(QObject *parent);
+    PackageWatch();
 
     /// Somebody looks at \a package now: what changes from here on is news. An empty path: at none.
     void lookAt(const QString &package);

@@ -115,7 +115,9 @@ SignDialog::SignDialog(QWidget *parent)
                  m_ui->genReqButton};
     initKeyGeneration();
     initRegularKeys();
-    followCertificates();
+    followCertificate(m_ui->developerCertificateNoteLabel, m_ui->developerCertificatePathChooser);
+    followCertificate(m_ui->clientCertificateNoteLabel, m_ui->clientCertificatePathChooser);
+    followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
     connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
         if (isVisible()) // else it looks when it is shown
@@ -182,6 +184,7 @@ SignDialog::~SignDialog()
 
 void SignDialog::initPathChoosers()
 {
+    using namespace Constants;
     const auto validator = [this](bool mustExist) -> FancyLineEdit::ValidationFunction {
         return [this, mustExist](FancyLineEdit *edit, QString *error) -> bool {
             const FilePath path = FilePath::fromUserInput(edit->text());
@@ -189,18 +192,16 @@ void SignDialog::initPathChoosers()
         };
     };
 
-    initPathChooser(
-        m_ui->rpmPathChooser,
-        {.title = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
-         .isValid = validator(true),
-         .filter = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
-         .placeholderText = Constants::translated(Constants::SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
-         .historyKey = completerKey(Constants::SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY)});
+    initPathChooser(m_ui->rpmPathChooser,
+                    {.title = translated(SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                     .isValid = validator(true),
+                     .filter = translated(SIGN_DATA_RPM_PROMPT_DIALOG_FILTER),
+                     .placeholderText = translated(SIGN_DATA_RPM_PROMPT_DIALOG_TITLE),
+                     .historyKey = completerKey(SIGN_DATA_RPM_PACKAGE_COMPLETER_KEY)});
     connect(m_ui->rpmPathChooser, &PathChooser::rawPathChanged, this, &SignDialog::invalidate);
 
-    const QString keyHint = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT);
-    const QString certificateHint =
-        Constants::translated(Constants::SIGN_DATA_CERT_PLACEHOLDERTEXT);
+    const QString keyHint = translated(SIGN_DATA_KEY_PLACEHOLDERTEXT);
+    const QString certificateHint = translated(SIGN_DATA_CERT_PLACEHOLDERTEXT);
     const struct
     {
         PathChooser *chooser;
@@ -208,35 +209,34 @@ void SignDialog::initPathChoosers()
         const char *historyKey;
         bool mustExist = true;
     } pemFields[] = {
-        {m_ui->binaryKeyPathChooser, keyHint, Constants::SIGN_DATA_BINARY_KEY_COMPLETER_KEY},
-        {m_ui->developerKeyPathChooser, keyHint, Constants::SIGN_DATA_DEVELOPER_KEY_COMPLETER_KEY},
+        {m_ui->binaryKeyPathChooser, keyHint, SIGN_DATA_BINARY_KEY_COMPLETER_KEY},
+        {m_ui->developerKeyPathChooser, keyHint, SIGN_DATA_DEVELOPER_KEY_COMPLETER_KEY},
         {m_ui->developerCertificatePathChooser,
          certificateHint,
-         Constants::SIGN_DATA_DEVELOPER_CERTIFICATE_COMPLETER_KEY},
-        {m_ui->clientKeyPathChooser, keyHint, Constants::SIGN_DATA_CLIENT_KEY_COMPLETER_KEY},
+         SIGN_DATA_DEVELOPER_CERTIFICATE_COMPLETER_KEY},
+        {m_ui->clientKeyPathChooser, keyHint, SIGN_DATA_CLIENT_KEY_COMPLETER_KEY},
         {m_ui->clientCertificatePathChooser,
          certificateHint,
-         Constants::SIGN_DATA_CLIENT_CERTIFICATE_COMPLETER_KEY},
+         SIGN_DATA_CLIENT_CERTIFICATE_COMPLETER_KEY},
         {m_ui->caCertificatePathChooser,
          tr("Select root certificate"),
-         Constants::SIGN_DATA_CA_CERTIFICATE_COMPLETER_KEY},
+         SIGN_DATA_CA_CERTIFICATE_COMPLETER_KEY},
         {m_ui->generatedKeyPathChooser,
          tr("Specify path to save key file or select existing key file"),
-         Constants::KEY_GENERATION_COMPLETER_KEY,
+         KEY_GENERATION_COMPLETER_KEY,
          false},
         {m_ui->generatedReqPathChooser,
          tr("Specify path to save Certificate Signing Request file"),
-         Constants::KEY_GENERATION_COMPLETER_CSR,
+         KEY_GENERATION_COMPLETER_CSR,
          false},
     };
     for (const auto &field : pemFields) {
-        initPathChooser(
-            field.chooser,
-            {.title = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
-             .isValid = validator(field.mustExist),
-             .filter = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
-             .placeholderText = field.placeholderText,
-             .historyKey = completerKey(field.historyKey)});
+        initPathChooser(field.chooser,
+                        {.title = translated(SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
+                         .isValid = validator(field.mustExist),
+                         .filter = translated(SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
+                         .placeholderText = field.placeholderText,
+                         .historyKey = completerKey(field.historyKey)});
         if (!field.mustExist)
             field.chooser->setExpectedKind(PathChooser::SaveFile);
     }
@@ -323,13 +323,6 @@ void SignDialog::initRegularKeys()
         m_ui->developerKeyPathChooser->setFilePath(getDefaultKey(m_workspace));
         m_ui->developerCertificatePathChooser->setFilePath(getDefaultCertificate(m_workspace));
     });
-}
-
-void SignDialog::followCertificates()
-{
-    followCertificate(m_ui->developerCertificateNoteLabel, m_ui->developerCertificatePathChooser);
-    followCertificate(m_ui->clientCertificateNoteLabel, m_ui->clientCertificatePathChooser);
-    followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
 }
 
 SignData SignDialog::data() const
@@ -515,11 +508,6 @@ QString SignDialog::problemOfFields(const SignData &signData) const
     return isValid ? QString() : problem;
 }
 
-static bool hasHalfAClientPair(const SignData &signData)
-{
-    return signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
-}
-
 void SignDialog::addSignature()
 {
     runOnPackage([this](SignTool *tool, const Run &run) {
@@ -535,9 +523,14 @@ void SignDialog::addSignature()
             if (!run)
                 return;
             problem = problemOf(result);
-            if (m_current.hasRpmsignExternal && hasHalfAClientPair(signData))
-                warn(
-                    tr("No client signature was added: it needs a client key and its certificate"));
+            const bool isPairIncomplete =
+                signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
+            if (m_current.hasRpmsignExternal && isPairIncomplete) {
+                const QString warning =
+                    tr("No client signature was added: it needs a client key and its certificate");
+                m_statusBar->showMessage(warning);
+                Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(warning));
+            }
         }
         showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
         refreshPackageState();
@@ -551,13 +544,6 @@ void SignDialog::removeSignature()
         if (run)
             refreshPackageState();
     });
-}
-
-/// Says something that is worth knowing, though nothing failed.
-void SignDialog::warn(const QString &text)
-{
-    m_statusBar->showMessage(text);
-    Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(text));
 }
 
 void SignDialog::clearVerdict()

@@ -54,7 +54,6 @@ private:
     void initBuildEngine();
     void initKeyGeneration();
     void initRegularKeys();
-    void followCertificates();
 
     QString package() const;
     KeyGenerationData keyGenerationData() const;
@@ -71,7 +70,6 @@ private:
                       const std::function<void()> &onNoTool = {});
 
     QString problemOfFields(const SignData &signData) const;
-    void warn(const QString &text);
     void clearVerdict();
     void clearDump();
     void addSignature();
@@ -89,7 +87,7 @@ private:
 
     void processButtonOperation(bool running);
 
-    PackageWatch m_packageWatch{nullptr};
+    PackageWatch m_packageWatch;
     TargetToolsInfo m_current;
     QHash<QString, TargetToolsInfo> m_targetTools;
     QHash<QString, SignTool *> m_signTools;
