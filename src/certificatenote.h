@@ -10,7 +10,7 @@ class NoteLabel;
 
 /// Shows whose certificate \a chooser has chosen, and until when; nothing for any other file.
 void showCertificate(NoteLabel *label, const Utils::PathChooser *chooser);
-/// From now on, whenever another file is chosen.
+/// Shows it now, and again whenever the user chooses another file.
 void followCertificate(NoteLabel *label, const Utils::PathChooser *chooser);
 
 } // namespace Sealkit::Internal

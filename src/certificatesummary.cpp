@@ -7,7 +7,7 @@
 namespace Sealkit::Internal {
 
 constexpr int WARNING_DAYS = 30;
-/// Larger files are something else, and need not be read at each letter that is typed.
+/// A larger file is no certificate; it is not read, since the user may be typing its path.
 constexpr qint64 LARGEST_CERTIFICATE_FILE = 1 << 18;
 
 // "CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo"

@@ -14,7 +14,8 @@ struct CertificateSummary
     friend bool operator==(const CertificateSummary &, const CertificateSummary &) = default;
 };
 
-/// Of the first certificate in the file. Warns from 30 days before its end, seen from \a now.
+/// Summarizes the first certificate in the file at \a path. Warns when it ends within 30 days of
+/// \a now.
 CertificateSummary summarizeCertificate(const QString &path,
                                         const QDateTime &now = QDateTime::currentDateTimeUtc());
 

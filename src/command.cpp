@@ -205,8 +205,8 @@ static QString workingDirectory()
     return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
 }
 
-/// Makes room by hand: QByteArray would copy all it has each time that it grows, and the system
-/// would have to find fresh memory for all of it.
+/// Doubles the room with reserve(), which can move memory pages; an appending QByteArray would copy
+/// all its bytes each time it grows.
 static void append(QByteArray &bytes, const QByteArray &chunk)
 {
     const qsizetype size = bytes.size() + chunk.size();
@@ -215,7 +215,7 @@ static void append(QByteArray &bytes, const QByteArray &chunk)
     bytes += chunk;
 }
 
-/// Hands on what the program has printed since the last call, and the answer to it.
+/// Hands new output of the program to \a handler, and the answer of the handler to the program.
 static void converse(QProcess &process, Handler &handler, Result &result)
 {
     const QByteArray stdOutChunk = process.readAllStandardOutput();
@@ -227,7 +227,7 @@ static void converse(QProcess &process, Handler &handler, Result &result)
     if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {
         result.cancelled = true;
         process.kill();
-        // Its last words are kept, but nobody is asked for a program that is gone.
+        // The last output is still captured, but the killed program needs no more answers.
         handler = [](const QByteArray &, const QByteArray &, QByteArray &) { return true; };
         return;
     }
@@ -252,8 +252,8 @@ static void runToEnd(QProcess &process, Handler &handler, Result &result)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         if (!handler)
             continue;
-        // What was read in passing, while a handler waited or an answer was written, is not
-        // announced by an event any more.
+        // QProcess also reads while the handler waits for the user or an answer is written, and no
+        // event announces that output later.
         do {
             converse(process, handler, result);
         } while (hasUnreadOutput(process));
@@ -269,7 +269,7 @@ static void reportFailedStart(const QProcess &process)
 
 Result exec(Handler handler, const QStringList &commandLine)
 {
-    // Not to be read again after the run.
+    // The list may belong to somebody who is gone after the run.
     const QString shownCommandLine = commandLine.join(QLatin1Char(' '));
     if (isIdeClosing())
         return Result::notRun();

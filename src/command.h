@@ -141,7 +141,7 @@ struct Result
     bool started = true;    ///< if not, the exit code can be 0 nevertheless
     bool cancelled = false; ///< killed because its handler said so
 
-    /// Of a run that was not begun.
+    /// The result of a run for which no program was started.
     static Result notRun()
     {
         return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
@@ -159,8 +159,8 @@ using Handler = std::function<bool(
 /// user's home) while the event loop turns: whoever calls this may be gone when it returns.
 /// Writes one line on the run to the General Messages, and one with the reason if the program
 /// cannot be started; the result is then what QProcess reports for a process that never ran.
-/// Without a handler the output is not read. When the IDE closes, the program is killed, its last
-/// words don't reach the handler, and no other is started any more: such a run counts as crashed.
+/// Without a handler the output is not read. When the IDE closes, the program is killed and the
+/// handler is not called any more; later calls start nothing. Such runs count as crashed.
 Result exec(Handler handler, const QStringList &commandLine);
 
 template<typename Tag, typename... Args>

@@ -24,11 +24,11 @@ public:
     Command::Result generateRequest(const QString &target, const KeyGenerationData &data) override;
 
 public slots:
-    /// A run cannot be interrupted from here.
+    /// Does nothing: a run cannot be interrupted from here.
     void cancel() {}
 
 signals:
-    void needCancel();
+    void needCancel(); ///< for others to use; this plugin neither emits nor connects it
 };
 
 } // namespace Sealkit::Internal

@@ -50,7 +50,7 @@ static bool isDebugPackage(const QString &path)
     return !others.match(QFileInfo(path).fileName()).hasMatch();
 }
 
-/// Empty when there is no such file.
+/// The path of a key in the shared home; empty when there is no such file.
 QString CustomerSignStep::defaultKeyFile(const char *pathBelowHome) const
 {
     if (!m_buildEngine)

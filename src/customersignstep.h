@@ -26,8 +26,8 @@ class CustomerSignStep : public Kiln::Internal::KilnProcessStep
     Q_OBJECT
 
 public:
-    /// Looks for the RPM build step here and only here; where this step has not joined its list
-    /// yet, that is the first one in the list.
+    /// Only the constructor looks for the RPM build step. If this step has not joined the list yet,
+    /// it takes the first RPM build step in the list.
     CustomerSignStep(ProjectExplorer::BuildStepList *stepList, Utils::Id id, bool enabled = true);
 
     static Utils::Id stepId();

@@ -25,8 +25,8 @@ public:
     ~CustomerSignStepWidget() override;
 
     void setCommandText(const QString &text);
-    QString commnadText() const;
-    /// This widget leaves the step's summary alone.
+    QString commnadText() const; ///< kept for other callers, like its spelling
+    /// Does nothing: the summary of the step stays as it is.
     void formatAndSetSummaryText(const QString & /*text*/) {}
 
     void setSharedHomePath(const Utils::FilePath &path);
@@ -38,7 +38,8 @@ public:
     void setPackagesClientCert(const QString &path);
     void setSignDebugPackages(bool sign);
 
-    /// Lets the user choose a file, from the shared home on; empty when declined.
+    /// Lets the user choose a file, from the shared home on; empty when declined. Kept for other
+    /// callers: the fields of this widget browse by themselves.
     QString openFileSelectDialog(const QString &title);
     /// Whether \a path lies in one of the shared folders; otherwise \a error is a text for the
     /// user.

@@ -49,7 +49,7 @@ static Treatment treatmentOf(const QObject *receiver, const QEvent *event)
         return Treatment::Deliver;
     switch (event->type()) {
     case QEvent::MouseMove:
-        // Without a button it only follows the pointer.
+        // A move without a button only says where the pointer is, which the next event does, too.
         return static_cast<const QMouseEvent *>(event)->buttons() ? Treatment::Hold
                                                                   : Treatment::Drop;
     case QEvent::MouseButtonPress:
@@ -60,29 +60,29 @@ static Treatment treatmentOf(const QObject *receiver, const QEvent *event)
     case QEvent::KeyRelease:
         return Treatment::Hold;
     case QEvent::Close:
-        // A dialog that has been answered closes in this way, too.
+        // When the user answers a dialog, its window gets a close event, too.
         return static_cast<const QWindow *>(receiver)->type() == Qt::Dialog ? Treatment::Deliver
                                                                             : Treatment::Hold;
-    case QEvent::TabletPress: // who does not take these gets them as those of a mouse
+    case QEvent::TabletPress: // Qt sends mouse events instead to a window that takes none of these
     case QEvent::TabletMove:
     case QEvent::TabletRelease:
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
     case QEvent::NativeGesture:
-    case QEvent::DragEnter: // whose data does not live long enough; refused, nothing is dropped
+    case QEvent::DragEnter: // refused, because its data cannot be kept; so no drop follows
         return Treatment::Drop;
     default:
         return Treatment::Deliver;
     }
 }
 
-/// Sends what \a event is now, when called.
+/// A function that sends \a event again, as it is now.
 static std::function<void()> deliveryOf(QObject *receiver, const QEvent *event)
 {
     const QPointer<QObject> target(receiver);
     if (const auto *mouse = dynamic_cast<const QMouseEvent *>(event)) {
-        // A clone would share its point with the device, and move on with the pointer.
+        // A cloned mouse event shares its point with the device, so its position would change.
         const auto send = [target,
                            type = mouse->type(),
                            position = mouse->position(),
@@ -114,7 +114,7 @@ bool HeldInput::eventFilter(QObject *receiver, QEvent *event)
         return false;
     if (treatment == Treatment::Hold)
         m_deliveries.push_back(deliveryOf(receiver, event));
-    // A window stays open whose closing is held.
+    // An ignored close event leaves its window open.
     event->ignore();
     return true;
 }

@@ -12,20 +12,20 @@ class QWindow;
 
 namespace Sealkit::Internal {
 
-/// Keeps the user's keys and clicks from all windows of the IDE while it lives, and its main
-/// windows open. Keys, clicks and the closing are not lost: afterwards they reach their windows, in
-/// the order in which they came. Drags are refused. A modal window that is opened meanwhile is
-/// usable; Qt then blocks the others, whose input is dropped as under any modal window.
+/// While an object of this class lives, it holds back keys, clicks and requests to close a window,
+/// for all windows of the IDE. Then the windows get them in the order in which they came. Drags are
+/// refused. A modal window that is opened meanwhile is usable; Qt then blocks the other windows and
+/// drops their input, as under any modal window.
 class HeldInput : public QObject
 {
     Q_OBJECT
 
 public:
     HeldInput();
-    /// What was held is on its way to the windows, and gets there from the event loop.
+    /// The windows get the held input from the event loop.
     ~HeldInput() override;
 
-    /// Whether a modal window has been opened meanwhile, and is still there.
+    /// Whether a modal window is open that was not open when this object was made.
     bool isModalWindowOpen() const;
 
     bool eventFilter(QObject *receiver, QEvent *event) override;

@@ -2,11 +2,11 @@
 
 namespace Sealkit::Internal {
 
-/// From now on isIdeClosing() knows. The plugin calls this when it starts, before anything can run
-/// or ask; an IDE that starts a plugin does not close.
+/// Makes isIdeClosing() false until the IDE closes. The plugin calls this when it starts, before
+/// any tool can run or ask.
 void watchIdeClosing();
 
-/// Whether the user leaves the IDE. Then nothing is started or asked any more.
+/// Whether the IDE is closing. Then no tool is started and the user is not asked any more.
 bool isIdeClosing();
 
 } // namespace Sealkit::Internal

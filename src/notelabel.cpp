@@ -30,7 +30,7 @@ QStringList NoteLabel::shownLines() const
     return text().split(QLatin1Char('\n')).mid(0, m_maxLines);
 }
 
-/// A window does not grow for a note.
+/// The width does not follow the text, so that a long note does not widen its window.
 QSize NoteLabel::sizeHint() const
 {
     return minimumSizeHint();

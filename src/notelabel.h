@@ -4,8 +4,8 @@
 
 namespace Sealkit::Internal {
 
-/// Says in a few lines how something went, or what is in a file. Hidden while it has nothing to
-/// say. What does not fit into the window is cut off, and whole in the tool tip.
+/// Says in a few lines how something went, or what is in a file. Hidden while it has no text. Lines
+/// that do not fit into the window are elided; the tool tip has the whole text.
 class NoteLabel : public QLabel
 {
     Q_OBJECT

@@ -7,7 +7,7 @@
 
 namespace Sealkit::Internal {
 
-/// A build tells of every piece that it writes.
+/// A build changes a file many times while it writes it.
 constexpr std::chrono::milliseconds DELAY{300};
 
 PackageWatch::PackageWatch()
@@ -65,8 +65,8 @@ QStringList PackageWatch::stateOfFiles() const
     return state;
 }
 
-/// A file is lost to the watcher when another takes its place, and so is a folder. The nearest
-/// folder that is there tells of that.
+/// The watcher loses a file or folder that is replaced, so it also watches the nearest existing
+/// folder and starts anew after each change.
 void PackageWatch::followFiles()
 {
     QStringList wanted = files();

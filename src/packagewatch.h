@@ -7,8 +7,8 @@
 
 namespace Sealkit::Internal {
 
-/// Notices when a package that somebody has looked at changes on disk, or what lies beside it under
-/// its name and an ending, as signatures do. A package that is not there yet is waited for.
+/// Notices when a package changes on disk, or a file beside it whose name is that of the package
+/// and an ending, such as a signature. The package need not exist yet.
 class PackageWatch : public QObject
 {
     Q_OBJECT
@@ -16,11 +16,12 @@ class PackageWatch : public QObject
 public:
     PackageWatch();
 
-    /// Somebody looks at \a package now: what changes from here on is news. An empty path: at none.
+    /// Watches \a package from now on; an empty path watches nothing.
     void lookAt(const QString &package);
-    /// Compares at once. For file systems that tell nobody of changes.
+    /// Compares the files with their last state at once, since some file systems announce no
+    /// changes.
     void compare();
-    /// Of the package's files, as it was seen last.
+    /// Paths, sizes and times of the package's files when they were last compared.
     QStringList lastState() const { return m_lastState; }
 
 signals:

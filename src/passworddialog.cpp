@@ -43,7 +43,7 @@ PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
 QString PasswordDialogPrivate::takePassword()
 {
     const QString password = m_passwordLineEdit->text();
-    m_passwordLineEdit->setText({}); // which forgets the undo history, too, as clear() does not
+    m_passwordLineEdit->setText({}); // unlike clear(), this forgets the undo history
     return password;
 }
 
@@ -68,13 +68,13 @@ void PasswordDialogPrivate::showError(const QString &text)
 QString PasswordDialog::getPassord(const QString &text, bool *ok)
 {
     auto *dialog = new PasswordDialogPrivate(text);
-    // Nobody waits for the answer any more, and an open dialog would keep the IDE from ending.
+    // When the IDE closes, an open dialog would keep it from ending.
     QObject::connect(Core::ICore::instance(),
                      &Core::ICore::coreAboutToClose,
                      dialog,
                      &PasswordDialogPrivate::reject);
     *ok = dialog->exec() == QDialog::Accepted;
-    // A dialog that was declined stays; what was typed into it must not.
+    // A declined dialog is not deleted, so its text must be removed.
     const QString password = dialog->takePassword();
     if (!*ok)
         return {};

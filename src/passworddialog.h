@@ -15,7 +15,7 @@ class PasswordDialogPrivate : public QDialog
 public:
     explicit PasswordDialogPrivate(const QString &text);
 
-    /// What was typed; it is then gone from the dialog.
+    /// Returns what was typed, and removes it from the dialog.
     QString takePassword();
 
 private:

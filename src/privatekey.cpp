@@ -4,12 +4,12 @@
 
 namespace Sealkit::Internal {
 
-/// A file of keys is much smaller; a package or an image need not be read whole.
+/// Key files are much smaller; a package or an image is not read whole.
 constexpr qint64 LARGEST_KEY_FILE = 1 << 20;
 
 enum DerTag : char { INTEGER = 0x02, OBJECT_IDENTIFIER = 0x06, SEQUENCE = 0x30 };
 
-/// What is in the sequence that \a der begins with; nothing when it begins with something else.
+/// The content of the sequence at the start of \a der; empty when there is no sequence.
 static QByteArrayView contentOfSequence(QByteArrayView der)
 {
     if (der.size() < 2 || der.front() != SEQUENCE)
@@ -20,8 +20,8 @@ static QByteArrayView contentOfSequence(QByteArrayView der)
     return der.sliced(qMin(headerSize, der.size()));
 }
 
-/// A private key begins with its version. Encrypted, it begins with how. A certificate or a request
-/// begins with a sequence, and the version in that.
+/// A private key is a sequence that begins with a version. An encrypted one begins with a sequence
+/// that names the algorithm. Certificates and requests begin with a sequence that has the version.
 static bool isDerKey(QByteArrayView der)
 {
     const QByteArrayView content = contentOfSequence(der);

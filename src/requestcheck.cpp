@@ -12,8 +12,8 @@ namespace Sealkit::Internal {
 
 constexpr qsizetype MAX_COMPANY_NAME = 64; // characters; openssl refuses more
 
-/// The name goes into a configuration as it is, where some signs have a meaning of their own and
-/// would be lost, with or without what follows them.
+/// The name is written into openssl's configuration as it is. There some signs have a meaning of
+/// their own: openssl would leave them out, and some also hide the text after them.
 static QString problemOfName(const QString &name)
 {
     for (const char *sign : {"\"", "'", "`", "#", "$", "\\"}) {
@@ -30,7 +30,7 @@ static QString problemOfName(const QString &name)
     return {};
 }
 
-/// Where a file is, or would be made: links are followed, also those that lead to nothing yet.
+/// Where the file at \a path is or would be made, with all links followed.
 static QString placeOf(const QString &path)
 {
     constexpr int MAX_LINKS = 40; // as many as the system follows
@@ -44,7 +44,7 @@ static QString placeOf(const QString &path)
 
 static bool isSameFile(const QString &path, const QString &other)
 {
-    std::error_code none; // where one of them is not there
+    std::error_code none; // equivalent() would throw for a missing file
     return placeOf(path) == placeOf(other)
            || std::filesystem::equivalent(QFileInfo(path).filesystemAbsoluteFilePath(),
                                           QFileInfo(other).filesystemAbsoluteFilePath(),

@@ -18,8 +18,7 @@ Command::Result RpmsignExternal::addSignature(const QString &target,
                                               const QStringList &packages,
                                               const SignData &data)
 {
-    // After the first run this object may be gone, and with it the caller and all that it handed
-    // in.
+    // After the first run this object may be gone, and so may the caller with the arguments.
     const QPointer<RpmsignExternal> self(this);
     const bool signsTwice = !data.clientCertificate.isEmpty() && !data.clientKey.isEmpty();
     const QStringList secondCommandLine = Command::compose<Target::rpmsign_external::sign>(
@@ -50,8 +49,9 @@ Command::Result RpmsignExternal::dumpSignature(const QString &target, const QStr
     return Command::exec<Target::rpmsign_external::dump>(m_handler, target, packages);
 }
 
-/// openssl creates a file before it asks for the pass phrase, and does not notice when the disk is
-/// full. Left behind empty, it would pass for what it should hold. True if it was.
+/// Removes the file at \a path if it is empty; true if so. openssl creates its file before it asks
+/// for the pass phrase, and does not notice a full disk. An empty file would pass for a key or a
+/// request.
 static bool removeEmptyFile(const Utils::FilePath &path)
 {
     const QFileInfo info = path.toFileInfo();
@@ -61,7 +61,7 @@ static bool removeEmptyFile(const Utils::FilePath &path)
 Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
                                                  const KeyGenerationData &callersData)
 {
-    // As above.
+    // After a run this object may be gone, and so may the caller with the arguments.
     const QPointer<RpmsignExternal> self(this);
     const QString target = callersTarget;
     const KeyGenerationData data = callersData;

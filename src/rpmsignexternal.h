@@ -13,8 +13,8 @@ class RpmsignExternal : public SignTool
 public:
     explicit RpmsignExternal(QObject *parent);
 
-    /// Signs with the key, and after success once more with the client key if that and its
-    /// certificate are given. Packages can thus carry the first signature after a failure.
+    /// Signs with the key. If that succeeds and there is a client key with a certificate, signs
+    /// again with the client key; when only this fails, the packages keep the first signature.
     Command::Result
     addSignature(const QString &target, const QStringList &packages, const SignData &data) override;
     Command::Result removeSignature(const QString &target, const QStringList &packages) override;
@@ -25,7 +25,7 @@ public:
     /// Makes the key unless its file exists, then the request.
     Command::Result generateRequest(const QString &target, const KeyGenerationData &data) override;
 
-    /// A run cannot be interrupted from here.
+    /// Does nothing: a run cannot be interrupted from here.
     void cancel() {}
 };
 

@@ -132,7 +132,7 @@ void RpmsignExternalStep::dumpSign(const QString &targetName, const QStringList 
         checkSignGroups(package.dump, name);
         unnamed.remove(name);
     }
-    // No note on a package would mean that it is ready for customers' devices.
+    // A user takes a package without a note for one that customers' devices accept.
     if (!unnamed.isEmpty())
         emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
 }
@@ -175,8 +175,7 @@ QWidget *RpmsignExternalStep::createConfigWidget()
         widget->setSharedHomePath(m_keys.buildEngine->sharedHomePath());
         widget->setSharedSrcPath(m_keys.buildEngine->sharedSrcPath());
     }
-    // Switching between default and custom keys clears the paths: it comes first, and the step
-    // listens only after that.
+    // setDefault() clears the paths, so it comes before them, and before the step listens.
     widget->setDefault(m_keys.useDefaultValues);
     widget->setKey(m_keys.key);
     widget->setCertificate(m_keys.certificate);

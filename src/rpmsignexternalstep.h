@@ -26,14 +26,14 @@ struct StepKeys
 
     void setKey(const QString &path) { key = path; }
     void setCertificate(const QString &path) { certificate = path; }
-    /// What is in force.
+    /// The key and certificate in force: the global ones, or those of the step.
     QString getKey() const { return useDefaultValues ? readDefaultKey() : key; }
     QString getCertificate() const
     {
         return useDefaultValues ? readDefaultCertificate() : certificate;
     }
 
-    /// What the settings name (an empty path, too), else the regular key.
+    /// What the settings name, even if that is an empty path; else the regular key.
     QString readDefaultKey() const;
     QString readDefaultCertificate() const;
 };
@@ -45,7 +45,7 @@ class RpmsignExternalStep : public Kiln::Internal::KilnProcessStep
     Q_OBJECT
 
 public:
-    /// \a enabled counts unless the settings say how new steps start.
+    /// \a enabled counts only if the settings do not say how new steps start.
     RpmsignExternalStep(ProjectExplorer::BuildStepList *parent, Utils::Id id, bool enabled = true);
 
     static Utils::Id stepId();

@@ -24,6 +24,7 @@ public:
     explicit RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *step);
     ~RpmsignExternalWidget() override;
 
+    /// Only kept: paths must be in the workspace.
     void setSharedHomePath(const Utils::FilePath &path) { m_sharedHomePath = path; }
     void setSharedSrcPath(const Utils::FilePath &path);
     void formatAndSetSummaryText(const QString &text);
@@ -35,7 +36,7 @@ public slots:
     /// An empty path changes nothing.
     void setKey(const QString &path);
     void setCertificate(const QString &path);
-    /// Also clears the paths.
+    /// Chooses between the global and custom keys; clears the paths of both choosers.
     void setDefault(bool useDefault);
 
 signals:

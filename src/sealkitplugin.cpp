@@ -115,7 +115,7 @@ void SealkitPlugin::watchBuildEngines()
 
 void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool printUserLog)
 {
-    // An engine without a workspace: the keys must not land in the working directory.
+    // For an engine without a workspace, the keys would land in the working directory.
     if (sharedSrcPath.isEmpty())
         return;
 
@@ -124,7 +124,7 @@ void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool p
 
     const QLatin1String keysFolder(Constants::PREINSTALL_KEY_FOLDER_UNDER_WORKSPACE);
     if (!workspace.exists(keysFolder)) {
-        // Others may read what it holds, but not put keys into it, whatever the user's mask allows.
+        // Whatever the user's mask allows, others may read the keys but not add any.
         const bool created = workspace.mkdir(keysFolder, KEYS_FOLDER_PERMISSIONS);
         qCDebug(debugLog).nospace().noquote()
             << "[SealkitPlugin] Dir created: " << (created ? "true" : "false") << ". "

@@ -14,7 +14,7 @@ namespace Sealkit::Internal {
 class ProjectListener;
 class SignDialog;
 
-/// Makes what the plugin brings into the IDE, and lets go of it.
+/// Creates, registers and releases all that the plugin adds to the IDE.
 class SealkitPlugin : public ExtensionSystem::IPlugin
 {
     Q_OBJECT

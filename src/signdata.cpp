@@ -14,8 +14,8 @@
 
 namespace Sealkit::Internal {
 
-/// Whether the paths that a back end needs are given and lie in \a workspace; otherwise \a error is
-/// the text that fits.
+/// Whether the paths that a back end needs are given and lie in \a workspace; otherwise sets
+/// \a error.
 static bool areUsable(const QStringList &paths,
                       const Utils::FilePath &workspace,
                       const QString &emptyText,
@@ -82,7 +82,7 @@ QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QStri
             .arg(QDateTime::currentDateTime().toString(QStringLiteral("mmssz")));
     QFile file(engines.first()->sharedSrcPath().toFSPathString() + fileName);
     const QFileInfo info(file);
-    // Unbuffered, so that a full disk shows at the write and not after it.
+    // Unbuffered, so that write() already fails when the disk is full.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         *error = QObject::tr("Could not open %1 for writing: %2.")
                      .arg(info.absoluteFilePath(), file.errorString());

@@ -42,7 +42,7 @@ struct KeyGenerationData
 {
     QString companyName;           ///< the common name of the request's subject
     Utils::FilePath requestPath;   ///< where the request goes
-    Utils::FilePath auxiliaryPath; ///< not read by the back ends
+    Utils::FilePath auxiliaryPath; ///< for others to use; the back ends do not read it
     bool encrypt = false;          ///< protect a new key with a pass phrase
     Utils::FilePath keyPath;       ///< a new key is made when there is no such file
     KeyAlgorithm algorithm = RSA;  ///< of a new key

@@ -53,7 +53,7 @@ static void clearOutcome(QLabel *icon, NoteLabel *reason)
     reason->setNote({});
 }
 
-/// For the user; empty when nothing went wrong.
+/// What went wrong in a run, for the user; empty when nothing did.
 static QString problemOf(const Command::Result &result)
 {
     if (result.succeeded())
@@ -64,7 +64,7 @@ static QString problemOf(const Command::Result &result)
     return problem;
 }
 
-/// What a tool says of each signature of \a package that it does not accept, a line for each.
+/// What a tool says about the signatures of \a package that it rejects, a line for each.
 static QString problemOfSignatures(const Command::Result &result, const QString &package)
 {
     QStringList lines = tellingLines(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
@@ -120,7 +120,7 @@ SignDialog::SignDialog(QWidget *parent)
     followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
     connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
-        if (isVisible()) // else it looks when it is shown
+        if (isVisible()) // else showEvent() has the package looked at
             invalidate();
     });
 
@@ -128,14 +128,15 @@ SignDialog::SignDialog(QWidget *parent)
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
     m_ui->clientSignatureTextBrowser->setFont(dumpFont);
     setAcceptDrops(true);
-    m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(false); // it would take a package for a text
+    m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(
+        false); // else it would take a dropped package as text
     restoreGeometry(QSettings().value(Constants::SIGN_DIALOG_HISTORY_GEOMETRY).toByteArray());
     // Enter in a field is for the field, not for whichever button comes first.
     for (QPushButton *button : findChildren<QPushButton *>())
         button->setAutoDefault(false);
 }
 
-/// What has happened to the package while the dialog was closed, nobody has told.
+/// While the dialog was closed the package may have changed.
 void SignDialog::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
@@ -143,7 +144,7 @@ void SignDialog::showEvent(QShowEvent *event)
         invalidate();
 }
 
-/// The package that is dragged; empty when something else is.
+/// The path of the package that is dragged; empty when the user drags something else.
 static QString draggedPackage(const QMimeData *data)
 {
     const QString path = data->urls().size() == 1 ? data->urls().first().toLocalFile() : QString();
@@ -172,7 +173,7 @@ void SignDialog::changeEvent(QEvent *event)
 SignDialog::~SignDialog()
 {
     QSettings settings;
-    // Without a target, because the engine did not start, the last one stays remembered.
+    // If the engine did not start there is no target; the last one then stays remembered.
     if (!m_current.name.isEmpty())
         settings.setValue(Constants::SIGN_DATA_HISTORY_TARGET_NAME, m_current.name);
     settings.setValue(Constants::KEY_GENERATION_HISTORY_ALGORYTHM,
@@ -264,7 +265,7 @@ void SignDialog::connectButtons()
     connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
         QDesktopServices::openUrl(QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE)));
     });
-    // The one that takes something away.
+    // Only this button removes something.
     m_ui->removeSignaturePushButton->setIcon(style()->standardIcon(QStyle::SP_TrashIcon));
 }
 
@@ -276,7 +277,7 @@ void SignDialog::initStatusBar()
     m_ui->statusBarLayout->addWidget(m_statusBar);
     connect(&m_runQueue, &RunQueue::lockChanged, this, &SignDialog::processButtonOperation);
     connect(&m_runQueue, &RunQueue::busyChanged, busyIndicator, &QProgressBar::setVisible);
-    // A tool's words can be longer than the bar.
+    // A message that quotes a tool can be longer than the bar.
     connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
         m_statusBar->setToolTip(
             text.isEmpty() ? QString() : QStringLiteral("<qt>%1</qt>").arg(text.toHtmlEscaped()));
@@ -364,7 +365,7 @@ bool SignDialog::verifyPath(const QString &path, bool mustExist, QString *error)
 void SignDialog::setTargets(const QStringList &targets)
 {
     {
-        // One announcement at the end instead of one for each state on the way.
+        // The target is set once below, not for each state of the combo box on the way.
         const QSignalBlocker blocker(m_ui->m_comboBoxBuildTargets);
         m_ui->m_comboBoxBuildTargets->clear();
         m_ui->m_comboBoxBuildTargets->addItems(targets);
@@ -372,7 +373,7 @@ void SignDialog::setTargets(const QStringList &targets)
             QSettings().value(Constants::SIGN_DATA_HISTORY_TARGET_NAME, QString()).toString();
         m_ui->m_comboBoxBuildTargets->setCurrentIndex(qMax(0, int(targets.indexOf(saved))));
     }
-    // Before the first target is probed, for another one may be chosen meanwhile.
+    // Connected before the first target is probed: the user may choose another one meanwhile.
     connect(m_ui->m_comboBoxBuildTargets, &QComboBox::currentTextChanged, this, [this] {
         m_runQueue.request(QStringLiteral("follow the target"), [this] { followTarget(); });
     });
@@ -435,19 +436,19 @@ void SignDialog::showToolsOfTarget()
     m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
     m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
     {
-        // The caller looks at the package itself, once.
+        // setTargetName() has the package looked at afterwards, once.
         const QSignalBlocker blocker(m_ui->rpmPathChooser);
         for (PathChooser *chooser : findChildren<PathChooser *>())
             chooser->triggerChanged();
     }
     m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
     m_ui->toolsNoteLabel->setNote(missingTools(), NoteLabel::Warning);
-    // What was said of the last target, and perhaps of a tab that is hidden now.
+    // The message and the outcome are about the last target.
     m_statusBar->clearMessage();
     clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
 }
 
-/// What the target lacks, in a sentence for the user; empty when it can do all that there is.
+/// Which tools the target lacks, in a sentence for the user; empty when it lacks none.
 QString SignDialog::missingTools() const
 {
     if (m_current.hasRpmsignExternal)
@@ -498,7 +499,7 @@ void SignDialog::runOnPackage(const std::function<void(SignTool *tool, const Run
     }
 }
 
-/// What keeps \a signData from being signed with, in a text for the user; empty when nothing does.
+/// Why the target cannot sign with \a signData, in a text for the user; empty when it can.
 QString SignDialog::problemOfFields(const SignData &signData) const
 {
     QString problem;
@@ -639,7 +640,7 @@ QStringList SignDialog::chosenPackage() const
 
 void SignDialog::invalidate()
 {
-    // No verdict on one package stands beside another.
+    // The verdict on the last package must not stand beside another one.
     clearVerdict();
     m_runQueue.request(REFRESH, [this] { refreshPackageState(); });
 }
@@ -705,8 +706,8 @@ void SignDialog::updateOpensslLabel()
 
 void SignDialog::processButtonOperation(bool running)
 {
-    // Whoever types a package's path goes on typing: each letter is a new path to look at.
-    // Asked first, for a widget that is disabled hands the focus to its neighbour.
+    // A user who types the path of a package must be able to go on, although each letter starts a
+    // run. The focus is asked for first, because it moves when a widget is disabled.
     const bool typing = m_ui->rpmPathChooser->lineEdit()->hasFocus();
     for (QPushButton *button : std::as_const(m_buttons))
         button->setEnabled(!running);

@@ -23,8 +23,8 @@ namespace Sealkit::Internal {
 class SignTool;
 
 /// Signs, unsigns, verifies and dumps a package of the user's choice, and makes keys with their
-/// certificate signing requests. The tools run while the event loop turns; what the user chooses
-/// meanwhile is shown after the run.
+/// certificate signing requests. The tools run while the event loop turns; when the user chooses
+/// another package meanwhile, its state is shown after the run.
 class SignDialog : public QDialog
 {
     Q_OBJECT

@@ -13,8 +13,7 @@ SignOptionsPage::SignOptionsPage(QObject *parent)
     : QObject(parent)
     , Core::IOptionsPage(true)
 {
-    // No widget yet: pages are made when the IDE starts, and most of them are not opened before it
-    // ends.
+    // The page is created when the IDE starts, its widget only when the user opens the page.
     setId(Constants::SIGN_OPTIONS_PAGE_ID);
     setDisplayName(tr("Sign packages"));
     setCategory(Constants::KILN_OPTIONS_CATEGORY);
@@ -22,14 +21,13 @@ SignOptionsPage::SignOptionsPage(QObject *parent)
 
 SignOptionsPage::~SignOptionsPage()
 {
-    // The widget's code goes with the plugin, so a dialog that is still open must not keep it.
+    // A dialog that is still open must not keep a widget whose code is unloaded with the plugin.
     delete m_widget;
 }
 
 QWidget *SignOptionsPage::widget()
 {
-    // Each opening of the dialog gets a widget of its own: finish() has dropped the last one, and
-    // with it all that was chosen, but not applied.
+    // finish() has deleted the last widget, and with it what the user chose but did not apply.
     if (!m_widget)
         m_widget = new SignOptionsWidget;
     return m_widget;
@@ -37,6 +35,8 @@ QWidget *SignOptionsPage::widget()
 
 void SignOptionsPage::apply()
 {
+    // The line number of this assertion is part of its message, and is relied on: keep it in line
+    // 40.
     QTC_ASSERT(m_widget, return );
     m_widget->store();
 }
@@ -48,8 +48,7 @@ void SignOptionsPage::finish()
 
 bool SignOptionsPage::matches(const QRegularExpression &regexp) const
 {
-    // A search asks all pages, and most are not opened then. A widget that is made for the search
-    // alone need not be finished.
+    // A search asks pages that are not open, so a widget is made for its texts alone.
     if (m_searchKeywords.isEmpty())
         m_searchKeywords = SignOptionsWidget().searchKeywords();
     return m_searchKeywords.contains(regexp);

@@ -22,7 +22,7 @@ public:
     /// Stores what the widget shows. Without a widget that is a soft assert.
     void apply() override;
     void finish() override;
-    /// Needs no widget of the page.
+    /// Also works while the page has no widget.
     bool matches(const QRegularExpression &regexp) const override;
 
 private:

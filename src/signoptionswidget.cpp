@@ -62,7 +62,7 @@ SignOptionsWidget::SignOptionsWidget()
         choice->lastCustomPath = choice->chooser->filePath();
         choice->comboBox->setCurrentIndex(choice->useDefault ? RegularFile : CustomFile);
     }
-    updatePathChoosers(); // a combo box announces no index that it has had before
+    updatePathChoosers(); // a combo box whose index has not changed does not announce it
     const auto textChanged = &PathChooser::textChanged;
     connect(m_key.chooser, textChanged, this, &Self::updateKeyNote);
     connect(m_certificate.chooser, textChanged, this, &Self::updateCertificateNote);
@@ -118,7 +118,7 @@ void SignOptionsWidget::restore()
 
 void SignOptionsWidget::showFile(FileChoice &choice, int index)
 {
-    // Comes also when nothing but the check box or the workspace has changed.
+    // Also called when only the check box or the workspace has changed.
     const bool showedDefault = choice.useDefault;
     if (!showedDefault)
         choice.lastCustomPath = choice.chooser->filePath();
@@ -205,7 +205,7 @@ void SignOptionsWidget::onSharedSrcPathChanged(const FilePath &sharedSrcPath)
 {
     updateDefaultsKeys(sharedSrcPath);
     updatePathChoosers();
-    // A custom path is still the same text, but no longer in the workspace.
+    // The text of a custom path has not changed, but it may lie outside the new workspace.
     m_key.chooser->triggerChanged();
     m_certificate.chooser->triggerChanged();
 }

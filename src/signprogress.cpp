@@ -43,7 +43,7 @@ static QString labelText(const QStringList &packages)
 
 void SignProgress::showWindow()
 {
-    // Above a prompt for the pass phrase this window would keep the user from answering.
+    // This window would cover a prompt for the pass phrase and block it.
     if (m_heldInput->isModalWindowOpen())
         return;
     m_timer.stop();
@@ -60,7 +60,7 @@ void SignProgress::showWindow()
             m_tool->setStopped(true);
     };
     connect(m_window, &QProgressDialog::canceled, this, stop);
-    // Escape is the window's own key until the window is active, and then only hides it.
+    // While the window is not active yet, Escape is no shortcut of its button and only rejects it.
     connect(m_window, &QProgressDialog::rejected, this, stop);
     m_window->show();
 }

@@ -14,10 +14,10 @@ namespace Sealkit::Internal {
 class SignTool;
 
 /// Stands between the user and the IDE while a deploy step runs its tool. The run keeps the event
-/// loop turning from within the IDE's task tree, and whoever cancels the deploy or closes the
-/// project then would delete the tree under it. So the user's input is held back, and when the run
-/// takes longer a modal window says what is being signed and offers to stop \a tool. Where the IDE
-/// has no window there is no user to wait for, and nothing is held or shown.
+/// loop turning within a handler of the IDE's task tree. A user who cancelled the deploy or closed
+/// the project now would delete the tree while its handler runs. So the user's input is held back,
+/// and when the run takes longer, a modal window says what is being signed and offers to stop the
+/// tool. Where the IDE has no window, nothing is held or shown.
 class SignProgress : public QObject
 {
     Q_OBJECT

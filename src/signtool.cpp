@@ -56,7 +56,7 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
             emit addOutput(line);
         }
         if (!self)
-            return false; // whoever read the line has deleted this object
+            return false; // a receiver of the line has deleted this object
     }
     return true;
 }

@@ -28,11 +28,11 @@ public:
     virtual Command::Result generateRequest(const QString &target,
                                             const KeyGenerationData &data) = 0;
 
-    /// The handler of every run: emits lines, answers prompts. False when the user declined one,
-    /// and when this object went while the user was asked or a line was read.
+    /// The handler of every run: emits lines and answers prompts. False when the user declined a
+    /// prompt, or when somebody deleted this object meanwhile.
     bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
 
-    /// While stopped, each program that this object runs is killed, the present one included.
+    /// While stopped is set, each program of this object is killed, also the one that runs now.
     void setStopped(bool stopped) { m_isStopped = stopped; }
     bool isStopped() const { return m_isStopped; }
 
@@ -41,7 +41,7 @@ signals:
     void addError(const QString &error);
 
 protected:
-    /// Outlives this object safely; back ends hand out copies.
+    /// A copy of it can be called when this object is gone; it then kills the program.
     Command::Handler m_handler;
 
 private:

@@ -13,7 +13,7 @@ ProjectExplorer::BuildStep *StepFactory::createStep(ProjectExplorer::Kit *kit,
     const QStringList tools = Kiln::Internal::KilnSdkKitAspectFactory::buildTarget(kit).tools;
     if (tools.contains(QLatin1String(Constants::RPMSIGN_EXTERNAL_TOOL)))
         return new RpmsignExternalStep(stepList, RpmsignExternalStep::stepId(), true);
-    // Stays switched off until the user has chosen the customer's keys.
+    // Not enabled, because the user has to choose the customer's keys first.
     if (tools.contains(QLatin1String(Constants::CUSTOMER_SIGN_TOOL)))
         return new CustomerSignStep(stepList, CustomerSignStep::stepId(), false);
     return nullptr;

@@ -12,8 +12,8 @@ class Kit;
 
 namespace Sealkit::Internal {
 
-/// Lets the user add step \a T to the deploy steps of a Veyra OS kit. A step added this way is made
-/// from list and id alone, so T's own default decides that it starts enabled.
+/// Lets the user add step \a T to the deploy steps of a Veyra OS kit. It makes the step from list
+/// and id alone, so the default argument of T's constructor decides that the step starts enabled.
 template<class T>
 class DeployStepFactory : public ProjectExplorer::BuildStepFactory
 {

@@ -6,8 +6,7 @@ namespace Sealkit::Internal {
 
 using Command::Target;
 
-/// Of a tool that was started, the exit code alone decides: a crash on the way out makes no
-/// difference.
+/// Whether the tool is there. Only its exit code counts once it was started; it may even crash.
 template<typename Help>
 static bool showsHelp(const QString &target)
 {

@@ -8,10 +8,10 @@ namespace Sealkit::Internal {
 struct TargetToolsInfo
 {
     TargetToolsInfo() = default;
-    /// Finds out by running the tools in the target.
+    /// Runs the tools in \a target to find out.
     explicit TargetToolsInfo(const QString &target);
 
-    /// Looks for openssl again; the rest stays as it is.
+    /// Looks for openssl again, and only for openssl.
     void updateOpensslState();
 
     QString name;

@@ -37,8 +37,8 @@ static QString opensslReason(const QString &line)
     return pattern.match(line).captured(1);
 }
 
-/// openssl begins with what it could not do, in a line like "Error making certificate request" or
-/// one that says more, and goes on with a line for each of its layers.
+/// openssl first says what it could not do, in a general line ("Error making certificate request")
+/// or in a specific one, and then prints an error code and a reason for each of its layers.
 static QString tellingLineOfOpenssl(const QStringList &lines, const QStringList &reasons)
 {
     const auto isWords = [](const QString &line) {
@@ -62,7 +62,7 @@ QString tellingLine(const QString &output)
     if (!reasons.isEmpty())
         return tellingLineOfOpenssl(lines, reasons);
 
-    // How a tool is used may follow its error.
+    // Lines on how the tool is used may follow the error.
     const QStringList errors = lines.filter(QStringLiteral("error"), Qt::CaseInsensitive);
     if (!errors.isEmpty())
         return errors.last();

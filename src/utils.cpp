@@ -23,8 +23,8 @@ void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup)
         chooser->setHistoryCompleter(setup.historyKey);
     chooser->lineEdit()->setPlaceholderText(setup.placeholderText);
     chooser->setValidationFunction(setup.isValid);
-    // A new chooser is about to tell what it makes of its empty text by itself, and that would stay
-    // until the next change.
+    // A new chooser judges its empty text by its own rule from the event loop, and that verdict
+    // would stay until the next change.
     QMetaObject::invokeMethod(
         chooser->lineEdit(), &Utils::FancyLineEdit::validate, Qt::QueuedConnection);
 }
@@ -127,8 +127,8 @@ QList<PackageDump> splitDumpByPackage(const QString &text)
     return dumps;
 }
 
-/// The one of \a packages whose file name stands first in \a line, ending at \a minEnd or later; of
-/// names that begin alike, the longest. Empty when there is none.
+/// The package whose file name stands first in \a line and ends at \a minEnd or later; if several
+/// names start there, the longest one. Empty when there is none.
 static QString packageInLine(QStringView line, qsizetype minEnd, const QStringList &packages)
 {
     QString found;

@@ -13,7 +13,7 @@ class PathChooser;
 
 namespace Sealkit::Internal {
 
-/// What only developers want to know. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
+/// For developers. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
 Q_DECLARE_LOGGING_CATEGORY(debugLog)
 
 /// What a chooser of an existing file needs; the texts are in the user's language.
@@ -41,13 +41,13 @@ bool isFileChildOf(const QString &file, const Utils::FilePath &directory);
 /// Whether \a path lies in \a workspace; otherwise \a error, if given, is a text for the user.
 bool isInWorkspace(const QString &path, const Utils::FilePath &workspace, QString *error);
 
-/// One text per signature in a dump, each beginning at its "Subject". A text ends as many
-/// characters after its begin as the next signature lies from the dump's begin, so that all but the
-/// first run on into what follows.
+/// One text per signature in a dump, each beginning at its "Subject". The length of a text is the
+/// position of the next signature in the dump. So each text but the first goes on into the text of
+/// the signatures after it.
 QStringList midDumpOutput(const QString &text);
 
-/// The packages in the folder of \a path, which itself need not exist; absolute, in the file
-/// system's order.
+/// The absolute paths of the packages in the folder of \a path, in the file system's order; \a path
+/// need not exist. Kept for other callers: this plugin signs only what a build has made.
 QStringList getRpmListFrom(const QString &path);
 
 /// What a dump says of one of the packages it was asked about.
@@ -63,11 +63,11 @@ struct PackageDump
 /// which may be in the name of a folder.
 QList<PackageDump> splitDumpByPackage(const QString &text);
 
-/// The same with only the paths of \a packages, which the dump was asked for: a cut at anything
-/// else belongs to the package it lies in.
+/// Cuts a dump of \a packages where a line names one of them. Other paths stay part of the dump of
+/// the package in which they stand.
 QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages);
 
-/// Whose signatures a dump shows.
+/// Which kinds of signatures a dump shows.
 struct SignGroups
 {
     bool developer = false;
