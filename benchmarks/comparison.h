@@ -1,91 +1,74 @@
 #pragma once
 
+#include <QStringList>
+
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <stdexcept>
-#include <string>
-#include <vector>
+
+class Workplace;
 
 namespace Benchmarks {
 
-/// How much is measured: all of it, or just enough to see that each benchmark works.
-struct Extent
-{
-    bool isSmoke = false;
+/// Only as much is measured as it takes to see that each benchmark works.
+extern bool isSmoke;
 
-    template<typename Value>
-    Value pick(Value full, Value tiny) const
-    {
-        return isSmoke ? tiny : full;
-    }
-};
-
-/// A measurement that cannot be made; what() is for people.
-struct Failure : std::runtime_error
+inline int pick(int full, int tiny)
 {
-    using std::runtime_error::runtime_error;
-};
-
-inline void require(bool condition, const std::string &otherwise)
-{
-    if (!condition)
-        throw Failure(otherwise);
+    return isSmoke ? tiny : full;
 }
 
-/// What a row is to reach.
-struct Aim
+/// Gives a measurement up unless \a condition holds.
+inline void require(bool condition, const QString &otherwise)
 {
-    std::string text = "-";
-    std::function<bool(double ours, double yardstick)> isMet; ///< none: the row is for information
-};
+    if (!condition)
+        throw std::runtime_error(otherwise.toStdString());
+}
 
-Aim atMostTimes(double factor);
-Aim atLeastTimes(double factor);
-Aim atMost(double value, const std::string &unit);
-Aim atMostMore(double value, const std::string &unit);
-Aim operator&&(const Aim &left, const Aim &right);
-Aim operator||(const Aim &left, const Aim &right);
+/// Each returns milliseconds.
+struct Measures
+{
+    std::function<double()> ours;
+    std::function<double()> yardstick{}; ///< none: nothing to compare with
+};
 
 /// A row of the table: what this project needs for something, beside what a yardstick needs.
 struct Comparison
 {
-    using Measure = std::function<double()>;
-
-    std::string what;
-    std::string size;
-    std::string unit;    ///< of the values that the measures return
-    int rounds = 1;      ///< how often each is measured; the table shows medians
-    Measure ours;        ///< may throw Failure
-    Measure yardstick{}; ///< none: nothing to compare with
-    Aim aim{};
-
-    /// Unique, and what --benchmark_filter looks at.
-    std::string name() const { return what + " / " + size; }
+    QString what;
+    QString size;
+    int rounds; ///< how often each is measured; the table shows medians
+    /// Makes what the measures work with; not called for rows that are filtered out.
+    std::function<Measures()> prepare;
+    /// The aim: by how many milliseconds ours is longer at most. None: the row is for information.
+    std::optional<double> atMostMore{};
 };
-
-/// Registers a benchmark that measures both in turns, so that both meet the same weather.
-void add(const Comparison &comparison);
-
-using Clock = std::chrono::steady_clock;
-
-inline double millisecondsBetween(Clock::time_point start, Clock::time_point end)
-{
-    return std::chrono::duration<double, std::milli>(end - start).count();
-}
 
 /// The milliseconds that \a action takes.
 template<typename Action>
 double milliseconds(const Action &action)
 {
-    const Clock::time_point start = Clock::now();
+    const auto start = std::chrono::steady_clock::now();
     action();
-    return millisecondsBetween(start, Clock::now());
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    return time.count();
 }
 
-double median(std::vector<double> values);
+/// Runs a program that has to end with 0, and returns what it prints.
+QByteArray outputOf(const QStringList &words, const QString &workingDirectory = {});
+/// The milliseconds that it takes, without its output.
+double timeOf(const QStringList &words);
+/// Builds the packages of the demo project and returns the path of one, which is small.
+QString buildDemoPackage(const Workplace &workplace);
 
-/// Runs the benchmarks that fit Google Benchmark's options and prints one row for each. The number
-/// of those that failed.
-int runAll();
+// The rows of each theme. What is measured works in \a workplace.
+QList<Comparison> deployRows(Workplace &workplace);
+QList<Comparison> toolRows(const Workplace &workplace);
+QList<Comparison> windowRows(const Workplace &workplace);
+
+/// Measures the rows whose "what / size" fits \a filter, prints each as soon as it is there, and
+/// writes all to \a jsonFile if there is a name. False when one could not be measured.
+bool run(const QList<Comparison> &rows, const QString &filter, const QString &jsonFile);
 
 } // namespace Benchmarks

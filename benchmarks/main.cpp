@@ -1,55 +1,59 @@
 // Measures what this project adds to its tools' own time, and how well it keeps its window alive.
-#include "themes.h"
+#include "comparison.h"
 #include "workplace.h"
 
-#include <benchmark/benchmark.h>
+#include <brisk/installation.h>
+#include <extensionsystem/iplugin.h>
+#include <veyraos/veyraosplugin.h>
 
 #include <QApplication>
+#include <QCommandLineParser>
+#include <QPluginLoader>
 
-#include <algorithm>
-#include <cstring>
+#include <cstdio>
 
 using namespace Benchmarks;
 
-/// Takes \a option out of the arguments.
-static bool takeOption(int &argc, char **argv, const char *option)
-{
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], option) != 0)
-            continue;
-        std::copy(argv + i + 1, argv + argc + 1, argv + i);
-        --argc;
-        return true;
-    }
-    return false;
-}
-
-static QtMessageHandler theDefaultHandler = nullptr;
-
 /// The platform without a display complains about each window that is shown.
-static void
-dropComplaints(QtMsgType type, const QMessageLogContext &context, const QString &message)
+static void dropComplaints(QtMsgType, const QMessageLogContext &, const QString &message)
 {
     if (!message.startsWith("This plugin does not support "))
-        theDefaultHandler(type, context, message);
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+/// Loads and initializes the plugin, as the IDE does when it starts, and prints how many
+/// milliseconds that took. What the plugin depends on is there already.
+static int startPlugin(const QString &sdk)
+{
+    const SettingsScope settings;
+    const Kiln::Internal::VeyraOSPlugin hostPlugin;
+    QString error;
+    std::unique_ptr<ExtensionSystem::IPlugin> plugin;
+    bool isStarted = Brisk::openInstallation(Utils::FilePath::fromString(sdk), &error);
+    const double time = milliseconds([&] {
+        QPluginLoader loader(SEALKIT_LIBRARY);
+        plugin.reset(qobject_cast<ExtensionSystem::IPlugin *>(loader.instance()));
+        isStarted = isStarted && plugin && plugin->initialize({}, &error);
+        if (isStarted)
+            plugin->extensionsInitialized();
+    });
+    std::fprintf(isStarted ? stdout : stderr, "%f\n%s", time, qPrintable(error));
+    return isStarted ? 0 : 1;
 }
 
 int main(int argc, char **argv)
 {
-    const Extent extent{.isSmoke = takeOption(argc, argv, "--smoke")};
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 2;
-    theDefaultHandler = qInstallMessageHandler(dropComplaints);
+    qInstallMessageHandler(dropComplaints);
     const QApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.addOptions({{"smoke", {}}, {"filter", {}, "regex"}, {"json", {}, "file"}});
+    parser.addOption({"start-plugin", {}, "sdk"}); // what a row runs in a process of its own
+    parser.process(application);
+    if (parser.isSet("start-plugin"))
+        return startPlugin(parser.value("start-plugin"));
+    isSmoke = parser.isSet("smoke");
 
     Workplace workplace;
-    addRuns(workplace, extent);
-    addStreams(extent);
-    addDeploys(workplace, extent);
-    addSignings(workplace, extent);
-    addTexts(extent);
-    addStartups(workplace, extent);
-    addWindows(extent);
-    return runAll() == 0 ? 0 : 1;
+    const auto rows = deployRows(workplace) + toolRows(workplace) + windowRows(workplace);
+    return run(rows, parser.value("filter"), parser.value("json")) ? 0 : 1;
 }
