@@ -72,7 +72,7 @@ QList<Comparison> deployRows(Workplace &workplace)
     for (int count = 1; count <= pick(1000, 10); count *= 10) {
         const auto prepare = [=, &workplace] { return signing(workplace, count); };
         rows << Comparison{"deploy: sign and dump, and the tools alone",
-                           QString::number(count) + " packages",
+                           QString::number(count) + (count == 1 ? " package" : " packages"),
                            pick(std::max(3, 201 / count), 1),
                            prepare,
                            50};

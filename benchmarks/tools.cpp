@@ -44,8 +44,7 @@ static QStringList copies(const QTemporaryDir &folder, const QString &package, i
     return paths;
 }
 
-/// How long \a command takes, each time with fresh copies, which \a signing signs before another
-/// one.
+/// How long \a command takes with fresh copies, which \a signing signs first for any other command.
 static std::function<double()>
 timing(const QString &package, int count, const QStringList &signing, const QStringList &command)
 {
@@ -75,8 +74,8 @@ static Measures comparedWithRpm(const Workplace &workplace, const QString &verb,
         {"sign", rpmsign},
         {"dump", {"rpm", "-q", "--nosignature", "--qf", "%{RSAHEADER:pgpsig}", "-p"}},
         {"verify", {"rpmkeys", "--dbpath", key->folder(), "--checksig"}}};
-    const auto timingOfRpm = timing(package, count, rpmsign, rpms[verb]);
-    return {timing(package, count, sign, ours[verb]), [=] { return (void)key, timingOfRpm(); }};
+    const auto byRpm = timing(package, count, rpmsign, rpms[verb]);
+    return {timing(package, count, sign, ours[verb]), [byRpm, key] { return byRpm(); }};
 }
 
 QList<Comparison> toolRows(const Workplace &workplace)
