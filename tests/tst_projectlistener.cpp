@@ -1,23 +1,18 @@
-#include "constants.h"
 #include "customersignstep.h"
 #include "projectlistener.h"
 #include "rpmsignexternalstep.h"
 #include "stepfactory.h"
 #include "straywarnings.h"
+#include "testrow.h"
 #include "workplace.h"
 
-#include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 #include <projectexplorer/deployconfiguration.h>
 #include <projectexplorer/devicesupport/devicekitaspects.h>
-#include <projectexplorer/kitmanager.h>
 #include <projectexplorer/project.h>
-#include <projectexplorer/projectmanager.h>
 #include <projectexplorer/target.h>
 
 #include <QFile>
 #include <QSettings>
-#include <QTest>
 
 using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
@@ -45,12 +40,10 @@ private slots:
 
     void insertsTheStepThatFitsTheTarget_data();
     void insertsTheStepThatFitsTheTarget();
-    void obeysTheSwitchForNewSteps_data();
-    void obeysTheSwitchForNewSteps();
     void servesWhatIsAddedLater();
-    void leavesConfigurationsAlone();
-    void putsTheStepBehindTheFirstRpmBuildStep();
-    void leavesProjectsAloneThatWereOpenBefore();
+    void completesConfigurations_data();
+    void completesConfigurations();
+    void leavesProjectsThatWereOpenBefore();
     void offersStepsWhereTheyFit();
 
 private:
@@ -75,102 +68,72 @@ void ProjectListenerTest::cleanup()
 void ProjectListenerTest::insertsTheStepThatFitsTheTarget_data()
 {
     QTest::addColumn<QString>("targetName");
-    QTest::addColumn<bool>("addCustomerSign");
+    QTest::addColumn<QVariant>("switchForNewSteps");
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<bool>("enabled");
 
-    QTest::newRow("rpmsign-external")
-        << RPMSIGN_TARGET << false << QStringList{RPM_BUILD, RPMSIGN} << true;
-    QTest::newRow("both tools") << RPMSIGN_TARGET << true << QStringList{RPM_BUILD, RPMSIGN}
-                                << true;
-    QTest::newRow("customer-sign")
-        << CUSTOMER_TARGET << false << QStringList{RPM_BUILD, CUSTOMER} << false;
-    QTest::newRow("no tool") << BARE_TARGET << false << QStringList{RPM_BUILD} << true;
+    const TemporarySdk &sdk = m_workplace.sdk();
+    QVERIFY(QFile::copy(sdk.tool("customer-sign", CUSTOMER_TARGET), sdk.tool("customer-sign")));
+    const QStringList rpmsign{RPM_BUILD, RPMSIGN};
+    const QStringList customer{RPM_BUILD, CUSTOMER};
+    addRow("rpmsign-external beside customer-sign", RPMSIGN_TARGET, QVariant(), rpmsign, true);
+    addRow("rpmsign-external, switched off", RPMSIGN_TARGET, QVariant(false), rpmsign, false);
+    addRow("customer-sign knows no switch", CUSTOMER_TARGET, QVariant(true), customer, false);
+    addRow("no tool", BARE_TARGET, QVariant(), QStringList{RPM_BUILD}, true);
 }
 
 void ProjectListenerTest::insertsTheStepThatFitsTheTarget()
 {
     QFETCH(const QString, targetName);
-    QFETCH(const bool, addCustomerSign);
-    const QString tools = m_workplace.sdk().path() + "/engine/targets/%1/bin/customer-sign";
-    if (addCustomerSign)
-        QVERIFY(QFile::copy(tools.arg(CUSTOMER_TARGET), tools.arg(targetName)));
-
+    QFETCH(const QVariant, switchForNewSteps);
+    if (switchForNewSteps.isValid())
+        QSettings().setValue("Sealkit.DefaultSign", switchForNewSteps);
     const BuildStepList *steps = deploySteps(m_workplace.openProject(targetName));
     QTEST(stepIds(steps), "steps");
     QTEST(steps->steps().last()->stepEnabled(), "enabled");
-    if (addCustomerSign)
-        QFile::remove(tools.arg(targetName));
-}
-
-void ProjectListenerTest::obeysTheSwitchForNewSteps_data()
-{
-    QTest::addColumn<QString>("targetName");
-    QTest::addColumn<bool>("stored");
-    QTest::addColumn<bool>("enabled");
-
-    QTest::newRow("rpmsign-external, on") << RPMSIGN_TARGET << true << true;
-    QTest::newRow("rpmsign-external, off") << RPMSIGN_TARGET << false << false;
-    QTest::newRow("customer-sign knows no switch") << CUSTOMER_TARGET << true << false;
-}
-
-void ProjectListenerTest::obeysTheSwitchForNewSteps()
-{
-    QFETCH(const QString, targetName);
-    QFETCH(const bool, stored);
-    QSettings().setValue("Sealkit.DefaultSign", stored);
-    QTEST(deploySteps(m_workplace.openProject(targetName))->at(1)->stepEnabled(), "enabled");
 }
 
 void ProjectListenerTest::servesWhatIsAddedLater()
 {
     Project *project = m_workplace.openProject(RPMSIGN_TARGET);
-    const QStringList expected{RPM_BUILD, RPMSIGN};
-
-    QCOMPARE(stepIds(addConfiguration(project->activeTarget())->stepList()), expected);
-
+    QCOMPARE(stepIds(addConfiguration(project->activeTarget())->stepList()),
+             (QStringList{RPM_BUILD, RPMSIGN}));
     Target *later = project->addTargetForKit(m_workplace.kit(CUSTOMER_TARGET));
-    const QStringList expectedLater{RPM_BUILD, CUSTOMER};
-    QCOMPARE(stepIds(later->activeDeployConfiguration()->stepList()), expectedLater);
-    QCOMPARE(stepIds(addConfiguration(later)->stepList()), expectedLater);
-
-    const QList<DeployConfiguration *> all = project->activeTarget()->deployConfigurations();
-    for (DeployConfiguration *configuration : all)
-        QCOMPARE(stepIds(configuration->stepList()), expected);
+    for (const DeployConfiguration *configuration :
+         {later->activeDeployConfiguration(), addConfiguration(later)})
+        QCOMPARE(stepIds(configuration->stepList()), (QStringList{RPM_BUILD, CUSTOMER}));
 }
 
-void ProjectListenerTest::leavesConfigurationsAlone()
+void ProjectListenerTest::completesConfigurations_data()
 {
-    Project *project = m_workplace.openProject(RPMSIGN_TARGET);
+    QTest::addColumn<QStringList>("before");
+    QTest::addColumn<QStringList>("after");
+
+    addRow("no RPM build step", QStringList(), QStringList());
+    const QStringList signedBefore{CUSTOMER, RPM_BUILD};
+    addRow("sign step of the other kind, before the RPM build step", signedBefore, signedBefore);
+    addRow("two RPM build steps",
+           QStringList{RPM_BUILD, RPM_BUILD},
+           QStringList{RPM_BUILD, RPMSIGN, RPM_BUILD});
+}
+
+// Another configuration makes the listener look at all of them.
+void ProjectListenerTest::completesConfigurations()
+{
+    QFETCH(const QStringList, before);
+    const Project *project = m_workplace.openProject(RPMSIGN_TARGET);
     BuildStepList *steps = deploySteps(project);
-
-    // A step of the other kind counts, wherever it stands and though it is switched off.
-    QVERIFY(steps->removeStep(1));
-    steps->insertStep(0, Utils::Id("Sealkit.RpmSignStep"));
-    steps->at(0)->setStepEnabled(false);
-    addConfiguration(project->activeTarget());
-    QCOMPARE(stepIds(steps), (QStringList{CUSTOMER, RPM_BUILD}));
-
-    // Nothing to sign without an RPM build step.
     steps->clear();
+    for (const QString &id : before)
+        steps->appendStep(Utils::Id::fromString(id));
     addConfiguration(project->activeTarget());
-    QCOMPARE(stepIds(steps), QStringList());
+    QTEST(stepIds(steps), "after");
 }
 
-void ProjectListenerTest::putsTheStepBehindTheFirstRpmBuildStep()
-{
-    Project *project = m_workplace.openProject(RPMSIGN_TARGET);
-    BuildStepList *steps = deploySteps(project);
-    QVERIFY(steps->removeStep(1));
-    steps->appendStep(Utils::Id("Kiln.Kb2RpmBuildStep"));
-    addConfiguration(project->activeTarget());
-    QCOMPARE(stepIds(steps), (QStringList{RPM_BUILD, RPMSIGN, RPM_BUILD}));
-}
-
-void ProjectListenerTest::leavesProjectsAloneThatWereOpenBefore()
+void ProjectListenerTest::leavesProjectsThatWereOpenBefore()
 {
     m_listener.reset();
-    Project *project = m_workplace.openProject(RPMSIGN_TARGET);
+    const Project *project = m_workplace.openProject(RPMSIGN_TARGET);
     m_listener = std::make_unique<ProjectListener>();
     addConfiguration(project->activeTarget());
     QCOMPARE(stepIds(deploySteps(project)), QStringList{RPM_BUILD});
@@ -178,29 +141,24 @@ void ProjectListenerTest::leavesProjectsAloneThatWereOpenBefore()
 
 void ProjectListenerTest::offersStepsWhereTheyFit()
 {
-    Project *project = m_workplace.openProject(BARE_TARGET);
-    BuildStepList *deployList = deploySteps(project);
-    BuildStepList buildList(deployList->projectConfiguration(),
-                            ProjectExplorer::Constants::BUILDSTEPS_BUILD);
-    for (BuildStepFactory *factory : {static_cast<BuildStepFactory *>(&m_customerFactory),
-                                      static_cast<BuildStepFactory *>(&m_rpmsignFactory)}) {
+    BuildStepList *deployList = deploySteps(m_workplace.openProject(BARE_TARGET));
+    BuildStepList buildList(deployList->projectConfiguration(), Constants::BUILDSTEPS_BUILD);
+    Kit *kit = m_workplace.kit(BARE_TARGET);
+    for (BuildStepFactory *factory : BuildStepFactory::allBuildStepFactories()) {
+        if (!factory->stepId().toString().startsWith("Sealkit."))
+            continue;
         QVERIFY(factory->canHandle(deployList));
         QVERIFY(!factory->canHandle(&buildList));
+        RunDeviceTypeKitAspect::setDeviceTypeId(kit, "Desktop");
+        QVERIFY(!factory->canHandle(deployList));
+        RunDeviceTypeKitAspect::setDeviceTypeId(kit, Kiln::Constants::KILN_DEVICE_TYPE);
 
-        // A step added by hand is on, whatever the tools of the target.
-        deployList->appendStep(factory->stepId());
-        const BuildStep *step = deployList->steps().last();
-        QCOMPARE(step->id(), factory->stepId());
-        QVERIFY(step->stepEnabled());
-        const ProjectConfiguration *configuration = step;
-        QCOMPARE(configuration->displayName(), factory->displayName());
+        deployList->appendStep(factory->stepId()); // by hand, so on, whatever the target's tools
+        const ProjectConfiguration *step = deployList->steps().last();
+        QCOMPARE(step->displayName(), factory->displayName());
+        QVERIFY(deployList->steps().last()->stepEnabled());
     }
-
-    RunDeviceTypeKitAspect::setDeviceTypeId(m_workplace.kit(BARE_TARGET), "Desktop");
-    QVERIFY(!m_rpmsignFactory.canHandle(deployList));
-    QVERIFY(!m_customerFactory.canHandle(deployList));
-    RunDeviceTypeKitAspect::setDeviceTypeId(m_workplace.kit(BARE_TARGET),
-                                            Kiln::Constants::KILN_DEVICE_TYPE);
+    QCOMPARE(stepIds(deployList), (QStringList{RPM_BUILD, CUSTOMER, RPMSIGN}));
 }
 
 QTEST_MAIN(ProjectListenerTest)
