@@ -1,3 +1,4 @@
+#include "files.h"
 #include "messages.h"
 #include "settingsscope.h"
 #include "straywarnings.h"
@@ -20,9 +21,6 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPointer>
-#include <QSettings>
-#include <QTest>
 
 #include <sys/stat.h>
 
@@ -40,15 +38,12 @@ class PluginTest : public QObject
 private slots:
     void initTestCase();
     void init() { failOnStrayWarnings(); }
-    void cleanupTestCase();
+    void cleanupTestCase() { PluginManager::shutdown(); }
 
     void loads();
-    void registersItsSteps();
+    void registersItsStepsAndOptions();
     void putsItsDialogIntoTheToolsMenu();
-    void titlesItsOptionsCategory();
     void copiesTheRegularKeys();
-    void copiesTheRegularKeysIntoANewWorkspace();
-    void onlyTheUserWritesAmongTheKeys();
     void tellsWhyKeysCannotBeCopied();
 
 private:
@@ -62,41 +57,26 @@ private:
     PluginManager m_manager;
 };
 
-static QByteArray content(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void PluginTest::initTestCase()
 {
     QString error;
     QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
              qPrintable(error));
+    QVERIFY(QDir::setCurrent(m_sdk.path()));
     PluginManager::setPluginPaths({PLUGIN_PATH});
     PluginManager::loadPlugins();
 }
 
-void PluginTest::cleanupTestCase()
-{
-    PluginManager::shutdown();
-}
-
 void PluginTest::loads()
 {
-    PluginSpec *sealkit = nullptr;
-    const QList<PluginSpec *> specs = PluginManager::plugins();
-    for (PluginSpec *spec : specs) {
+    const PluginSpec *sealkit = nullptr;
+    for (const PluginSpec *spec : PluginManager::plugins()) {
         QVERIFY2(!spec->hasError(), qPrintable(spec->errorString()));
         if (spec->id() == "sealkit")
             sealkit = spec;
     }
-    QVERIFY(sealkit);
-    QCOMPARE(sealkit->state(), PluginSpec::Running);
-    QCOMPARE(sealkit->name(), "Sealkit");
+    QVERIFY(sealkit && sealkit->state() == PluginSpec::Running);
     QCOMPARE(sealkit->version(), "16.0.0");
-    QCOMPARE(sealkit->description(), "Plugin for managing the step of signing RPM packages");
-
     QStringList dependencies;
     for (const ExtensionSystem::PluginDependency &dependency : sealkit->dependencies())
         dependencies << dependency.id + ' ' + dependency.version;
@@ -104,17 +84,21 @@ void PluginTest::loads()
              (QStringList{"core 16.0.0", "projectexplorer 16.0.0", "veyraos 16.0.0"}));
 }
 
-void PluginTest::registersItsSteps()
+void PluginTest::registersItsStepsAndOptions()
 {
     QStringList steps;
-    for (ProjectExplorer::BuildStepFactory *factory :
-         ProjectExplorer::BuildStepFactory::allBuildStepFactories()) {
-        if (factory->stepId().toString().startsWith("Sealkit."))
-            steps << factory->stepId().toString() + '=' + factory->displayName();
-    }
-    QCOMPARE(steps,
+    for (const auto *factory : ProjectExplorer::BuildStepFactory::allBuildStepFactories())
+        steps << factory->stepId().toString() + '=' + factory->displayName();
+    QCOMPARE(steps.filter("Sealkit."),
              (QStringList{"Sealkit.RpmSignStep=RPM Sign (customer-sign)",
                           "Sealkit.RpmSignExternalStep=RPM Sign (rpmsign-external)"}));
+
+    const QList<Core::IOptionsPage *> pages = Core::IOptionsPage::allOptionsPages();
+    QCOMPARE(pages.size(), 1);
+    QCOMPARE(pages.first()->id(), Utils::Id("Z.SignOptions"));
+    QCOMPARE(pages.first()->displayName(), "Sign packages");
+    QCOMPARE(pages.first()->displayCategory(), Brisk::Sdk::osVariant());
+    QVERIFY(!pages.first()->categoryIconPath().isEmpty());
 }
 
 void PluginTest::putsItsDialogIntoTheToolsMenu()
@@ -124,89 +108,62 @@ void PluginTest::putsItsDialogIntoTheToolsMenu()
     QVERIFY(menu->actions().contains(action));
     QCOMPARE(action->text(), "&Sign Packages");
 
-    const auto dialogs = [] {
-        QList<QDialog *> visible;
-        const QWidgetList widgets = QApplication::topLevelWidgets();
-        for (QWidget *widget : widgets) {
-            if (auto *dialog = qobject_cast<QDialog *>(widget); dialog && dialog->isVisible())
-                visible << dialog;
-        }
-        return visible;
+    const auto shownByTheAction = [action] {
+        action->trigger();
+        QWidgetList widgets = QApplication::topLevelWidgets();
+        widgets.removeIf([](const QWidget *widget) { return !widget->isVisible(); });
+        return widgets;
     };
-    action->trigger();
-    QCOMPARE(dialogs().size(), 1);
-    const QPointer<QDialog> dialog = dialogs().first();
+    const QWidgetList shown = shownByTheAction();
+    QCOMPARE(shown.size(), 1);
+    QWidget *dialog = shown.first();
     QCOMPARE(dialog->windowTitle(), "Sign Packages");
-
     auto *companyName = dialog->findChild<QLineEdit *>("generateCompanyNameLineEdit");
     companyName->setText("kept");
     dialog->close();
-    action->trigger();
-    QCOMPARE(dialogs(), QList<QDialog *>{dialog});
+    QCOMPARE(shownByTheAction(), shown);
     QCOMPARE(companyName->text(), "kept");
     dialog->close();
 }
 
-void PluginTest::titlesItsOptionsCategory()
-{
-    const QList<Core::IOptionsPage *> pages = Core::IOptionsPage::allOptionsPages();
-    QCOMPARE(pages.size(), 1);
-    QCOMPARE(pages.first()->id(), Utils::Id("Z.SignOptions"));
-    QCOMPARE(pages.first()->displayName(), "Sign packages");
-    QCOMPARE(pages.first()->displayCategory(), Brisk::Sdk::osVariant());
-    QVERIFY(!pages.first()->categoryIconPath().isEmpty());
-}
-
 void PluginTest::copiesTheRegularKeys()
 {
-    for (const char *name : {"/regular_key.pem", "/regular_cert.pem"}) {
-        const QByteArray original = content(m_sdk.path() + "/package-signing" + name);
-        QVERIFY(!original.isEmpty());
-        QCOMPARE(content(m_sdk.workspace() + KEYS_FOLDER + name), original);
-    }
-}
-
-void PluginTest::copiesTheRegularKeysIntoANewWorkspace()
-{
-    const QTemporaryDir workspace;
-    QVERIFY(QDir(workspace.path()).mkdir(KEYS_FOLDER.mid(1)));
-    QFile ownKey(workspace.path() + KEYS_FOLDER + "/regular_key.pem");
-    QVERIFY(ownKey.open(QIODevice::WriteOnly));
-    ownKey.write("own key");
-    ownKey.close();
-
+    const QTemporaryDir other;
     Messages messages;
-    moveWorkspace(workspace.path());
-    QCOMPARE(content(ownKey.fileName()), "own key");
-    QVERIFY(!content(workspace.path() + KEYS_FOLDER + "/regular_cert.pem").isEmpty());
-    QCOMPARE(messages.take(), QStringList());
-}
-
-void PluginTest::onlyTheUserWritesAmongTheKeys()
-{
-    const QTemporaryDir workspace;
     const mode_t mask = umask(0);
-    moveWorkspace(workspace.path());
+    moveWorkspace(other.path());
     umask(mask);
-    QCOMPARE(QFile::permissions(workspace.path() + KEYS_FOLDER)
-                 & (QFile::WriteGroup | QFile::WriteOther),
-             QFile::Permissions());
+    for (const QString &workspace : {m_sdk.workspace(), other.path()}) {
+        for (const QString name : {"/regular_key.pem", "/regular_cert.pem"}) {
+            const QByteArray original = readFile(m_sdk.path() + "/package-signing" + name);
+            QVERIFY(!original.isEmpty());
+            QCOMPARE(readFile(workspace + KEYS_FOLDER + name), original);
+        }
+    }
+    const QFile::Permissions others = QFile::WriteGroup | QFile::WriteOther;
+    QVERIFY(!(QFile::permissions(other.path() + KEYS_FOLDER) & others));
+
+    const QString ownKey = other.path() + KEYS_FOLDER + "/regular_key.pem";
+    writeFile(ownKey, "own key");
+    moveWorkspace({});
+    QVERIFY(!QFile::exists(m_sdk.path() + KEYS_FOLDER)); // in the working directory
+    moveWorkspace(other.path());
+    QCOMPARE(readFile(ownKey), "own key");
+    QCOMPARE(messages.take(), QStringList());
 }
 
 void PluginTest::tellsWhyKeysCannotBeCopied()
 {
-    const QTemporaryDir folder;
-    const QString keys = m_sdk.path() + "/package-signing";
-    QVERIFY(QFile::rename(keys, keys + ".gone"));
+    QVERIFY(QDir(m_sdk.path() + "/package-signing").removeRecursively());
+    const QTemporaryDir workspace;
     Messages messages;
-    moveWorkspace(folder.path());
-    QCOMPARE(messages.take(),
-             (QStringList{"![E] Failed to copy regular keys:\t" + folder.path() + KEYS_FOLDER,
-                          "![W] Please make sure that the '" + folder.path()
-                              + "' is writable and restart the ide",
-                          "![W] OR",
-                          "![W] Specify the path to the default signature keys in the settings"}));
-    QVERIFY(QFile::rename(keys + ".gone", keys));
+    moveWorkspace(workspace.path());
+    const QStringList expected{
+        "![E] Failed to copy regular keys:\t" + workspace.path() + KEYS_FOLDER,
+        "![W] Please make sure that the '" + workspace.path() + "' is writable and restart the ide",
+        "![W] OR",
+        "![W] Specify the path to the default signature keys in the settings"};
+    QCOMPARE(messages.take(), expected);
 }
 
 QTEST_MAIN(PluginTest)
