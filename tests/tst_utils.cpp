@@ -63,7 +63,7 @@ void UtilsTest::findsThePackagesOfADump_data()
     row("rpm in names of folders",
         {dumpOf("/w/my-rpm-app/a.rpm"), dumpOf("/w/my-rpm-app/rpms/b.rpm")});
     row("rpm in a package's name", {dumpOf("/w/my-rpm-app/rpm-tools.rpm"), b});
-    row("a name that goes on", {a, dumpOf("/w/a.rpm.x.rpm")});
+    row("a name that goes on", {dumpOf("/w/a.rpm", "/src"), dumpOf("/w/a.rpm.x.rpm", "/src")});
     row("one name in two folders", {dumpOf("/w/1/a.rpm"), dumpOf("/w/2/a.rpm")});
     row("two on a line", {{a.packagePath, a.packagePath + ' '}, b});
     row("mapped into the engine",
