@@ -40,7 +40,7 @@ void RunQueue::unlock()
     if (m_focus && m_focus->isVisible() && m_window->focusWidget() == m_focusWhenLocked)
         m_focus->setFocus();
     if (!m_requests.isEmpty())
-        doRequestsSoon();
+        QMetaObject::invokeMethod(this, &RunQueue::doRequests, Qt::QueuedConnection);
 }
 
 void RunQueue::request(const QString &name, const std::function<void()> &action)
@@ -49,17 +49,12 @@ void RunQueue::request(const QString &name, const std::function<void()> &action)
     if (std::none_of(m_requests.cbegin(), m_requests.cend(), isSame))
         m_requests << Request{name, action};
     tellWhetherBusy();
-    doRequestsSoon();
+    QMetaObject::invokeMethod(this, &RunQueue::doRequests, Qt::QueuedConnection);
 }
 
 void RunQueue::withdraw(const QString &name)
 {
     m_requests.removeIf([&name](const Request &request) { return request.name == name; });
-}
-
-void RunQueue::doRequestsSoon()
-{
-    QMetaObject::invokeMethod(this, &RunQueue::doRequests, Qt::QueuedConnection);
 }
 
 void RunQueue::doRequests()

@@ -33,14 +33,14 @@ public:
         const QPointer<RunQueue> m_queue;
     };
 
-    /// A member of \a window.
+    /// \a window owns this queue as a member.
     explicit RunQueue(QWidget *window);
 
     /// Has \a action called from the event loop as soon as no tool runs; once, however often it is
     /// requested by this \a name until then. Even when no tool runs it is not called at once: a
     /// widget that requests it in a signal would not survive if the window went during the run.
     void request(const QString &name, const std::function<void()> &action);
-    /// For whoever has just done what the request is about.
+    /// Removes the request, if there is one; for a caller that has just done the same by itself.
     void withdraw(const QString &name);
 
 signals:
@@ -58,14 +58,13 @@ private:
     void lock();
     void unlock();
     void doRequests();
-    void doRequestsSoon();
     void tellWhetherBusy();
 
     QWidget *const m_window;
     int m_runs = 0;
     QList<Request> m_requests;
-    QPointer<QWidget> m_focus;           ///< when the lock began
-    QPointer<QWidget> m_focusWhenLocked; ///< where the lock has driven it
+    QPointer<QWidget> m_focus;           ///< has the focus when the lock begins
+    QPointer<QWidget> m_focusWhenLocked; ///< has it when all is locked
 };
 
 } // namespace Sealkit::Internal
