@@ -1,5 +1,4 @@
-// The readers of tools' output make the same of two chunks, cut at a line's end, as of both at
-// once.
+// The readers of tools' output make the same of two chunks as of both at once.
 #include "fuzzing.h"
 
 #include "readingtool.h"
