@@ -212,12 +212,13 @@ void EngineTest::endedSigningLeavesWholeSignatures()
     for (int round = 0; round < 40; ++round) {
         const int signalNumber = round % 2 == 0 ? SIGKILL : SIGTERM;
         if (round == 39)
-            QVERIFY(QFile::resize(path("0.rpm"), 1'000'000'000)); // takes a while to read
+            QVERIFY(QFile::resize(path("19.rpm"), 1'000'000'000)); // takes a while to read
         QProcess process;
         process.setWorkingDirectory(m_packages);
         process.start(m_sdk.tool("rpmsign-external"), signing("client").mid(1) + packages);
         QVERIFY(process.waitForStarted());
         QTest::qSleep(QRandomGenerator::global()->bounded(20));
+        QTRY_VERIFY(round < 39 || !files({"?.rpm.1.p7s.new"}).isEmpty());
         kill(pid_t(process.processId()), signalNumber);
         QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
 
@@ -293,7 +294,6 @@ void EngineTest::nothingOutlivesBrisk()
         start(process, {"staying"});
         QTRY_VERIFY(process.canReadLine());
         const QList<QByteArray> pids = process.readLine().trimmed().split(' ');
-        QCOMPARE(pids.size(), 2);
         QCOMPARE(kill(pid_t(process.processId()), signalNumber), 0);
         QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
         for (const QByteArray &pid : pids)
