@@ -53,11 +53,15 @@ static QAction *action(const Utils::Id &id)
     return command ? command->action() : nullptr;
 }
 
+static QList<BuildStep *> deploySteps(const Target *target)
+{
+    return target->activeDeployConfiguration()->stepList()->steps();
+}
+
 static QStringList stepIds(const Target *target)
 {
     QStringList ids;
-    const QList<BuildStep *> steps = target->activeDeployConfiguration()->stepList()->steps();
-    for (const BuildStep *step : steps)
+    for (const BuildStep *step : deploySteps(target))
         ids << step->id().toString();
     return ids;
 }
@@ -83,8 +87,7 @@ QString IdeTest::inWorkspace(const QString &path) const
 
 BuildStep *IdeTest::signStep() const
 {
-    const Target *target = ProjectManager::startupTarget();
-    return target->activeDeployConfiguration()->stepList()->steps().value(1);
+    return deploySteps(ProjectManager::startupTarget()).value(1);
 }
 
 // The tool of the SDK is behind a script that looks into a file for what to do.
@@ -107,9 +110,7 @@ void IdeTest::init()
 void IdeTest::startDeploy()
 {
     m_output.clear();
-    const QList<BuildStep *> steps =
-        ProjectManager::startupTarget()->activeDeployConfiguration()->stepList()->steps();
-    for (BuildStep *step : steps) {
+    for (BuildStep *step : deploySteps(ProjectManager::startupTarget())) {
         step->disconnect(this);
         connect(
             step, &BuildStep::addOutput, this, [this](const QString &text) { m_output << text; });
@@ -143,13 +144,11 @@ void IdeTest::pluginsRun()
 void IdeTest::kitsHaveNoWarning()
 {
     QStringList names;
-    const QList<Kit *> kits = KitManager::kits();
-    for (const Kit *kit : kits) {
+    for (const Kit *kit : KitManager::kits()) {
         if (!kit->id().toString().startsWith("Kiln.Kit."))
             continue;
         names << kit->displayName();
-        const Tasks problems = kit->validate();
-        for (const Task &problem : problems)
+        for (const Task &problem : kit->validate())
             QVERIFY2(false, qPrintable(kit->displayName() + ": " + problem.description()));
     }
     names.sort();
@@ -171,7 +170,7 @@ void IdeTest::customerSignStepIsOff()
     Target *target = project->addTargetForKit(KitManager::kit("Kiln.Kit.VeyraOS-4.0-x86_64"));
     QVERIFY(target);
     QCOMPARE(stepIds(target), (QStringList{"Kiln.Kb2RpmBuildStep", "Sealkit.RpmSignStep"}));
-    QVERIFY(!target->activeDeployConfiguration()->stepList()->at(1)->stepEnabled());
+    QVERIFY(!deploySteps(target).at(1)->stepEnabled());
     QVERIFY(project->removeTarget(target));
 }
 
@@ -183,19 +182,10 @@ void IdeTest::deploySigns()
         inWorkspace("hello-veyra/RPMS"), {"*.rpm"}, QDir::Files, QDirIterator::Subdirectories);
     int count = 0;
     while (packages.hasNext()) {
-        const QString package = packages.next();
+        const QString words = "engine exec -tt sb2 -t VeyraOS-5.1-x86_64 rpmsign-external verify";
         QProcess brisk;
         brisk.setProcessChannelMode(QProcess::MergedChannels);
-        brisk.start(m_sdk + "/bin/brisk",
-                    {"engine",
-                     "exec",
-                     "-tt",
-                     "sb2",
-                     "-t",
-                     "VeyraOS-5.1-x86_64",
-                     "rpmsign-external",
-                     "verify",
-                     package});
+        brisk.start(m_sdk + "/bin/brisk", words.split(' ') << packages.next());
         QVERIFY(brisk.waitForFinished());
         const QString said = QString::fromUtf8(brisk.readAll());
         QVERIFY2(brisk.exitCode() == 0, qPrintable(said + lastOutput()));
@@ -215,9 +205,7 @@ void IdeTest::dialogSignsVerifiesDumpsAndRemoves()
     child<QComboBox>(dialog, "m_comboBoxBuildTargets")->setCurrentText("VeyraOS-5.1-x86_64");
 
     const QString package = inWorkspace("package.rpm");
-    writeFile(package,
-              "\xed\xab\xee\xdb"
-              "package");
+    writeFile(package, "\xed\xab\xee\xdbpackage");
     const auto waitUntilIdle = [dialog] {
         QCoreApplication::processEvents();
         QTRY_VERIFY_WITH_TIMEOUT(child<QWidget>(dialog, "busyIndicator")->isHidden(), RUN_TIMEOUT);
@@ -233,10 +221,9 @@ void IdeTest::dialogSignsVerifiesDumpsAndRemoves()
     };
 
     enter(dialog, "rpmPathChooser", package);
-    enter(dialog, "developerKeyPathChooser", inWorkspace(".veyraos-regular-keys/regular_key.pem"));
-    enter(dialog,
-          "developerCertificatePathChooser",
-          inWorkspace(".veyraos-regular-keys/regular_cert.pem"));
+    const QString keys = inWorkspace(".veyraos-regular-keys/");
+    enter(dialog, "developerKeyPathChooser", keys + "regular_key.pem");
+    enter(dialog, "developerCertificatePathChooser", keys + "regular_cert.pem");
     click("addSignaturePushButton");
     click("verifySignaturePushButton");
     QCOMPARE(verdict(), QString("Signatures successfully verified"));
@@ -268,31 +255,28 @@ void IdeTest::inOptions(const std::function<void(QWidget *)> &act) const
 
 void IdeTest::optionsAreApplied()
 {
-    const auto checkBox = [](const QWidget *dialog) {
-        return child<QCheckBox>(dialog, "enableSignStepCheckBox");
-    };
     const auto stored = [] { return QSettings().value("Sealkit.DefaultSign", true).toBool(); };
-
-    inOptions([&](QWidget *dialog) {
-        QVERIFY(checkBox(dialog)->isChecked());
-        checkBox(dialog)->setChecked(false);
-        child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Apply)->click();
-    });
+    const auto change = [&](bool isChecked, bool isApplied) {
+        inOptions([&](QWidget *dialog) {
+            auto *checkBox = child<QCheckBox>(dialog, "enableSignStepCheckBox");
+            QCOMPARE(checkBox->isChecked(), stored());
+            checkBox->setChecked(isChecked);
+            if (isApplied)
+                child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Apply)->click();
+        });
+    };
+    QVERIFY(stored());
+    change(false, true);
     QVERIFY(!stored());
-    inOptions([&](QWidget *dialog) {
-        QVERIFY(!checkBox(dialog)->isChecked());
-        checkBox(dialog)->setChecked(true); // and cancelled
-    });
+    change(true, false);
     QVERIFY(!stored());
-    inOptions([&](QWidget *dialog) {
-        QVERIFY(!checkBox(dialog)->isChecked());
-        checkBox(dialog)->setChecked(true);
-        child<QDialogButtonBox>(dialog, "")->button(QDialogButtonBox::Apply)->click();
-        const QString text = checkBox(dialog)->text().remove('&');
-        dialog->findChild<QLineEdit *>()->setText(text);
+    change(true, true);
+    QVERIFY(stored());
+    inOptions([](QWidget *dialog) {
+        const QString text = child<QCheckBox>(dialog, "enableSignStepCheckBox")->text();
+        dialog->findChild<QLineEdit *>()->setText(QString(text).remove('&'));
         QTRY_COMPARE(dialog->findChild<QListView *>()->model()->rowCount(), 1);
     });
-    QVERIFY(stored());
 }
 
 void IdeTest::failedToolIsAnIssue()
@@ -353,54 +337,47 @@ void IdeTest::textsAreGerman()
     });
 }
 
-static QPushButton *buttonOf(const QWidget *window, QMessageBox::ButtonRole role)
-{
-    if (const auto *box = qobject_cast<const QMessageBox *>(window)) {
-        const QList<QAbstractButton *> buttons = box->buttons();
-        for (QAbstractButton *button : buttons) {
-            if (box->buttonRole(button) == role)
-                return qobject_cast<QPushButton *>(button);
-        }
-    }
-    return nullptr;
-}
-
 // The IDE asks whether it shall stop what it is doing: yes. The plugin's own window offers to
 // cancel the tool: please.
 static void stopEverything(const QWidget *window)
 {
-    const QPushButton *button = buttonOf(window, QMessageBox::AcceptRole);
-    if (!button) {
-        const auto buttons = window->findChildren<QPushButton *>();
-        const auto isCancel = [](const QPushButton *candidate) {
-            return candidate->isVisible() && candidate->text().remove('&') == "Cancel";
-        };
-        const auto found = std::find_if(buttons.begin(), buttons.end(), isCancel);
-        button = found == buttons.end() ? nullptr : *found;
+    const auto *question = qobject_cast<const QMessageBox *>(window);
+    for (QPushButton *button : window->findChildren<QPushButton *>()) {
+        const bool stops = question ? question->buttonRole(button) == QMessageBox::AcceptRole
+                                    : button->text().remove('&') == "Cancel";
+        if (stops && button->isVisible()) {
+            clickOn(button);
+            return;
+        }
     }
-    if (button)
-        clickOn(button);
 }
 
-static QStringList toolsLeft(const QString &sdk)
-{
-    return processesOf(sdk + "/engine/") + processesOf(sdk + "/bin/");
-}
-
-void IdeTest::deployIsCanceled()
+void IdeTest::interruptDeploys(const QString &keys,
+                               const std::function<bool()> &isOver,
+                               const std::function<void()> &check)
 {
     const Answers answers(stopEverything);
     for (int round = 1; round <= ROUNDS; ++round) {
         setToolBehaviour("wait");
-        const Once cancel([this] { return toolIsBusy(); }, [] { pressKeys("alt+BackSpace"); });
+        const Once interrupt([this] { return toolIsBusy(); }, [&keys] { pressKeys(keys); });
         startDeploy();
-        QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && !BuildManager::isBuilding(),
+        QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && isOver(),
                                   qPrintable(QString("round %1: ").arg(round) + lastOutput()),
                                   RUN_TIMEOUT);
-        QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
-        QCOMPARE(m_output.filter("Package sign stopped by user").size(), 1);
-        QTest::qWait(500); // keys that were held back must not meet the next deploy
+        QTRY_COMPARE(processesOf(m_sdk + "/engine/") + processesOf(m_sdk + "/bin/"), QStringList());
+        QTest::qWait(500); // keys that were held back must not meet the next deploy or project
+        check();
+        if (QTest::currentTestFailed())
+            return;
     }
+}
+
+void IdeTest::deployIsCanceled()
+{
+    const auto isOver = [] { return !BuildManager::isBuilding(); };
+    interruptDeploys("alt+BackSpace", isOver, [this] {
+        QCOMPARE(m_output.filter("Package sign stopped by user").size(), 1);
+    });
 }
 
 void IdeTest::projectIsClosed()
@@ -408,18 +385,9 @@ void IdeTest::projectIsClosed()
     const Utils::FilePath file = ProjectManager::startupProject()->projectFilePath();
     Core::ActionManager::command("ProjectExplorer.Unload")
         ->setKeySequences({QKeySequence("Ctrl+Alt+Shift+U")});
-    const Answers answers(stopEverything);
-    for (int round = 1; round <= ROUNDS; ++round) {
-        setToolBehaviour("wait");
-        const Once close([this] { return toolIsBusy(); }, [] { pressKeys("ctrl+alt+shift+u"); });
-        startDeploy();
-        QTRY_VERIFY2_WITH_TIMEOUT(toolIsBusy() && ProjectManager::projects().isEmpty(),
-                                  qPrintable(QString("round %1: ").arg(round) + lastOutput()),
-                                  RUN_TIMEOUT);
-        QTRY_COMPARE(toolsLeft(m_sdk), QStringList());
-        QTest::qWait(500); // keys that were held back must not meet the next project
-        QVERIFY(ProjectExplorerPlugin::openProject(file));
-    }
+    const auto isOver = [] { return ProjectManager::projects().isEmpty(); };
+    interruptDeploys(
+        "ctrl+alt+shift+u", isOver, [&file] { QVERIFY(ProjectExplorerPlugin::openProject(file)); });
 }
 
 void IdeTest::ideIsClosed()

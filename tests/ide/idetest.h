@@ -49,6 +49,9 @@ private:
     void inOptions(const std::function<void(QWidget *dialog)> &act) const;
     void setToolBehaviour(const QString &behaviour) const;
     bool toolIsBusy() const;
+    void interruptDeploys(const QString &keys,
+                          const std::function<bool()> &isOver,
+                          const std::function<void()> &check);
 
     const QString m_sdk = qEnvironmentVariable("VEYRAOS_SDK");
     QStringList m_output;
