@@ -154,7 +154,8 @@ void PluginTest::copiesTheRegularKeys()
 
 void PluginTest::tellsWhyKeysCannotBeCopied()
 {
-    QVERIFY(QDir(m_sdk.path() + "/package-signing").removeRecursively());
+    const QString keys = m_sdk.path() + "/package-signing";
+    QVERIFY(QFile::rename(keys, keys + ".gone"));
     const QTemporaryDir workspace;
     Messages messages;
     moveWorkspace(workspace.path());
@@ -163,6 +164,7 @@ void PluginTest::tellsWhyKeysCannotBeCopied()
         "![W] Please make sure that the '" + workspace.path() + "' is writable and restart the ide",
         "![W] OR",
         "![W] Specify the path to the default signature keys in the settings"};
+    QVERIFY(QFile::rename(keys + ".gone", keys));
     QCOMPARE(messages.take(), expected);
 }
 

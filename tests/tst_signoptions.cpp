@@ -199,10 +199,7 @@ void SignOptionsTest::choices()
 void SignOptionsTest::regularPathsAreStoredAsTheyAre()
 {
     perform("move ws/../moved; apply");
-    const QString keys = "ws/../" + MOVED_KEYS;
-    QCOMPARE(whatIsStored(),
-             "on; Regular key: " + keys + "regular_key.pem; Regular certificate: " + keys
-                 + "regular_cert.pem");
+    QCOMPARE(whatIsStored().count(" ws/../" + MOVED_KEYS + "regular_"), 2);
 }
 
 void SignOptionsTest::unusableCustomFilesAreMarked_data()
@@ -218,10 +215,8 @@ void SignOptionsTest::unusableCustomFilesAreMarked_data()
     row("no path", "", false, "No file is chosen");
     row("no file", "ws/none.pem", true, "File does not exist");
     row("a folder", "ws/.veyraos-regular-keys", true, "File does not exist");
-    row("outside by a detour",
-        "ws/../sdk/sdk.ini",
-        false,
-        "The path must be inside workspace folder: " + path("ws"));
+    const QString outside = "The path must be inside workspace folder: " + path("ws");
+    row("outside by a detour", "ws/../sdk/sdk.ini", false, outside);
     addRow("another file", "ws/a.pem", true, "There is no private key in this file", "");
     addRow("a key", "ws/key.pem", true, "", "");
 }
@@ -240,14 +235,13 @@ void SignOptionsTest::unusableCustomFilesAreMarked()
     const auto *ofCertificate = child<QLabel>("certificateNoteLabel");
     QTEST(ofKey->text(), "ofKey");
     QTEST(ofCertificate->text(), "ofCertificate");
-    perform("apply"); // refuses nothing
     perform("key regular; certificate regular");
     QCOMPARE(ofKey->text() + ofCertificate->text(), "");
 }
 
 void SignOptionsTest::validityFollowsTheWorkspace()
 {
-    checkBox();
+    m_page->widget();
     QCoreApplication::processEvents(); // what the choosers first made of no text comes in
     QVERIFY(chooser("key")->isValid());
     perform("key custom; key type ws/a.pem; move moved");
@@ -289,8 +283,7 @@ void SignOptionsTest::worksUnopened()
     const QString texts = "sign step by default;key:;certificate:;regular key;custom certificate;"
                           "enhanced mail container (*.pem)";
     for (const QString &text : texts.split(';')) {
-        const QRegularExpression search(QRegularExpression::escape(text),
-                                        QRegularExpression::CaseInsensitiveOption);
+        const QRegularExpression search("(?i)" + QRegularExpression::escape(text));
         QVERIFY2(m_page->matches(search), qPrintable(text));
     }
     QVERIFY(!m_page->matches(QRegularExpression("&")));
