@@ -53,6 +53,7 @@ void BuildEngineTest::probesATarget()
 {
     QFETCH(const QByteArray, exitCodes);
     m_brisk.endWith(exitCodes);
+    m_brisk.takeCalls();
     TargetToolsInfo info("T");
     const QList<bool> found{
         info.hasRpmsignExternal, info.hasCustomerSign, info.hasNxvcertCli, info.hasOpenssl};
