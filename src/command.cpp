@@ -96,10 +96,9 @@ QStringList compose<Target::openssl::generateKeyGost>(const QString &target,
                                                       const QString &keyPath,
                                                       const bool &encrypt)
 {
-    QStringList line =
-        compose<Target>(target) << words(
-            "openssl genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A -out")
-                                << keyPath;
+    QStringList line = compose<Target>(target);
+    line << words("openssl genpkey -engine gost -algorithm gost2012_256 -pkeyopt paramset:A -out")
+         << keyPath;
     if (encrypt)
         line << words("-aes256");
     return line;
@@ -110,9 +109,8 @@ QStringList compose<Target::openssl::generateKeyRSA>(const QString &target,
                                                      const QString &keyPath,
                                                      const bool &encrypt)
 {
-    QStringList line = compose<Target>(target) << words(
-                           "openssl genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048 -out")
-                                               << keyPath;
+    QStringList line = compose<Target>(target);
+    line << words("openssl genpkey --algorithm rsa -pkeyopt rsa_keygen_bits:2048 -out") << keyPath;
     if (encrypt)
         line << words("-aes256");
     return line;
@@ -205,23 +203,13 @@ static QString workingDirectory()
     return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
 }
 
-/// Doubles the room with reserve(), which can move memory pages; an appending QByteArray would copy
-/// all its bytes each time it grows.
-static void append(QByteArray &bytes, const QByteArray &chunk)
-{
-    const qsizetype size = bytes.size() + chunk.size();
-    if (size > bytes.capacity())
-        bytes.reserve(2 * size);
-    bytes += chunk;
-}
-
 /// Hands new output of the program to \a handler, and the answer of the handler to the program.
 static void converse(QProcess &process, Handler &handler, Result &result)
 {
     const QByteArray stdOutChunk = process.readAllStandardOutput();
     const QByteArray stdErrChunk = process.readAllStandardError();
-    append(result.stdOut, stdOutChunk);
-    append(result.stdErr, stdErrChunk);
+    result.stdOut += stdOutChunk;
+    result.stdErr += stdErrChunk;
 
     QByteArray input;
     if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {

@@ -5,7 +5,6 @@
 #include <coreplugin/messagemanager.h>
 
 #include <QPointer>
-#include <QStringTokenizer>
 
 #include <algorithm>
 #include <array>
@@ -42,8 +41,8 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
     const QPointer<SignTool> self(this);
     // To split at a regular expression for both line ends would take twice as long.
     const QString text = QString::fromUtf8(chunk).replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    for (const QStringView part : qTokenize(text, u'\n', Qt::SkipEmptyParts)) {
-        const QString line = part.toString();
+    const QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
         if (isPasswordReq(line)) {
             bool ok = false;
             const QString password = PasswordDialog::getPassord(line, &ok);
