@@ -53,6 +53,7 @@ private slots:
     void survivesItsToolBeingDeletedWhileAsking();
     void survivesItsToolBeingDeletedByAReader();
 
+    void killsWhenTheIdeCloses_data();
     void killsWhenTheIdeCloses();
     void startsNothingAfterTheIdeHasClosed();
 
@@ -360,10 +361,19 @@ void CommandTest::survivesItsToolBeingDeletedByAReader()
     }
 }
 
+void CommandTest::killsWhenTheIdeCloses_data()
+{
+    QTest::addColumn<bool>("isRead");
+
+    addRow("a program that is read", true);
+    addRow("a silent one", false);
+}
+
 void CommandTest::killsWhenTheIdeCloses()
 {
     if (ranInOwnProgram())
         return;
+    QFETCH(bool, isRead);
     // What it printed before may be a prompt; there is nobody left to answer it.
     QTimer::singleShot(0, [] {
         QTest::qSleep(200);
@@ -374,7 +384,9 @@ void CommandTest::killsWhenTheIdeCloses()
         received += out;
         return true;
     };
-    QVERIFY(Command::exec(handler, {FAKE_TOOL, "out:x", "hang"}).crashed);
+    QVERIFY(
+        Command::exec(isRead ? Command::Handler(handler) : nullptr, {FAKE_TOOL, "out:x", "hang"})
+            .crashed);
     QCOMPARE(received, QByteArray());
 
     Messages messages;

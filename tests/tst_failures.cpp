@@ -209,6 +209,13 @@ void FailuresTest::signingIsNotCalledDone_data()
         row("target gone", "no such build target|kit has no build target", [this] {
             moveAway(m_workplace.sdk().path() + "/engine/targets/" + m_target);
         });
+        // brisk writes errors of its own to its error output
+        const bool isStep = place == Place::RpmsignStep || place == Place::CustomerStep;
+        row("tool missing", isStep ? "Stderr: brisk: " : "\\[E\\]\tbrisk: ", [this] {
+            const bool isCustomers = m_target == CUSTOMER_TARGET;
+            moveAway(m_workplace.sdk().tool(isCustomers ? "customer-sign" : "rpmsign-external",
+                                            m_target));
+        });
         toolRow("failed", "out of ink", "echo 'error: out of ink'; exit 3");
         toolRow("failed without a word", "its exit code was 1|\\[\\$\\] 1\t", "exit 1");
         toolRow("disk full", "cannot", DISK_FULL);

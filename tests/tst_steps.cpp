@@ -96,6 +96,9 @@ private slots:
     void tellsThatItWasCancelled_data() { bothTargets(); }
     void tellsThatItWasCancelled();
 
+    void survivesItsRemoval_data() { bothTargets(); }
+    void survivesItsRemoval();
+
     void keepsItsMap_data();
     void keepsItsMap();
     void widgetConfiguresRpmsign();
@@ -149,7 +152,7 @@ void StepsTest::rpmsignSignsAndTellsTheWorth_data()
 
     addRow("one package", QStringList{"a.rpm"});
     addRow("rpm in a name", QStringList{"b.rpm", "my-rpm-a.rpm"});
-    addRow("debug packages, too", QStringList{"a-1.0.rpm", "a-debuginfo-1.0.rpm", "b c.rpm"});
+    addRow("packages not to be deployed, too", QStringList{"a-debuginfo-1.rpm", "a.src.rpm"});
 }
 
 void StepsTest::rpmsignSignsAndTellsTheWorth()
@@ -229,7 +232,7 @@ void StepsTest::customerSigns_data()
     QTest::addColumn<QString>("lastMessage");
 
     const QStringList all{"a-1.rpm", "a-debuginfo-1.rpm", "a-debugsource-1.rpm"};
-    addRow("all", true, all, all, COMPLETED);
+    addRow("what is to be deployed", true, all + QStringList("a.src.rpm"), all, COMPLETED);
     addRow("no debug packages", false, all, QStringList{"a-1.rpm"}, COMPLETED);
     const QStringList inDebugFolder{"debuginfo-tools/a.rpm"};
     addRow("a debug folder", false, inDebugFolder, QStringList{"a.rpm"}, COMPLETED);
@@ -289,6 +292,10 @@ void StepsTest::saysWhyNothingIsSigned_data()
         };
         row("no RPM build step", NO_BUILD_STEP);
         row("no packages", NO_PACKAGE);
+        const bool isCustomers = target == CUSTOMER_TARGET;
+        row("no key, no RPM build step",
+            isCustomers ? "ErrorMessage: Error: keys and certificate can't be empty"
+                        : "ErrorMessage: Error: key and certificate can't be empty");
         row("failing tool",
             "ErrorMessage: Error: package sign failed",
             "exit 3",
@@ -308,8 +315,10 @@ void StepsTest::saysWhyNothingIsSigned()
     QFETCH(const QString, why);
 
     BuildStep *step = addStep(targetName);
-    if (message == NO_BUILD_STEP)
+    if (message != NO_PACKAGE && script.isEmpty())
         QVERIFY(step->stepList()->removeStep(0));
+    if (message.endsWith("be empty"))
+        step->fromMap({{"Sealkit.BinariesKey", ""}, {"Sealkit.UseDefaultValues", false}});
     std::unique_ptr<WrappedProgram> tool;
     if (!script.isEmpty()) {
         m_workplace.makePackages(step->project(), {"a.rpm"});
@@ -348,6 +357,28 @@ void StepsTest::tellsThatItWasCancelled()
     QCOMPARE(done.first().first().value<Tasking::DoneWith>(), Tasking::DoneWith::Cancel);
     QCOMPARE("ErrorMessage: " + output.last(), STOPPED);
     QCOMPARE(output.count(output.last()), 1);
+}
+
+void StepsTest::survivesItsRemoval()
+{
+    QFETCH(QString, targetName);
+    QPointer<BuildStep> step = addStep(targetName);
+    m_workplace.makePackages(step->project(), {"a.rpm"});
+    const QString name = targetName == RPMSIGN_TARGET ? "rpmsign-external" : "customer-sign";
+    const HeldProgram tool(m_workplace.sdk().tool(name, targetName), "");
+    QTimer moment;
+    moment.callOnTimeout([&] {
+        if (!step || !tool.isWaiting())
+            return;
+        m_workplace.closeProjects();
+        tool.release();
+    });
+    moment.start(10);
+    Tasking::TaskTree tree({BuildManager::recipeOf(step)});
+    QSignalSpy done(&tree, &Tasking::TaskTree::done);
+    tree.start();
+    QCOMPARE(done.count(), 1);
+    QVERIFY(!step);
 }
 
 void StepsTest::keepsItsMap_data()
