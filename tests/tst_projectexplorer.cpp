@@ -19,7 +19,6 @@ namespace {
 
 constexpr char STEP_ID[] = "Test.Step";
 
-/// Does what the test tells it.
 class TestStep : public BuildStep
 {
 public:
