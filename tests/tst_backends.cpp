@@ -76,11 +76,8 @@ void BackEndsTest::init()
 
 void BackEndsTest::validatesKeys_data()
 {
-    QTest::addColumn<QString>("binariesKey");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("certificate");
-    QTest::addColumn<QString>("ofRpmsign");
-    QTest::addColumn<QString>("ofCustomerSign");
+    addColumns<QString, QString, QString, QString, QString>(
+        "binariesKey", "key", "certificate", "ofRpmsign", "ofCustomerSign");
 
     const QString in = "/w/in.pem";
     const QString out = "/elsewhere/out.pem";
@@ -121,11 +118,8 @@ void BackEndsTest::validatesKeys()
 
 void BackEndsTest::addsSignatures_data()
 {
-    QTest::addColumn<QString>("clientKey");
-    QTest::addColumn<QString>("clientCertificate");
-    QTest::addColumn<QByteArray>("exitCodes");
-    QTest::addColumn<QStringList>("calls");
-    QTest::addColumn<int>("exitCode");
+    addColumns<QString, QString, QByteArray, QStringList, int>(
+        "clientKey", "clientCertificate", "exitCodes", "calls", "exitCode");
 
     const auto row = [](const char *name,
                         const QString &clientKey,
@@ -165,8 +159,7 @@ void BackEndsTest::addsSignatures()
 
 void BackEndsTest::runsOneCommandEach_data()
 {
-    QTest::addColumn<bool>("forCustomerSign");
-    QTest::addColumn<QStringList>("calls");
+    addColumns<bool, QStringList>("forCustomerSign", "calls");
 
     addRow("rpmsign-external",
            false,
@@ -209,11 +202,10 @@ void BackEndsTest::customerSignMakesNoRequests()
 
 void BackEndsTest::makesRequests_data()
 {
-    QTest::addColumn<QByteArray>("oldKey");
-    QTest::addColumn<QByteArray>("newKey"); // what openssl leaves
-    QTest::addColumn<QByteArray>("exitCodes");
-    QTest::addColumn<QStringList>("calls"); // of openssl
-    QTest::addColumn<int>("exitCode");
+    // newKey: what openssl leaves
+    // calls: of openssl
+    addColumns<QByteArray, QByteArray, QByteArray, QStringList, int>(
+        "oldKey", "newKey", "exitCodes", "calls", "exitCode");
 
     const QByteArray none;
     const QByteArray key = "a key";
@@ -282,9 +274,8 @@ void BackEndsTest::writesTheRequestsConfiguration()
 
 void BackEndsTest::saysWhyThereIsNoConfiguration_data()
 {
-    QTest::addColumn<QString>("workspace"); // none: there is no engine
-    QTest::addColumn<bool>("isDiskFull");
-    QTest::addColumn<QString>("reason");
+    // workspace: none: there is no engine
+    addColumns<QString, bool, QString>("workspace", "isDiskFull", "reason");
 
     addRow("no engine", "", false, "^!\\[E\\]\tNo Build Engine found$");
     addRow("no workspace",

@@ -33,9 +33,8 @@ private:
 
 void BuildEngineTest::probesATarget_data()
 {
-    QTest::addColumn<QByteArray>("exitCodes");
-    QTest::addColumn<QStringList>("calls");
-    QTest::addColumn<QList<bool>>("found"); // rpmsign-external, customer-sign, nxvcert-cli, openssl
+    // found: rpmsign-external, customer-sign, nxvcert-cli, openssl
+    addColumns<QByteArray, QStringList, QList<bool>>("exitCodes", "calls", "found");
 
     const QString rpmsign = "rpmsign-external|--version";
     const QString openssl = "openssl version";

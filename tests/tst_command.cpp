@@ -63,8 +63,7 @@ private:
 
 void CommandTest::composes_data()
 {
-    QTest::addColumn<QStringList>("commandLine");
-    QTest::addColumn<QString>("words");
+    addColumns<QStringList, QString>("commandLine", "words");
 
     const QString target = "T 1";
     const QString none;
@@ -139,10 +138,7 @@ void CommandTest::composes()
 
 void CommandTest::reportsHowARunEnds_data()
 {
-    QTest::addColumn<QStringList>("commandLine");
-    QTest::addColumn<bool>("started");
-    QTest::addColumn<bool>("crashed");
-    QTest::addColumn<int>("exitCode");
+    addColumns<QStringList, bool, bool, int>("commandLine", "started", "crashed", "exitCode");
 
     addRow("success", QStringList{FAKE_TOOL, "exit:0"}, true, false, 0);
     addRow("failure", QStringList{FAKE_TOOL, "exit:3"}, true, false, 3);
@@ -258,8 +254,8 @@ void CommandTest::runsWithinARun()
 
 void CommandTest::cutsOutputIntoLines_data()
 {
-    QTest::addColumn<QByteArrayList>("chunks");
-    QTest::addColumn<QStringList>("lines"); // prompts behind "?"
+    // lines: prompts behind "?"
+    addColumns<QByteArrayList, QStringList>("chunks", "lines");
 
     using Chunks = QByteArrayList;
     addRow("all line ends", Chunks{"a\nb\rc\r\nd"}, QStringList{"a", "b", "c", "d"});

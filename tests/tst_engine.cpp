@@ -4,10 +4,7 @@
 #include "temporarysdk.h"
 #include "testrow.h"
 
-#include <QDir>
-#include <QProcess>
-#include <QRandomGenerator>
-#include <QRegularExpression>
+#include <QtCore>
 #include <QTest>
 
 #include <csignal>
@@ -236,9 +233,8 @@ void EngineTest::endedSigningLeavesWholeSignatures()
 
 void EngineTest::briskRunsATool_data()
 {
-    QTest::addColumn<QStringList>("words"); // behind the target
-    QTest::addColumn<QByteArray>("input");
-    QTest::addColumn<QString>("output");
+    // words: behind the target
+    addColumns<QStringList, QByteArray, QString>("words", "input", "output");
 
     const QString target = RPMSIGN_TARGET;
     const QByteArray none;

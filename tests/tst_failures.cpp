@@ -14,10 +14,7 @@
 #include <brisk/installation.h>
 #include <projectexplorer/buildsteplist.h>
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QProcess>
-#include <QSettings>
+#include <QtWidgets>
 
 #include <functional>
 
@@ -180,9 +177,7 @@ QStringList FailuresTest::sign(Place place)
 
 void FailuresTest::signingIsNotCalledDone_data()
 {
-    QTest::addColumn<Place>("place");
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<Fault>("fault");
+    addColumns<Place, QString, Fault>("place", "told", "fault");
 
     const std::pair<Place, const char *> places[] = {{Place::RpmsignStep, "rpmsign-external step"},
                                                      {Place::CustomerStep, "customer-sign step"},
@@ -257,9 +252,7 @@ void FailuresTest::signingIsNotCalledDone()
 
 void FailuresTest::packageIsNotCalledVerified_data()
 {
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<Fault>("fault");
+    addColumns<QString, QString, Fault>("target", "told", "fault");
 
     for (const QString &target : {RPMSIGN_TARGET, CUSTOMER_TARGET}) {
         const auto row = [&](const char *ending, const QString &told, const Fault &fault) {
@@ -304,8 +297,7 @@ void FailuresTest::packageIsNotCalledVerified()
 
 void FailuresTest::requestIsNotCalledMade_data()
 {
-    QTest::addColumn<QString>("told");
-    QTest::addColumn<Fault>("fault");
+    addColumns<QString, Fault>("told", "fault");
 
     const auto row = [](const char *name, const QString &told, const Fault &fault) {
         addRow(name, told, fault);
@@ -350,10 +342,7 @@ void FailuresTest::requestIsNotCalledMade()
 
 void FailuresTest::toolsAreNotTrustedBlindly_data()
 {
-    QTest::addColumn<Place>("place");
-    QTest::addColumn<QByteArray>("command");
-    QTest::addColumn<QByteArray>("script");
-    QTest::addColumn<QStringList>("told");
+    addColumns<Place, QByteArray, QByteArray, QStringList>("place", "command", "script", "told");
 
     const QByteArray liar = "echo 'error: nothing signed'; exit 0";
     const QString note =

@@ -8,6 +8,7 @@
 #include "sealkitplugin.h"
 #include "signdialog.h"
 #include "straywarnings.h"
+#include "testrow.h"
 #include "workplace.h"
 #include "wrappedprogram.h"
 
@@ -26,13 +27,9 @@
 #include <projectexplorer/target.h>
 #include <veyraos/kilnsdkkitaspect.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QMainWindow>
-#include <QProcess>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtWidgets>
 
 #include <functional>
 
@@ -161,11 +158,8 @@ void InterruptionsTest::meanwhile(const std::function<void()> &action, bool rele
 
 void InterruptionsTest::duringADeploy_data()
 {
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QByteArray>("heldWord");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<bool>("goesOn");
-    QTest::addColumn<bool>("success");
+    addColumns<QString, QByteArray, QString, bool, bool>(
+        "target", "heldWord", "action", "goesOn", "success");
 
     const struct
     {
@@ -289,10 +283,7 @@ void InterruptionsTest::duringADeploy()
 
 void InterruptionsTest::duringTheDialog_data()
 {
-    QTest::addColumn<QString>("program");
-    QTest::addColumn<QByteArray>("heldWords");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<bool>("goesOn");
+    addColumns<QString, QByteArray, QString, bool>("program", "heldWords", "action", "goesOn");
 
     const QString tool = "engine/targets/" + RPMSIGN_TARGET + "/bin/rpmsign-external";
     const struct

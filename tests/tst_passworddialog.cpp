@@ -1,11 +1,7 @@
 #include "passworddialog.h"
 #include "straywarnings.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QLabel>
-#include <QLineEdit>
-#include <QTimer>
+#include <QtWidgets>
 
 using namespace Sealkit::Internal;
 

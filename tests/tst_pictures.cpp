@@ -2,11 +2,8 @@
 #include "straywarnings.h"
 #include "temporarysdk.h"
 
-#include <QDir>
-#include <QImage>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTest>
+#include <QtWidgets>
 
 // A window without a text has some ten, for its frames and shades.
 constexpr int FEWEST_COLOURS = 50;

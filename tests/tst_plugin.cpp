@@ -15,12 +15,7 @@
 #include <host/pluginspec.h>
 #include <projectexplorer/buildstep.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QDialog>
-#include <QDir>
-#include <QLineEdit>
-#include <QMenu>
+#include <QtWidgets>
 
 #include <sys/stat.h>
 

@@ -97,9 +97,8 @@ void ProjectExplorerTest::stepsComeBack()
 
 void ProjectExplorerTest::stepsRunInOrder_data()
 {
-    QTest::addColumn<Prepare>("prepareFirst");
-    QTest::addColumn<bool>("success");
-    QTest::addColumn<QString>("expected"); // between the headline and the last line
+    // expected: between the headline and the last line
+    addColumns<Prepare, bool, QString>("prepareFirst", "success", "expected");
 
     const auto printing = [](OutputFormat format, SetupResult result) -> Prepare {
         return [=](TestStep *step) {

@@ -67,10 +67,8 @@ void ProjectListenerTest::cleanup()
 
 void ProjectListenerTest::insertsTheStepThatFitsTheTarget_data()
 {
-    QTest::addColumn<QString>("targetName");
-    QTest::addColumn<QVariant>("switchForNewSteps");
-    QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<bool>("enabled");
+    addColumns<QString, QVariant, QStringList, bool>(
+        "targetName", "switchForNewSteps", "steps", "enabled");
 
     const TemporarySdk &sdk = m_workplace.sdk();
     QVERIFY(QFile::copy(sdk.tool("customer-sign", CUSTOMER_TARGET), sdk.tool("customer-sign")));
@@ -106,8 +104,7 @@ void ProjectListenerTest::servesWhatIsAddedLater()
 
 void ProjectListenerTest::completesConfigurations_data()
 {
-    QTest::addColumn<QStringList>("before");
-    QTest::addColumn<QStringList>("after");
+    addColumns<QStringList, QStringList>("before", "after");
 
     addRow("no RPM build step", QStringList(), QStringList());
     const QStringList signedBefore{CUSTOMER, RPM_BUILD};

@@ -39,10 +39,7 @@ private:
 
 void RequestCheckTest::tellsWhatIsWrong_data()
 {
-    QTest::addColumn<QString>("company");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("request");
-    QTest::addColumn<QString>("problem");
+    addColumns<QString, QString, QString, QString>("company", "key", "request", "problem");
 
     const auto named = [](const char *name, const QString &company, const QString &problem) {
         const QString refusal = problem.isEmpty() ? "" : "Company name cannot " + problem;

@@ -19,16 +19,8 @@
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/project.h>
 
-#include <QApplication>
-#include <QComboBox>
-#include <QDirIterator>
-#include <QLoggingCategory>
-#include <QMetaProperty>
-#include <QMutex>
-#include <QProcess>
-#include <QSet>
-#include <QSettings>
 #include <QTest>
+#include <QtWidgets>
 
 #include <atomic>
 #include <functional>
@@ -284,9 +276,7 @@ QString SecretsTest::requestInDialog(KeyAlgorithm algorithm)
 
 void SecretsTest::leavesNoTraceOfPassPhrases_data()
 {
-    QTest::addColumn<std::function<QString()>>("operate");
-    QTest::addColumn<int>("prompts");
-    QTest::addColumn<QByteArray>("tool");
+    addColumns<std::function<QString()>, int, QByteArray>("operate", "prompts", "tool");
 
     const auto row = [](const char *name, int prompts, const char *tool, const auto &operate) {
         QTest::newRow(name) << std::function<QString()>(operate) << prompts << QByteArray(tool);

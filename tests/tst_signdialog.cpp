@@ -14,22 +14,7 @@
 #include <brisk/installation.h>
 #include <utils/pathchooser.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDesktopServices>
-#include <QDialogButtonBox>
-#include <QDir>
-#include <QDropEvent>
-#include <QLabel>
-#include <QMimeData>
-#include <QProcess>
-#include <QPushButton>
-#include <QSet>
-#include <QSettings>
-#include <QStatusBar>
-#include <QTabWidget>
-#include <QTextEdit>
+#include <QtWidgets>
 
 #include <sys/stat.h>
 
@@ -178,10 +163,7 @@ void SignDialogTest::summarizesDumps()
 
 void SignDialogTest::offersWhatTheTargetHas_data()
 {
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("offered");
-    QTest::addColumn<QString>("opensslNotice");
-    QTest::addColumn<QString>("missing");
+    addColumns<QString, QString, QString, QString>("target", "offered", "opensslNotice", "missing");
 
     const QString buttons = BUTTONS.join(' ');
     const QString binaryKey = " binaryKeyLabel binaryKeyPathChooser";
@@ -377,10 +359,7 @@ void SignDialogTest::opensItsHelp()
 
 void SignDialogTest::hasFieldsForPaths_data()
 {
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("history");
-    QTest::addColumn<QString>("hint");
-    QTest::addColumn<bool>("mustExist");
+    addColumns<QString, QString, QString, bool>("field", "history", "hint", "mustExist");
 
     const auto row = [](const QString &field,
                         const QString &history,
@@ -438,10 +417,7 @@ void SignDialogTest::hasFieldsForPaths()
 
 void SignDialogTest::signsVerifiesAndRemoves_data()
 {
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QStringList>("keys");
-    QTest::addColumn<QString>("developer");
-    QTest::addColumn<QString>("client");
+    addColumns<QString, QStringList, QString, QString>("target", "keys", "developer", "client");
 
     const auto summary = [](const QString &group, const QString &name, const QString &unit) {
         return QStringLiteral("Subject: CN=%2, OU=%3, OU=%1, O=Veyra OS Demo\nGroup: %1\n")
@@ -519,9 +495,7 @@ void SignDialogTest::signsVerifiesAndRemoves()
 
 void SignDialogTest::saysWhyFieldsAreAtFault_data()
 {
-    QTest::addColumn<QString>("target");
-    QTest::addColumn<QString>("certificate");
-    QTest::addColumn<QString>("problem");
+    addColumns<QString, QString, QString>("target", "certificate", "problem");
 
     const QString folder = " must be inside workspace folder: "
                            + FilePath::fromString(m_sdk.workspace()).shortNativePath();
@@ -607,10 +581,7 @@ void SignDialogTest::refusesRequests()
 
 void SignDialogTest::makesKeysAndRequests_data()
 {
-    QTest::addColumn<int>("algorithm");
-    QTest::addColumn<bool>("encrypt");
-    QTest::addColumn<QString>("company");
-    QTest::addColumn<QString>("publicKey");
+    addColumns<int, bool, QString, QString>("algorithm", "encrypt", "company", "publicKey");
 
     const QString signs = "A=B, C/D; E+F <%COMPANY_NAME%> @{1}";
     const QString rsa = "rsaEncryption";
@@ -676,9 +647,7 @@ void SignDialogTest::makesKeysAndRequests()
 
 void SignDialogTest::cleansUpAfterAFailedRequest_data()
 {
-    QTest::addColumn<QStringList>("answers");
-    QTest::addColumn<QString>("reason");
-    QTest::addColumn<int>("promptsOfNextTry");
+    addColumns<QStringList, QString, int>("answers", "reason", "promptsOfNextTry");
 
     const QString cancelled = "Cancelled: no pass phrase was given";
     addRow("first prompt declined", QStringList{{}}, cancelled, 3);

@@ -9,12 +9,7 @@
 #include <brisk/sdk.h>
 #include <utils/pathchooser.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QLabel>
-#include <QSettings>
-#include <QTimer>
+#include <QtWidgets>
 
 using Sealkit::Internal::SignOptionsPage;
 using Utils::FilePath;
@@ -147,8 +142,7 @@ QString SignOptionsTest::whatIsStored() const
 
 void SignOptionsTest::choices_data()
 {
-    QTest::addColumn<QString>("actions");
-    QTest::addColumn<QString>("shown");
+    addColumns<QString, QString>("actions", "shown");
 
     const auto certificate = [](const QString &keys) {
         return "; Regular certificate: (" + keys + "regular_cert.pem)";
@@ -204,10 +198,7 @@ void SignOptionsTest::regularPathsAreStoredAsTheyAre()
 
 void SignOptionsTest::unusableCustomFilesAreMarked_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<bool>("isInside");
-    QTest::addColumn<QString>("ofKey");
-    QTest::addColumn<QString>("ofCertificate");
+    addColumns<QString, bool, QString, QString>("file", "isInside", "ofKey", "ofCertificate");
 
     const auto row = [](const char *name, const QString &file, bool isInside, const QString &note) {
         addRow(name, file, isInside, note, note);

@@ -10,17 +10,9 @@
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/task.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMainWindow>
-#include <QProgressDialog>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
-#include <QVBoxLayout>
-#include <QWindow>
+#include <QtWidgets>
 
 #include <ctime>
 #include <functional>

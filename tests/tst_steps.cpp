@@ -18,13 +18,8 @@
 #include <projectexplorer/task.h>
 #include <utils/pathchooser.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QLabel>
-#include <QProcess>
-#include <QSettings>
 #include <QSignalSpy>
+#include <QtWidgets>
 
 using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
@@ -203,8 +198,7 @@ void StepsTest::rpmsignTellsThatItsDumpFailed()
 
 void StepsTest::rpmsignUsesTheGlobalKeys_data()
 {
-    QTest::addColumn<QVariant>("storedKey");
-    QTest::addColumn<QString>("lastMessage");
+    addColumns<QVariant, QString>("storedKey", "lastMessage");
 
     const QString error = "ErrorMessage: Error: key and certificate ";
     addRow("nothing stored", QVariant(), developerNotes({"a.rpm"}).first());
@@ -226,10 +220,8 @@ void StepsTest::rpmsignUsesTheGlobalKeys()
 
 void StepsTest::customerSigns_data()
 {
-    QTest::addColumn<bool>("signDebugPackages");
-    QTest::addColumn<QStringList>("packages");
-    QTest::addColumn<QStringList>("signedPackages");
-    QTest::addColumn<QString>("lastMessage");
+    addColumns<bool, QStringList, QStringList, QString>(
+        "signDebugPackages", "packages", "signedPackages", "lastMessage");
 
     const QStringList all{"a-1.rpm", "a-debuginfo-1.rpm", "a-debugsource-1.rpm"};
     addRow("what is to be deployed", true, all + QStringList("a.src.rpm"), all, COMPLETED);
@@ -278,10 +270,8 @@ void StepsTest::customerLooksForTheBuildStepOnce()
 
 void StepsTest::saysWhyNothingIsSigned_data()
 {
-    QTest::addColumn<QString>("targetName");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QByteArray>("script"); // of the tool; without one there is none to run
-    QTest::addColumn<QString>("why");
+    // script: of the tool; without one there is none to run
+    addColumns<QString, QString, QByteArray, QString>("targetName", "message", "script", "why");
 
     for (const QString &target : {RPMSIGN_TARGET, CUSTOMER_TARGET}) {
         const auto row = [&target](const char *name,
@@ -383,9 +373,7 @@ void StepsTest::survivesItsRemoval()
 
 void StepsTest::keepsItsMap_data()
 {
-    QTest::addColumn<QString>("targetName");
-    QTest::addColumn<Store>("map");
-    QTest::addColumn<Store>("expected");
+    addColumns<QString, Store, Store>("targetName", "map", "expected");
 
     const Store custom{{"Sealkit.UseDefaultValues", false},
                        {"Sealkit.Key", "/w/k.pem"},
@@ -495,9 +483,7 @@ void StepsTest::widgetConfiguresCustomerSign()
 
 void StepsTest::widgetJudgesPaths_data()
 {
-    QTest::addColumn<QString>("targetName");
-    QTest::addColumn<QString>("field");
-    QTest::addColumn<QString>("title");
+    addColumns<QString, QString, QString>("targetName", "field", "title");
 
     const QString title = "User private key for signing the package";
     addRow("key", RPMSIGN_TARGET, "key", title);

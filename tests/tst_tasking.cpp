@@ -52,9 +52,8 @@ private:
 
 void TaskingTest::handlersDecide_data()
 {
-    QTest::addColumn<SetupResult>("setupResult");
-    QTest::addColumn<QString>("verdict"); // of the done handler, if any
-    QTest::addColumn<QString>("expected");
+    // verdict: of the done handler, if any
+    addColumns<SetupResult, QString, QString>("setupResult", "verdict", "expected");
 
     const auto goOn = SetupResult::Continue;
     const auto error = SetupResult::StopWithError;

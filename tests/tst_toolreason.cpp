@@ -17,8 +17,7 @@ private slots:
 
 void ToolReasonTest::alwaysKnowsAReason_data()
 {
-    QTest::addColumn<Result>("result");
-    QTest::addColumn<QString>("reason");
+    addColumns<Result, QString>("result", "reason");
 
     addRow("not started",
            Result{.stdErr = {}, .stdOut = {}, .started = false},

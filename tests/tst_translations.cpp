@@ -10,11 +10,7 @@
 #include <host/application.h>
 #include <utils/qtcsettings.h>
 
-#include <QAction>
-#include <QCheckBox>
-#include <QProcess>
-#include <QRegularExpression>
-#include <QXmlStreamReader>
+#include <QtWidgets>
 
 using ExtensionSystem::PluginManager;
 
@@ -130,9 +126,7 @@ void TranslationsTest::guideExplainsEveryText()
 
 void TranslationsTest::pluginSpeaks_data()
 {
-    QTest::addColumn<QVariant>("language");
-    QTest::addColumn<QString>("menuEntry");
-    QTest::addColumn<QString>("checkBox");
+    addColumns<QVariant, QString, QString>("language", "menuEntry", "checkBox");
 
     const QString german = "Signierschritt standardmäßig einschalten";
     const QString japanese = "署名ステップを既定で有効にする";

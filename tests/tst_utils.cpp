@@ -46,8 +46,7 @@ using PackageDumps = QList<PackageDump>;
 
 void UtilsTest::findsThePackagesOfADump_data()
 {
-    QTest::addColumn<QStringList>("packages");
-    QTest::addColumn<PackageDumps>("dumps");
+    addColumns<QStringList, PackageDumps>("packages", "dumps");
 
     const auto row = [](const char *name, const PackageDumps &dumps) {
         QStringList packages;
@@ -84,8 +83,7 @@ void UtilsTest::findsThePackagesOfADump()
 
 void UtilsTest::findsTheGroups_data()
 {
-    QTest::addColumn<QString>("dump");
-    QTest::addColumn<SignGroups>("groups");
+    addColumns<QString, SignGroups>("dump", "groups");
 
     addRow("developer", "Group: developer\r\nSubgroup: client\r\n", SignGroups{true, false});
     addRow("both", "Group: developer\nGroup: client\n", SignGroups{true, true});
@@ -113,9 +111,7 @@ void UtilsTest::listsPackagesBesideAPath()
 
 void UtilsTest::tellsWhatLiesInAFolder_data()
 {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<bool>("inside");
+    addColumns<QString, QString, bool>("file", "folder", "inside");
 
     addRow("grandchild", "/a/b/c/k.pem", "/a/b", true);
     addRow("elsewhere", "/a/k.pem", "/a/b", false);

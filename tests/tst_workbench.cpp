@@ -18,13 +18,7 @@
 #include <projectexplorer/target.h>
 #include <utils/pathchooser.h>
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QProcess>
-#include <QSettings>
-#include <QTimer>
-#include <QToolButton>
+#include <QtWidgets>
 
 #include <csignal>
 
@@ -116,11 +110,8 @@ void WorkbenchTest::init()
 
 void WorkbenchTest::deploys_data()
 {
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<Prepare>("prepare");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<int>("signatureCount");
+    addColumns<QString, Prepare, int, QString, int>(
+        "arguments", "prepare", "exitCode", "message", "signatureCount");
 
     const QString failed = "The deploy failed. Nothing was signed: ";
     const QString noSignStep = "the deploy configuration has no enabled sign step";

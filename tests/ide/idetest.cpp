@@ -24,23 +24,9 @@
 #include <utils/infobar.h>
 #include <utils/pathchooser.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QDirIterator>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListView>
-#include <QMainWindow>
-#include <QMenu>
-#include <QMessageBox>
-#include <QProcess>
-#include <QPushButton>
+#include <QtWidgets>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTextBrowser>
-#include <QTreeView>
 
 using namespace ProjectExplorer;
 

@@ -3,13 +3,8 @@
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
 
-#include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTabWidget>
 #include <QTest>
-#include <QTextEdit>
+#include <QtWidgets>
 
 void DialogDriver::open(QDialog *newDialog)
 {

@@ -1,10 +1,7 @@
 #include "promptanswers.h"
 
-#include <QApplication>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
 #include <QTest>
+#include <QtWidgets>
 
 PromptAnswers::PromptAnswers(const QStringList &answers, std::chrono::milliseconds interval)
     : m_answers(answers)
