@@ -8,8 +8,8 @@
 // A window without a text has some ten, for its frames and shades.
 constexpr int FEWEST_COLOURS = 50;
 
-/// The pictures of the documentation: that the program can still take them, and that the pages show
-/// those that it takes.
+/// The pictures of the documentation: the program can still take each of them, and the pages show
+/// each.
 class PicturesTest : public QObject
 {
     Q_OBJECT

@@ -11,7 +11,7 @@ namespace Workbench {
 /// Closes all modal dialogs as a user would who wants none of what they offer.
 void declineOpenDialogs();
 
-/// Deals with modal dialogs where nobody can see them: types the pass phrase into those that ask
+/// Deals with modal dialogs where nobody can see them: types the pass phrase into dialogs that ask
 /// for one and declines all others, so that no dialog is ever waited for.
 class PromptAnswerer : public QObject
 {

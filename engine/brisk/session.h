@@ -2,8 +2,9 @@
 
 #include <sys/types.h>
 
-/// Ends every process of the session \a session: those that do not leave by themselves within a
-/// short grace time are killed. The caller has taken their terminal away before, which tells them.
+/// Ends every process of the session \a session. The caller has taken the session's terminal away
+/// before, which asks the processes to leave; a process that stays beyond a short grace time is
+/// killed.
 void endSession(pid_t session);
 
 /// Sees to it that no process of a session outlives this program, however this program ends.

@@ -36,7 +36,7 @@ public:
     QString errorString() const { return m_errorString; }
     IPlugin *plugin() const { return m_plugin; }
 
-    /// Whether this plugin serves those that were made for \a version of plugin \a id.
+    /// Whether this plugin serves plugins that were made for \a version of plugin \a id.
     bool provides(const QString &id, const QString &version) const;
 
     /// Finds the plugins depended on among \a specs.

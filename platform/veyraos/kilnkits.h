@@ -4,7 +4,7 @@
 
 namespace Kiln::Internal {
 
-/// One kit for each target of the SDK's build engines; those that are registered already stay.
+/// One kit for each target of the SDK's build engines; a kit that is registered already stays.
 VEYRAOS_EXPORT void registerKits();
 
 } // namespace Kiln::Internal

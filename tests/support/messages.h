@@ -9,7 +9,7 @@ class Messages : public QObject
 public:
     Messages();
 
-    /// All messages; those that disrupt begin with "!".
+    /// All messages; a message that disrupts begins with "!".
     QStringList take();
 
 private:

@@ -42,8 +42,8 @@ public:
     void updateDefaultDeployConfigurations();
 
     Utils::Store toMap() const;
-    /// Adds the configurations in \a map. Those that no factory knows don't, but come back from
-    /// toMap() as they were read, behind the others.
+    /// Adds the configurations in \a map. A configuration that no factory knows is not added;
+    /// toMap() gives it back as it was read, behind the others.
     void fromMap(const Utils::Store &map);
 
 signals:
