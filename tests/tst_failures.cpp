@@ -22,9 +22,6 @@ using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
 
 using Fault = std::function<void()>;
-Q_DECLARE_METATYPE(Fault)
-
-enum class Place { RpmsignStep, CustomerStep, Dialog, BackEnd };
 
 const QByteArray DISK_FULL = "trap '' XFSZ; ulimit -f 0";
 
@@ -49,29 +46,35 @@ private slots:
     void toolsAreNotTrustedBlindly();
 
 private:
-    QString inWorkspace(const QString &path) const
-    {
-        return m_workplace.sdk().workspace() + '/' + path;
-    }
-    int runTool(const QStringList &words) const
-    {
-        return QProcess::execute(m_workplace.sdk().path() + "/bin/brisk",
-                                 QStringList{"engine", "exec", "-tt", "sb2", "-t", m_target}
-                                     + words);
-    }
-
+    QString inWorkspace(const QString &path) const { return m_sdk.workspace() + '/' + path; }
     void openProject(const QString &target);
-    QStringList sign(Place place);
-    QStringList takeTexts();
+    QStringList sign(const QString &place);
+    /// What the dialog shows, and what came to the General Messages since the last time.
+    QStringList takeTexts() { return (dialog ? texts() : QStringList()) + m_messages.take(); }
 
     void setBrisk(const QString &path) const { QSettings().setValue("Kiln.BriskPath", path); }
     void moveAway(const QString &path);
-    void closeSdk();
-    void inTool(const QString &tool, const QByteArray &command, const QByteArray &script);
-    void inBrisk(const QByteArray &script);
+    void wrap(const QString &program, const QByteArray &words, const QByteArray &script)
+    {
+        m_wrapped = std::make_unique<WrappedProgram>(program, words, script);
+    }
+    void inBrisk(const QByteArray &script)
+    {
+        wrap(m_sdk.path() + "/bin/brisk", "engine exec", script);
+    }
+    QString signingTool() const
+    {
+        return m_sdk.tool(m_target == CUSTOMER_TARGET ? "customer-sign" : "rpmsign-external",
+                          m_target);
+    }
+    void inSigning(const QByteArray &script)
+    {
+        wrap(signingTool(), m_target == CUSTOMER_TARGET ? "--binaries-key" : "sign", script);
+    }
     void endFaults();
 
     Workplace m_workplace;
+    const TemporarySdk &m_sdk = m_workplace.sdk();
     DeployStepFactory<CustomerSignStep> m_customerFactory;
     DeployStepFactory<RpmsignExternalStep> m_rpmsignFactory;
     Messages m_messages;
@@ -80,7 +83,7 @@ private:
     QStringList m_packages;
     QString m_keys; // the pair's name in the workspace, up to "_key.pem" and "_cert.pem"
     std::unique_ptr<WrappedProgram> m_wrapped;
-    QList<std::function<void()>> m_ends;
+    QString m_moved;
 };
 
 void FailuresTest::cleanup()
@@ -101,68 +104,40 @@ void FailuresTest::openProject(const QString &target)
     QSettings().setValue("KilnRpmSign.History.TargetName", target);
 }
 
-/// What the dialog shows, and what came to the General Messages since the last time.
-QStringList FailuresTest::takeTexts()
-{
-    return (dialog ? texts() : QStringList()) + m_messages.take();
-}
-
 void FailuresTest::moveAway(const QString &path)
 {
     QVERIFY(QFile::rename(path, path + ".away"));
-    m_ends << [path] { QFile::rename(path + ".away", path); };
-}
-
-void FailuresTest::closeSdk()
-{
-    Brisk::closeInstallation();
-    m_ends << [this] {
-        QString error;
-        QVERIFY(
-            Brisk::openInstallation(Utils::FilePath::fromString(m_workplace.sdk().path()), &error));
-    };
-}
-
-void FailuresTest::inTool(const QString &tool, const QByteArray &command, const QByteArray &script)
-{
-    m_wrapped =
-        std::make_unique<WrappedProgram>(m_workplace.sdk().tool(tool, m_target), command, script);
-}
-
-/// In place of brisk, where it runs a tool.
-void FailuresTest::inBrisk(const QByteArray &script)
-{
-    const QString brisk = m_workplace.sdk().path() + "/bin/brisk";
-    m_wrapped = std::make_unique<WrappedProgram>(brisk, "engine exec", script);
+    m_moved = path;
 }
 
 void FailuresTest::endFaults()
 {
     m_wrapped.reset();
-    for (const auto &end : std::exchange(m_ends, {}))
-        end();
+    if (const QString path = std::exchange(m_moved, {}); !path.isEmpty())
+        QFile::rename(path + ".away", path);
+    QString error;
+    QVERIFY(Brisk::openInstallation(Utils::FilePath::fromString(m_sdk.path()), &error));
 }
 
 /// Returns all that was said meanwhile.
-QStringList FailuresTest::sign(Place place)
+QStringList FailuresTest::sign(const QString &place)
 {
     QStringList output;
-    if (place == Place::BackEnd) {
-        RpmsignExternal tool(nullptr);
+    if (place == "back end") {
         SignData data;
         data.key = m_keys + "_key.pem";
         data.certificate = m_keys + "_cert.pem";
-        output << (tool.addSignature(m_target, m_packages, data).succeeded() ? "back end OK"
-                                                                             : "back end BROKEN");
-    } else if (place == Place::Dialog) {
+        const auto result = RpmsignExternal(nullptr).addSignature(m_target, m_packages, data);
+        output << (result.succeeded() ? "back end OK" : "back end BROKEN");
+    } else if (place == "dialog") {
         enter("rpmPathChooser", m_packages.first());
         enter("developerKeyPathChooser", m_keys + "_key.pem");
         enter("developerCertificatePathChooser", m_keys + "_cert.pem");
         click("addSignaturePushButton");
     } else {
         BuildStepList *steps = deploySteps(m_project);
-        steps->appendStep(place == Place::RpmsignStep ? RpmsignExternalStep::stepId()
-                                                      : CustomerSignStep::stepId());
+        steps->appendStep(place == "customer-sign step" ? CustomerSignStep::stepId()
+                                                        : RpmsignExternalStep::stepId());
         steps->steps().last()->fromMap({{"Sealkit.UseDefaultValues", false},
                                         {"Sealkit.Key", m_keys + "_key.pem"},
                                         {"Sealkit.Cert", m_keys + "_cert.pem"},
@@ -177,58 +152,38 @@ QStringList FailuresTest::sign(Place place)
 
 void FailuresTest::signingIsNotCalledDone_data()
 {
-    addColumns<Place, QString, Fault>("place", "told", "fault");
+    addColumns<QString, QString, Fault>("place", "told", "fault");
 
-    const std::pair<Place, const char *> places[] = {{Place::RpmsignStep, "rpmsign-external step"},
-                                                     {Place::CustomerStep, "customer-sign step"},
-                                                     {Place::Dialog, "dialog"},
-                                                     {Place::BackEnd, "back end"}};
-    for (const auto &[place, name] : places) {
+    const QStringList places{"rpmsign-external step", "customer-sign step", "dialog", "back end"};
+    for (const QString &place : places) {
         const auto row = [&](const char *ending, const QString &told, const Fault &fault) {
-            QTest::addRow("%s, %s", name, ending) << place << told << fault;
+            QTest::addRow("%s, %s", qPrintable(place), ending) << place << told << fault;
         };
-        const auto toolRow =
-            [&](const char *ending, const QString &told, const QByteArray &script) {
-                row(ending, told, [this, script] {
-                    const bool isCustomers = m_target == CUSTOMER_TARGET;
-                    inTool(isCustomers ? "customer-sign" : "rpmsign-external",
-                           isCustomers ? "--binaries-key" : "sign",
-                           script);
-                });
-            };
         row("not started", "cannot start \"/none\": .*No such file", [this] { setBrisk("/none"); });
-        row("no SDK", "cannot start \"\": |the kit has no build engine", [this] { closeSdk(); });
-        row("workspace gone", "No such file or directory|no package for sign found", [this] {
-            moveAway(inWorkspace({}).chopped(1));
-        });
+        row("no SDK", "cannot start \"\": |the kit has no build engine", Brisk::closeInstallation);
+        row("workspace gone", "No such file|no package", [this] { moveAway(m_sdk.workspace()); });
         row("target gone", "no such build target|kit has no build target", [this] {
-            moveAway(m_workplace.sdk().path() + "/engine/targets/" + m_target);
+            moveAway(m_sdk.path() + "/engine/targets/" + m_target);
         });
         // brisk writes errors of its own to its error output
-        const bool isStep = place == Place::RpmsignStep || place == Place::CustomerStep;
-        row("tool missing", isStep ? "Stderr: brisk: " : "\\[E\\]\tbrisk: ", [this] {
-            const bool isCustomers = m_target == CUSTOMER_TARGET;
-            moveAway(m_workplace.sdk().tool(isCustomers ? "customer-sign" : "rpmsign-external",
-                                            m_target));
-        });
-        toolRow("failed", "out of ink", "echo 'error: out of ink'; exit 3");
-        toolRow("failed without a word", "its exit code was 1|\\[\\$\\] 1\t", "exit 1");
-        toolRow("disk full", "cannot", DISK_FULL);
-        toolRow("tool killed", "\\[\\$\\] 137\t", "kill -9 $$");
-        row("brisk killed", "\\[\\$\\] 9\t", [this] {
-            inBrisk("printf 'cut off in the mid'; kill -9 $$");
-        });
+        const QString told = place.endsWith("step") ? "Stderr: brisk: " : "\\[E\\]\tbrisk: ";
+        row("tool missing", told, [this] { moveAway(signingTool()); });
+        row("failed", "out of ink", [this] { inSigning("echo 'error: out of ink'; exit 3"); });
+        row("failed without a word", "code was 1|\\[\\$\\] 1\t", [this] { inSigning("exit 1"); });
+        row("disk full", "cannot", [this] { inSigning(DISK_FULL); });
+        row("tool killed", "\\[\\$\\] 137\t", [this] { inSigning("kill -9 $$"); });
+        row("brisk killed", "\\[\\$\\] 9\t", [this] { inBrisk("printf 'cut off'; kill -9 $$"); });
         row("prompt declined", "\\[\\$\\] 9\t", [this] { m_keys = inWorkspace("keys/encrypted"); });
     }
 }
 
 void FailuresTest::signingIsNotCalledDone()
 {
-    QFETCH(Place, place);
+    QFETCH(QString, place);
     QFETCH(QString, told);
     QFETCH(Fault, fault);
-    openProject(place == Place::CustomerStep ? CUSTOMER_TARGET : RPMSIGN_TARGET);
-    if (place == Place::Dialog)
+    openProject(place == "customer-sign step" ? CUSTOMER_TARGET : RPMSIGN_TARGET);
+    if (place == "dialog")
         open(new SignDialog(nullptr));
     takeTexts();
     fault();
@@ -272,15 +227,7 @@ void FailuresTest::packageIsNotCalledVerified()
     QFETCH(QString, told);
     QFETCH(Fault, fault);
     openProject(RPMSIGN_TARGET);
-    QCOMPARE(runTool({"rpmsign-external",
-                      "sign",
-                      "-k",
-                      m_keys + "_key.pem",
-                      "-c",
-                      m_keys + "_cert.pem",
-                      m_packages.first()}),
-             0);
-    m_target = target;
+    QVERIFY(sign("back end").contains("back end OK"));
     QSettings().setValue("KilnRpmSign.History.TargetName", target);
     open(new SignDialog(nullptr));
     enter("rpmPathChooser", m_packages.first());
@@ -297,31 +244,20 @@ void FailuresTest::packageIsNotCalledVerified()
 
 void FailuresTest::requestIsNotCalledMade_data()
 {
-    addColumns<QString, Fault>("told", "fault");
+    addColumns<QByteArray, QByteArray, QString>("command", "script", "told");
 
-    const auto row = [](const char *name, const QString &told, const Fault &fault) {
-        addRow(name, told, fault);
-    };
-    row("not started", "cannot start", [this] { setBrisk("/none"); });
-    row("no engine for an old key", "No Build Engine found", [this] {
-        writeFile(inWorkspace("own/key.pem"), "a key");
-        closeSdk();
-    });
-    row("openssl killed", "\\[\\$\\] 137\t", [this] {
-        inTool("openssl", "genpkey", "kill -9 $$");
-    });
-    row("openssl killed after the key", "\\[\\$\\] 137\t", [this] {
-        inTool("openssl", "req", "kill -9 $$");
-    });
-    row("disk full after the key", "\nThe request is empty; is the disk full\\?\n", [this] {
-        inTool("openssl", "req", DISK_FULL);
-    });
+    const QByteArray kill = "kill -9 $$";
+    addRow("openssl killed", QByteArray("genpkey"), kill, "[$] 137\t");
+    addRow("openssl killed after the key", QByteArray("req"), kill, "[$] 137\t");
+    const char *empty = "\nThe request is empty; is the disk full?\n";
+    addRow("disk full after the key", QByteArray("req"), DISK_FULL, empty);
 }
 
 void FailuresTest::requestIsNotCalledMade()
 {
+    QFETCH(QByteArray, command);
+    QFETCH(QByteArray, script);
     QFETCH(QString, told);
-    QFETCH(Fault, fault);
     openProject(RPMSIGN_TARGET);
     open(new SignDialog(nullptr));
     child<QLineEdit>("generateCompanyNameLineEdit")->setText("Company");
@@ -329,56 +265,46 @@ void FailuresTest::requestIsNotCalledMade()
     enter("generatedKeyPathChooser", inWorkspace("own/key.pem"));
     enter("generatedReqPathChooser", inWorkspace("own/request.pem"));
     QDir().mkpath(inWorkspace("own"));
-    fault();
+    wrap(m_sdk.tool("openssl"), command, script);
     click("genReqButton");
 
     QCOMPARE(icon("generateLabel"), "BROKEN");
     QVERIFY(status().startsWith("Failed to generate request: "));
     const QString texts = takeTexts().join('\n');
-    QCOMPARE(texts.contains("![E]\tFiled to generate CSR"), told.startsWith("No Build Engine"));
-    QVERIFY2(texts.contains(QRegularExpression(told)), qPrintable(texts));
+    QVERIFY2(texts.contains(told), qPrintable(texts));
     QVERIFY(!QFile::exists(inWorkspace("own/request.pem")));
 }
 
 void FailuresTest::toolsAreNotTrustedBlindly_data()
 {
-    addColumns<Place, QByteArray, QByteArray, QStringList>("place", "command", "script", "told");
+    addColumns<QString, QByteArray, QByteArray, QString>("place", "command", "script", "told");
 
+    const QByteArray sign = "sign";
     const QByteArray liar = "echo 'error: nothing signed'; exit 0";
+    const QByteArray cutOff = "printf \"$2\\nGroup: cli\"; exit 0";
     const QString note =
         "Stderr: Note: Packages %1 is not signed. Deployment to the device is not ";
-    addRow("signs nothing, step",
-           Place::RpmsignStep,
-           QByteArray("sign"),
-           liar,
-           QStringList{note.arg("a.rpm"), note.arg("b c.rpm")});
-    addRow("signs nothing, dialog",
-           Place::Dialog,
-           QByteArray("sign"),
-           liar,
-           QStringList{"Could not verify signatures",
-                       "verifyIconLabel BROKEN",
-                       "No signatures found in package"});
-    addRow("cuts its dump off",
-           Place::RpmsignStep,
-           QByteArray("dump"),
-           QByteArray("printf \"$2\\nGroup: cli\"; exit 0"),
-           QStringList{note.arg("a.rpm"), "Stderr: Failed to verify signature dump"});
+    const QString notes = note.arg("a.rpm") + '|' + note.arg("b c.rpm");
+    addRow("signs nothing, step", "rpmsign-external step", sign, liar, notes);
+    const QString notFound = "verifyIconLabel BROKEN|No signatures found in package";
+    addRow("signs nothing, dialog", "dialog", sign, liar, notFound);
+    const QString noteAndError = note.arg("a.rpm") + "|Stderr: Failed to verify signature dump";
+    addRow("cuts its dump off", "rpmsign-external step", QByteArray("dump"), cutOff, noteAndError);
 }
 
 /// A tool that ends well, and has not done its work.
 void FailuresTest::toolsAreNotTrustedBlindly()
 {
-    QFETCH(Place, place);
+    QFETCH(QString, place);
     QFETCH(QByteArray, command);
     QFETCH(QByteArray, script);
-    QFETCH(QStringList, told);
+    QFETCH(QString, told);
     openProject(RPMSIGN_TARGET);
-    if (place == Place::Dialog)
+    if (place == "dialog")
         open(new SignDialog(nullptr));
-    inTool("rpmsign-external", command, script);
+    wrap(m_sdk.tool("rpmsign-external"), command, script);
     const QString texts = '\n' + sign(place).join('\n');
-    for (const QString &text : told)
+    for (const QString &text : told.split('|'))
         QVERIFY2(texts.contains('\n' + text), qPrintable(texts));
     QVERIFY(!texts.contains("Signatures successfully verified"));
 }
