@@ -1,5 +1,4 @@
 #include "straywarnings.h"
-#include "testrow.h"
 #include "workplace.h"
 
 #include <host/buildmanager.h>
@@ -10,12 +9,10 @@
 #include <projectexplorer/target.h>
 #include <projectexplorer/task.h>
 
+#include <QSignalSpy>
+
 using namespace ProjectExplorer;
 using namespace Tasking;
-
-using OutputFormat = BuildStep::OutputFormat;
-
-namespace {
 
 constexpr char STEP_ID[] = "Test.Step";
 
@@ -26,18 +23,21 @@ public:
         : BuildStep(list, id)
     {
     }
-
     bool init() override { return isReady; }
-    void setHandler(const std::function<SetupResult()> &handler)
-    {
-        recipe = {onGroupSetup(handler)};
-    }
 
     bool isReady = true;
-    GroupItems recipe;
+    OutputFormat format = OutputFormat::Stdout;
+    SetupResult result = SetupResult::Continue;
 
 private:
-    GroupItem runRecipe() override { return Group(recipe); }
+    GroupItem runRecipe() override
+    {
+        return Group{onGroupSetup([this] {
+            emit addOutput("text", format);
+            emit addTask(DeploymentTask(Task::Error, "issue\nwhy"));
+            return result;
+        })};
+    }
 };
 
 class TestStepFactory : public BuildStepFactory
@@ -51,10 +51,6 @@ public:
     }
 };
 
-} // namespace
-
-using Prepare = std::function<void(TestStep *)>;
-
 class ProjectExplorerTest : public QObject
 {
     Q_OBJECT
@@ -62,115 +58,68 @@ class ProjectExplorerTest : public QObject
 private slots:
     void init() { failOnStrayWarnings(); }
     void stepsComeBack();
-    void stepsRunInOrder_data();
     void stepsRunInOrder();
 
 private:
-    /// A new project's deploy steps, two of the test's.
-    BuildStepList *openProject()
-    {
-        m_project = static_cast<Host::UserProject *>(m_workplace.openProject(RPMSIGN_TARGET));
-        BuildStepList *steps = deploySteps(m_project);
-        steps->clear();
-        for (int i = 0; i < 2; ++i)
-            steps->appendStep(STEP_ID);
-        steps->at(0)->setDisplayName("First");
-        return steps;
-    }
-
     Workplace m_workplace;
     const TestStepFactory m_stepFactory;
-    Host::UserProject *m_project = nullptr;
 };
 
 void ProjectExplorerTest::stepsComeBack()
 {
-    openProject()->at(0)->setStepEnabled(false);
+    auto *project = static_cast<Host::UserProject *>(m_workplace.openProject(RPMSIGN_TARGET));
+    deploySteps(project)->at(0)->setStepEnabled(false);
     QString error;
-    QVERIFY2(m_project->saveSettings(&error), qPrintable(error));
-    Host::UserProject restored(m_project->projectFilePath());
+    QVERIFY2(project->saveSettings(&error), qPrintable(error));
+    Host::UserProject restored(project->projectFilePath());
     QVERIFY2(restored.restoreSettings(&error), qPrintable(error));
-    QCOMPARE(Utils::mapFromStore(restored.activeTarget()->toMap()),
-             Utils::mapFromStore(m_project->activeTarget()->toMap()));
+    QVERIFY(restored.activeTarget()->toMap() == project->activeTarget()->toMap());
     QVERIFY(!deploySteps(&restored)->at(0)->stepEnabled());
 }
 
-void ProjectExplorerTest::stepsRunInOrder_data()
+/// What a run writes and reports; "success" behind it when it succeeds.
+static QString outputOf(BuildStepList *steps)
 {
-    // expected: between the headline and the last line
-    addColumns<Prepare, bool, QString>("prepareFirst", "success", "expected");
-
-    const auto printing = [](OutputFormat format, SetupResult result) -> Prepare {
-        return [=](TestStep *step) {
-            step->setHandler([=] {
-                emit step->addOutput("text", format);
-                return result;
-            });
-        };
-    };
-    const Prepare disabled = [](TestStep *step) { step->setStepEnabled(false); };
-    const Prepare greyedOut = [](TestStep *step) { step->setEnabled(false); };
-    const Prepare reporting = [](TestStep *step) {
-        step->setHandler([step] {
-            emit step->addTask(DeploymentTask(Task::Error, "text\nmore"));
-            return SetupResult::Continue;
-        });
-    };
-    const Prepare refusing = [](TestStep *step) { step->isReady = false; };
-    const Prepare hiding = [](TestStep *step) {
-        step->setHandler([] { return SetupResult::StopWithError; });
-        step->recipe << onGroupDone([] { return DoneResult::Success; });
-    };
-    const Prepare succeeding = printing(OutputFormat::Stdout, SetupResult::Continue);
-    const Prepare failing = printing(OutputFormat::Stderr, SetupResult::StopWithError);
-    const Prepare complaining = printing(OutputFormat::ErrorMessage, SetupResult::Continue);
-    const QString first = "Running step \"First\"...\n";
-    const QString second = "Running step \"Test Step\"...\n";
-    const QString failure =
-        "! Error while building/deploying project project (kit: " + RPMSIGN_TARGET
-        + ")\n"
-          "! When executing step \"First\"\n";
-
-    addRow("success", succeeding, true, first + "out: text\n" + second);
-    addRow("a disabled step is left out", disabled, true, second);
-    addRow("a disabled aspect is not", greyedOut, true, first + second);
-    addRow("an issue", reporting, true, first + "issue: text (more)\n" + second);
-    addRow("init refuses", refusing, false, failure);
-    addRow("a failing step ends the run", failing, false, first + "err: text\n" + failure);
-    addRow("an error message", complaining, true, first + "! text\n" + second);
-    addRow("a done handler hides the error", hiding, true, first + second);
+    QObject context;
+    QString output;
+    const auto *manager = BuildManager::instance();
+    QObject::connect(manager, &BuildManager::outputAdded, &context, [&](auto &text, auto format) {
+        output += QStringList{"out: ", "err: ", "", "! "}.at(int(format)) + text;
+    });
+    QObject::connect(Host::Issues::instance(), &Host::Issues::added, &context, [&](auto &issue) {
+        output += issue.summary + " (" + issue.details.join(", ") + ")\n";
+    });
+    QSignalSpy finished(manager, &BuildManager::buildQueueFinished);
+    BuildManager::buildList(steps);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // of the run
+    return finished.value(0).value(0).toBool() ? output + "success" : output;
 }
 
 void ProjectExplorerTest::stepsRunInOrder()
 {
-    QFETCH(Prepare, prepareFirst);
-    QFETCH(bool, success);
-    QFETCH(QString, expected);
+    BuildStepList *steps = deploySteps(m_workplace.openProject(RPMSIGN_TARGET));
+    steps->clear();
+    steps->appendStep(STEP_ID);
+    steps->appendStep(STEP_ID);
+    auto *first = static_cast<TestStep *>(steps->at(0));
+    first->setDisplayName("First");
+    const QString start = "Running steps for project project...\n";
+    const QString second = "Running step \"Test Step\"...\nout: text\nissue (why)\n"
+                           "The steps for project project finished successfully.\nsuccess";
+    const QString failure =
+        "! Error while building/deploying project project (kit: " + RPMSIGN_TARGET
+        + ")\n! When executing step \"First\"\n! The steps for project project failed.\n";
 
-    BuildStepList *steps = openProject();
-    prepareFirst(static_cast<TestStep *>(steps->at(0)));
-
-    QObject context;
-    QString output;
-    std::optional<bool> result;
-    const auto *manager = BuildManager::instance();
-    connect(manager,
-            &BuildManager::outputAdded,
-            &context,
-            [&](const QString &text, OutputFormat format) {
-                output += QStringList{"out: ", "err: ", "", "! "}.at(int(format)) + text;
-            });
-    connect(Host::Issues::instance(), &Host::Issues::added, &context, [&](const Task &issue) {
-        output += "issue: " + issue.summary + " (" + issue.details.join(", ") + ")\n";
-    });
-    connect(manager, &BuildManager::buildQueueFinished, &context, [&](bool ok) { result = ok; });
-    QVERIFY(BuildManager::buildList(steps));
-    QTRY_VERIFY(!BuildManager::isBuilding());
-    QCOMPARE(result, success);
-    QCOMPARE(output,
-             "Running steps for project project...\n" + expected
-                 + (success ? "The steps for project project finished successfully.\n"
-                            : "! The steps for project project failed.\n"));
+    first->setEnabled(false); // the aspect, which counts for nothing
+    first->format = BuildStep::OutputFormat::ErrorMessage;
+    const QString ofFirst = "Running step \"First\"...\n! text\nissue (why)\n";
+    QCOMPARE(outputOf(steps), start + ofFirst + second);
+    first->result = SetupResult::StopWithError;
+    QCOMPARE(outputOf(steps), start + ofFirst + failure);
+    first->isReady = false;
+    QCOMPARE(outputOf(steps), start + failure);
+    first->setStepEnabled(false);
+    QCOMPARE(outputOf(steps), start + second);
 }
 
 QTEST_GUILESS_MAIN(ProjectExplorerTest)
