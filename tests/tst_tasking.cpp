@@ -23,31 +23,6 @@ private slots:
     void handlersDecide_data();
     void handlersDecide();
     void treeDeletedInAHandlerEndsTheProgram();
-
-private:
-    GroupItem setup(const QString &name, SetupResult result = SetupResult::Continue)
-    {
-        return onGroupSetup([=, this] {
-            m_trace.append(name);
-            return result;
-        });
-    }
-    GroupItem done(const QString &name)
-    {
-        return onGroupDone(
-            [=, this](DoneWith with) { m_trace.append(name + ": " + nameOf(with)); });
-    }
-    void run(const Group &recipe)
-    {
-        m_trace.clear();
-        TaskTree tree(recipe);
-        connect(&tree, &TaskTree::done, this, [this](DoneWith with) {
-            m_trace.append("tree: " + nameOf(with));
-        });
-        tree.start();
-    }
-
-    QStringList m_trace;
 };
 
 void TaskingTest::handlersDecide_data()
@@ -58,43 +33,46 @@ void TaskingTest::handlersDecide_data()
     const auto goOn = SetupResult::Continue;
     const auto error = SetupResult::StopWithError;
     const auto success = SetupResult::StopWithSuccess;
-    addRow("the group keeps its success", goOn, "", "setup, child, done: success, tree: success");
-    addRow("the done handler fails", goOn, "error", "setup, child, done: success, tree: error");
-    addRow("a success skips the children", success, "", "setup, done: success, tree: success");
-    addRow("an error skips the children", error, "", "setup, done: error, tree: error");
-    addRow("the done handler saves", error, "success", "setup, done: error, tree: success");
+    addRow("the group keeps its success", goOn, "", "child, done: success, tree: success");
+    addRow("the done handler fails", goOn, "error", "child, done: success, tree: error");
+    addRow("a success skips the children", success, "", "done: success, tree: success");
+    addRow("an error skips the children", error, "", "done: error, tree: error");
+    addRow("the done handler saves", error, "success", "done: error, tree: success");
 }
 
 void TaskingTest::handlersDecide()
 {
     QFETCH(SetupResult, setupResult);
     QFETCH(QString, verdict);
+    QStringList trace;
+    const auto onDone = [&](DoneWith with) { trace << "done: " + nameOf(with); };
     const auto decide = [&](DoneWith with) {
-        m_trace.append("done: " + nameOf(with));
+        onDone(with);
         return verdict == "success";
     };
-    run({setup("setup", setupResult),
-         Group{setup("child")},
-         verdict.isEmpty() ? done("done") : onGroupDone(decide)});
-    QTEST(m_trace.join(", "), "expected");
+    TaskTree tree({onGroupSetup([&] { return setupResult; }),
+                   Group{onGroupSetup([&] { trace << "child"; })},
+                   verdict.isEmpty() ? onGroupDone(onDone) : onGroupDone(decide)});
+    connect(&tree, &TaskTree::done, [&](DoneWith with) { trace << "tree: " + nameOf(with); });
+    tree.start();
+    QTEST(trace.join(", "), "expected");
 }
 
 // As the IDE does that cancels a deploy while a step's handler waits for a tool
 void TaskingTest::treeDeletedInAHandlerEndsTheProgram()
 {
-    constexpr char DELETES[] = "SEALKIT_TEST_DELETES_ITS_TREE";
-    if (qEnvironmentVariableIsSet(DELETES)) {
+    const QString deletes = "SEALKIT_TEST_DELETES_ITS_TREE";
+    if (qEnvironmentVariableIsSet(deletes.toLatin1())) {
         TaskTree *tree = nullptr;
         tree = new TaskTree(Group{onGroupSetup([&tree] { delete tree; })});
         tree->start();
         return;
     }
-    qputenv(DELETES, "1");
     QProcess program;
     program.setProcessChannelMode(QProcess::MergedChannels);
+    program.setEnvironment(QProcess::systemEnvironment() << deletes + "=1");
     program.start(QCoreApplication::applicationFilePath(), {QTest::currentTestFunction()});
     QVERIFY(program.waitForFinished());
-    qunsetenv(DELETES);
     QCOMPARE(program.exitStatus(), QProcess::CrashExit);
     QVERIFY(program.readAll().contains("deleted from within one of its handlers"));
 }
