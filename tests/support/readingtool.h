@@ -2,8 +2,6 @@
 
 #include "signtool.h"
 
-#include <array>
-
 /// A back end of which only the handler of its runs matters.
 class ReadingTool : public Sealkit::Internal::SignTool
 {
@@ -34,30 +32,3 @@ public:
     Result dumpSignature(const QString &, const QStringList &) override { return {}; }
     Result generateRequest(const QString &, const KeyGenerationData &) override { return {}; }
 };
-
-/// What the tool should make of a chunk, put as plainly as can be: each chunk is decoded and cut by
-/// itself.
-inline QStringList plainLines(const QByteArray &chunk)
-{
-    QStringList lines{QString()};
-    for (const QChar character : QString::fromUtf8(chunk)) {
-        if (character == u'\n' || character == u'\r')
-            lines << QString();
-        else
-            lines.last() += character;
-    }
-    lines.removeAll(QString());
-    return lines;
-}
-
-/// Whether the tool should take a line for a prompt.
-inline bool isPlainPrompt(const QString &line)
-{
-    static const std::array<QString, 4> prompts{"Enter passphrase for binaries key",
-                                                "Enter PEM pass phrase",
-                                                "Verifying - Enter PEM pass phrase",
-                                                "Enter pass phrase"};
-    return std::any_of(prompts.begin(), prompts.end(), [&line](const QString &prompt) {
-        return line.left(prompt.size()) == prompt;
-    });
-}
