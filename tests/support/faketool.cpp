@@ -1,11 +1,10 @@
 // A program that misbehaves as told. Each argument is one action, carried out in order:
-//   out:TEXT err:TEXT   prints TEXT ("\n" and "\r" stand for line ends)
+//   out:TEXT err:TEXT   prints TEXT ("\n" stands for a line end)
 //   prompt:TEXT         prints TEXT and ": ", reads a line, prints "got [" line "]\n"
 //   lines:COUNT         prints so many lines of 80 characters, line end included
 //   sleep:MS            waits
 //   hang                waits for ever
 //   ignore-term         from now on SIGTERM and SIGHUP are ignored
-//   close-in            closes standard input
 //   signal:NUMBER       ends by that signal
 //   exit:CODE           ends with that code
 #include <csignal>
@@ -16,10 +15,8 @@
 
 static std::string unescaped(std::string text)
 {
-    for (const auto &[from, to] : {std::pair{"\\n", "\n"}, std::pair{"\\r", "\r"}}) {
-        for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + 1))
-            text.replace(at, 2, to);
-    }
+    for (size_t at = text.find("\\n"); at != std::string::npos; at = text.find("\\n", at))
+        text.replace(at, 2, 1, '\n');
     return text;
 }
 
@@ -50,9 +47,7 @@ static void perform(const std::string &action, const std::string &value)
     else if (action == "ignore-term") {
         std::signal(SIGTERM, SIG_IGN);
         std::signal(SIGHUP, SIG_IGN);
-    } else if (action == "close-in")
-        close(STDIN_FILENO);
-    else if (action == "signal")
+    } else if (action == "signal")
         std::raise(std::stoi(value));
     else if (action == "exit")
         std::exit(std::stoi(value));
