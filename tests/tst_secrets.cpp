@@ -276,8 +276,7 @@ void SecretsTest::passPhrasesArriveAsTyped_data()
         ascii += character;
     addRow("all ASCII characters and blanks around", ' ' + ascii + ' ');
     addRow("256 Cyrillic letters", QString("Ёжик и Ы").repeated(32));
-    addRow("emoji, accents, blanks",
-           "🔑 👩🏽‍💻 e\u0301 и\u0306 \ta\tb\u00a0\u2003\u3000\ufeff");
+    addRow("emoji, blanks", "🔑 👩🏽‍💻 e\u0301 и\u0306 \ta\tb\u00a0\u3000\ufeff");
 }
 
 void SecretsTest::passPhrasesArriveAsTyped()
