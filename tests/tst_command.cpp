@@ -119,8 +119,8 @@ void CommandTest::reportsHowARunEnds_data()
     addRow("failure", QStringList{FAKE_TOOL, "exit:3"}, Result{false, 3, {}, {}});
     addRow("ended by a signal", QStringList{FAKE_TOOL, "signal:9"}, Result{true, 9, {}, {}});
     addRow("no such program", QStringList{"/no/such tool", "x"}, Result{false, 255, {}, {}, false});
-    addRow(
-        "no program at all", QStringList(), Result{false, 0, {}, {}, false}); // QProcess has it so
+    // So QProcess has it.
+    addRow("no program at all", QStringList(), Result{false, 0, {}, {}, false});
 }
 
 void CommandTest::reportsHowARunEnds()
@@ -288,7 +288,7 @@ void CommandTest::survivesItsToolBeingDeleted()
         lines << line;
         telling.reset();
     });
-    QVERIFY(telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "hang"}).crashed);
+    QVERIFY(telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "sleep:5000"}).crashed);
     QCOMPARE(lines, QStringList{"first"});
 }
 
