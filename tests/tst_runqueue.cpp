@@ -2,9 +2,6 @@
 
 #include <QLineEdit>
 #include <QTest>
-#include <QVBoxLayout>
-
-#include <memory>
 
 using Sealkit::Internal::RunQueue;
 
@@ -14,29 +11,15 @@ class Window : public QWidget
 public:
     Window()
     {
-        auto *layout = new QVBoxLayout(this);
-        for (QWidget *widget : {free, locked, other})
-            layout->addWidget(widget);
-        connect(&queue, &RunQueue::lockChanged, locked, &QWidget::setDisabled);
+        connect(&queue, &RunQueue::lockChanged, &locked, &QWidget::setDisabled);
         connect(&queue, &RunQueue::busyChanged, this, [this](bool busy) { isBusy = busy; });
         show();
-        locked->setFocus();
+        locked.setFocus();
     }
 
     RunQueue queue{this};
-    QWidget *free = new QLineEdit;
-    QWidget *locked = new QLineEdit;
-    QWidget *other = new QLineEdit;
-    QStringList done;
+    QLineEdit free{this}, locked{this}, other{this};
     bool isBusy = false;
-
-    void request(const QString &name)
-    {
-        queue.request(name, [this, name] {
-            const RunQueue::Run run(&queue);
-            done << name;
-        });
-    }
 };
 
 class RunQueueTest : public QObject
@@ -54,53 +37,43 @@ void RunQueueTest::locksAndGivesTheFocusBack()
     Window window;
     {
         const RunQueue::Run outer(&window.queue);
-        {
-            const RunQueue::Run inner(&window.queue);
-        }
-        QVERIFY(!window.locked->isEnabled());
-        QVERIFY(window.focusWidget() != window.locked);
-        QVERIFY(window.isBusy);
+        RunQueue::Run{&window.queue}; // within the outer one
+        QVERIFY(window.isBusy && !window.locked.isEnabled());
     }
-    QVERIFY(window.locked->isEnabled());
-    QCOMPARE(window.focusWidget(), window.locked);
-    QVERIFY(!window.isBusy);
-    {
-        const RunQueue::Run run(&window.queue);
-        window.free->setFocus(); // by the user, who goes on there
-    }
-    QCOMPARE(window.focusWidget(), window.free);
+    QVERIFY(!window.isBusy && window.locked.isEnabled());
+    QCOMPARE(window.focusWidget(), &window.locked);
 }
 
 void RunQueueTest::doesRequestsAfterTheRun()
 {
     Window window;
+    QStringList done;
     {
         const RunQueue::Run run(&window.queue);
         for (const char *name : {"one", "two", "withdrawn", "one"})
-            window.request(name);
+            window.queue.request(name, [&done, name] { done << name; });
         window.queue.withdraw("withdrawn");
+        window.free.setFocus(); // by the user, who goes on there
         QCoreApplication::processEvents();
-        QCOMPARE(window.done, QStringList());
+        QCOMPARE(done, QStringList());
     }
     QVERIFY(window.isBusy);
     QCoreApplication::processEvents();
-    QCOMPARE(window.done, QStringList({"one", "two"}));
-    QVERIFY(!window.isBusy);
+    QCOMPARE(done, QStringList({"one", "two"}));
+    QVERIFY(!window.isBusy && window.focusWidget() == &window.free);
 }
 
 void RunQueueTest::survivesItsWindow()
 {
-    auto window = std::make_unique<Window>();
-    RunQueue *queue = &window->queue;
-    bool isGone = false;
-    queue->request("close", [&] {
-        const RunQueue::Run run(queue);
-        window->request("too late");
-        window.reset();
-        isGone = !run;
+    const QPointer<Window> window(new Window);
+    window->queue.request("close", [&window] {
+        const RunQueue::Run run(&window->queue);
+        window->queue.request("too late", [] { QFAIL("The window has gone."); });
+        delete window;
+        QVERIFY(!run);
     });
     QCoreApplication::processEvents();
-    QVERIFY(isGone);
+    QVERIFY(!window);
 }
 
 QTEST_MAIN(RunQueueTest)

@@ -4,7 +4,6 @@
 #include <utils/utilsicons.h>
 
 #include <QTest>
-#include <QtWidgets>
 
 void DialogDriver::open(QDialog *newDialog)
 {
@@ -12,11 +11,6 @@ void DialogDriver::open(QDialog *newDialog)
     dialog->show();
     QTRY_VERIFY_WITH_TIMEOUT(!dialog || status() != "Updating targets...", RUN_TIMEOUT);
     waitUntilIdle();
-}
-
-bool DialogDriver::isBusy() const
-{
-    return !child<QWidget>("busyIndicator")->isHidden();
 }
 
 void DialogDriver::waitUntilIdle() const
@@ -52,16 +46,6 @@ void DialogDriver::click(const QString &button) const
     waitUntilIdle();
 }
 
-QString DialogDriver::status() const
-{
-    return child<QStatusBar>()->currentMessage();
-}
-
-QString DialogDriver::text(const QString &label) const
-{
-    return child<QLabel>(label)->text();
-}
-
 static QString iconOf(const QLabel *label)
 {
     const QImage image = label->pixmap().toImage();
@@ -75,11 +59,6 @@ static QString iconOf(const QLabel *label)
 QString DialogDriver::icon(const QString &label) const
 {
     return iconOf(child<QLabel>(label));
-}
-
-QString DialogDriver::dump() const
-{
-    return child<QTextEdit>("developerSignatureTextBrowser")->toPlainText();
 }
 
 QStringList DialogDriver::texts() const

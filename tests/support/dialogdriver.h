@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QDialog>
 #include <QPointer>
-#include <QStringList>
+#include <QtWidgets>
 
 constexpr int RUN_TIMEOUT = 20'000; // milliseconds
 
@@ -20,7 +19,7 @@ public:
     {
         return dialog->findChild<Widget *>(name);
     }
-    bool isBusy() const;
+    bool isBusy() const { return !child<QWidget>("busyIndicator")->isHidden(); }
     void waitUntilIdle() const;
 
     /// Waits for the run to end; so do the other two.
@@ -29,12 +28,15 @@ public:
     /// Opens the button's tab first.
     void click(const QString &button) const;
 
-    QString status() const;
-    QString text(const QString &label) const;
+    QString status() const { return child<QStatusBar>()->currentMessage(); }
+    QString text(const QString &label) const { return child<QLabel>(label)->text(); }
     /// "OK", "BROKEN", or nothing.
     QString icon(const QString &label) const;
     /// Of the first signature.
-    QString dump() const;
+    QString dump() const
+    {
+        return child<QTextEdit>("developerSignatureTextBrowser")->toPlainText();
+    }
     /// All that shows, icons behind the names of their labels.
     QStringList texts() const;
 
