@@ -22,12 +22,11 @@ using namespace Sealkit::Internal;
 using Utils::FilePath;
 using Utils::PathChooser;
 
-const QStringList ENCRYPTED_KEY{"", "keys/encrypted_key.pem", "keys/encrypted_cert.pem"};
-const QStringList CLIENT_KEY{"", "keys/client_key.pem", "keys/client_cert.pem"};
-const QStringList BUTTONS{"addSignaturePushButton",
-                          "removeSignaturePushButton",
-                          "verifySignaturePushButton",
-                          "dumpPushButton"};
+// Parts of what enterKeys() takes.
+const QString ENCRYPTED_KEY = "|keys/encrypted_key.pem|keys/encrypted_cert.pem";
+const QString CLIENT_KEY = "|keys/client_key.pem|keys/client_cert.pem";
+const QString BUTTONS =
+    "addSignaturePushButton removeSignaturePushButton verifySignaturePushButton dumpPushButton";
 const QString VERIFIED = "Signatures successfully verified";
 const QString NOT_VERIFIED = "Could not verify signatures";
 
@@ -43,11 +42,9 @@ private slots:
     void init();
     void cleanup();
 
-    void summarizesDumps();
     void offersWhatTheTargetHas_data();
     void offersWhatTheTargetHas();
     void saysWhatTheNextTargetLacks();
-    void saysWhyThereAreNoTargets_data();
     void saysWhyThereAreNoTargets();
     void worksByKeyboard();
     void offersTheRegularPair();
@@ -57,9 +54,7 @@ private slots:
     void hasFieldsForPaths();
     void signsVerifiesAndRemoves_data();
     void signsVerifiesAndRemoves();
-    void saysWhyFieldsAreAtFault_data();
     void saysWhyFieldsAreAtFault();
-    void saysThatHalfAClientPairIsSkipped();
     void refusesRequests();
     void makesKeysAndRequests_data();
     void makesKeysAndRequests();
@@ -84,15 +79,16 @@ private:
     QString verdict() const { return text("verifyLabel") + '|' + text("verifyReasonLabel"); }
     QString inWorkspace(const QString &path) const { return m_sdk.workspace() + '/' + path; }
 
-    /// In the workspace: binaries key, developer's key and certificate, client's key and
-    /// certificate.
-    void enterKeys(const QStringList &paths) const
+    /// In the workspace, with '|' between them: binaries key, developer's key and certificate,
+    /// client's key and certificate.
+    void enterKeys(const QString &paths) const
     {
-        const QStringList choosers{
+        QStringList choosers{
             "binaryKey", "developerKey", "developerCertificate", "clientKey", "clientCertificate"};
-        for (int i = 0; i < paths.size(); ++i) {
-            if (!paths.at(i).isEmpty())
-                enter(choosers.at(i) + "PathChooser", inWorkspace(paths.at(i)));
+        for (const QString &path : paths.split('|')) {
+            const QString chooser = choosers.takeFirst() + "PathChooser";
+            if (!path.isEmpty())
+                enter(chooser, inWorkspace(path));
         }
     }
     void enterRequest(const QString &company, const QString &key) const
@@ -113,17 +109,11 @@ private:
 
     /// Calls \a action once, from the event loop, when \a condition holds.
     template<class Condition, class Action>
-    void when(Condition condition, Action action)
+    void when(const Condition &condition, const Action &action)
     {
-        auto *timer = new QTimer(this);
-        connect(timer, &QTimer::timeout, this, [timer, condition, action] {
-            if (!condition())
-                return;
-            timer->stop();
-            timer->deleteLater();
-            action();
+        QTimer::singleShot(0, this, [this, condition, action] {
+            condition() ? action() : when(condition, action);
         });
-        timer->start(0);
     }
 
     SettingsScope m_settings;
@@ -154,26 +144,15 @@ void SignDialogTest::cleanup()
         QFile::remove(inWorkspace(file));
 }
 
-void SignDialogTest::summarizesDumps()
-{
-    QCOMPARE(parseDumpForSort("1. Subject: CN=A\nSubgroup: s"), "Subject: CN=A\n");
-    QCOMPARE(parseDumpForSort("Key ID: Subject: x\nGroup:"), "Group:\n"); // the line's first word
-    QCOMPARE(parseDumpForSort("subject: a\nGROUP: b"), "");
-}
-
 void SignDialogTest::offersWhatTheTargetHas_data()
 {
-    addColumns<QString, QString, QString, QString>("target", "offered", "opensslNotice", "missing");
+    addColumns<QString, QString, QString>("target", "offered", "missing");
 
-    const QString buttons = BUTTONS.join(' ');
-    const QString binaryKey = " binaryKeyLabel binaryKeyPathChooser";
-    addRow("rpmsign-external", RPMSIGN_TARGET, buttons + " requests", "", "");
-    addRow("customer-sign", CUSTOMER_TARGET, buttons + binaryKey, "", "");
+    addRow("rpmsign-external", RPMSIGN_TARGET, BUTTONS + " requests", "");
+    addRow("customer-sign", CUSTOMER_TARGET, BUTTONS + " binaryKeyLabel binaryKeyPathChooser", "");
     addRow("no tools",
            BARE_TARGET,
            "",
-           "OpenSSL not found in target 'VeyraOS-3.4-x86_64', please install it.\n"
-           "Available in: Tools - Options - Veyra OS - Manage Build Targets",
            "Target VeyraOS-3.4-x86_64 cannot sign: it has neither rpmsign-external nor "
            "customer-sign");
 }
@@ -183,12 +162,11 @@ void SignDialogTest::offersWhatTheTargetHas()
     QFETCH(QString, target);
     QFETCH(QString, offered);
     openOn(target);
-    QStringList shown = BUTTONS + QStringList{"binaryKeyLabel", "binaryKeyPathChooser"};
+    QStringList shown = (BUTTONS + " binaryKeyLabel binaryKeyPathChooser").split(' ');
     shown.removeIf([this](const QString &name) { return child<QWidget>(name)->isHidden(); });
     if (child<QTabWidget>()->isTabVisible(2))
         shown << "requests";
     QCOMPARE(shown.join(' '), offered);
-    QTEST(child<QTextEdit>("opensslStatusLabel")->toPlainText(), "opensslNotice");
     QTEST(text("toolsNoteLabel"), "missing");
     QCOMPARE(child<QLabel>("toolsNoteLabel")->isHidden(), text("toolsNoteLabel").isEmpty());
     const QSize least = dialog->minimumSizeHint();
@@ -199,6 +177,8 @@ void SignDialogTest::offersWhatTheTargetHas()
     const bool canSign = !offered.isEmpty();
     const QString error = "!Error: unable to find signing tools for the selected target";
     QCOMPARE(messages.take().contains(error), !canSign);
+    QCOMPARE(child<QTextEdit>("opensslStatusLabel")->toPlainText().section('\n', 0, 0),
+             canSign ? "" : "OpenSSL not found in target '" + target + "', please install it.");
     QCOMPARE(text("verifyLabel"), canSign ? NOT_VERIFIED : "Package can't be verified");
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
     QCOMPARE(dump(), canSign ? "No signatures found in package" : "Package can't be dumped");
@@ -209,11 +189,8 @@ void SignDialogTest::saysWhatTheNextTargetLacks()
     const QString nxvcert = m_sdk.tool("nxvcert-cli", CUSTOMER_TARGET);
     QVERIFY(QFile::rename(nxvcert, nxvcert + ".away"));
     openOn();
-    click("genReqButton");
-    QCOMPARE(icon("generateLabel"), "BROKEN");
     choose("m_comboBoxBuildTargets", CUSTOMER_TARGET);
     QVERIFY(QFile::rename(nxvcert + ".away", nxvcert));
-    QCOMPARE(status() + icon("generateLabel") + text("generateReasonLabel"), "");
     QCOMPARE(text("toolsNoteLabel"),
              "Target VeyraOS-4.0-x86_64 can only sign: without nxvcert-cli, signatures are neither "
              "shown nor removed");
@@ -223,34 +200,24 @@ void SignDialogTest::saysWhatTheNextTargetLacks()
     QCOMPARE(messages.take().filter(" --version"), QStringList()); // it knows this target
 }
 
-void SignDialogTest::saysWhyThereAreNoTargets_data()
-{
-    QTest::addColumn<QString>("problem");
-
-    for (const char *problem : {"There is no build engine: open or repair the SDK",
-                                "The build engine did not start; see the General Messages",
-                                "The build engine has no targets: install one"})
-        addRow(problem, QString(problem));
-}
-
 void SignDialogTest::saysWhyThereAreNoTargets()
 {
-    QFETCH(QString, problem);
-    const QString folder = m_sdk.path() + "/engine/targets";
-    const auto mend = qScopeGuard([&] {
-        if (QDir().exists(folder + ".away") && QDir().rmdir(folder))
-            QFile::rename(folder + ".away", folder);
-        initTestCase();
-    });
-    if (problem.contains("has no targets"))
-        QVERIFY(QFile::rename(folder, folder + ".away") && QDir().mkdir(folder));
-    else if (problem.contains("did not start"))
-        QSettings().setValue("Kiln.BriskPath", "/none");
-    else
-        Brisk::closeInstallation();
-
+    const auto mend = qScopeGuard([this] { initTestCase(); });
+    const QString targets = m_sdk.path() + "/engine/targets";
+    QVERIFY(QFile::rename(targets, targets + ".away") && QDir().mkdir(targets));
     open(new SignDialog(nullptr));
-    QCOMPARE(status(), problem);
+    QVERIFY(QDir().rmdir(targets) && QFile::rename(targets + ".away", targets));
+    QCOMPARE(status(), "The build engine has no targets: install one");
+    delete dialog;
+
+    QSettings().setValue("Kiln.BriskPath", "/none");
+    open(new SignDialog(nullptr));
+    QCOMPARE(status(), "The build engine did not start; see the General Messages");
+    delete dialog;
+
+    Brisk::closeInstallation();
+    open(new SignDialog(nullptr));
+    QCOMPARE(status(), "There is no build engine: open or repair the SDK");
     child<QTabWidget>()->setCurrentIndex(2);
     waitUntilIdle();
     QCOMPARE(child<QTextEdit>("opensslStatusLabel")->toPlainText(), "");
@@ -267,24 +234,22 @@ void SignDialogTest::worksByKeyboard()
     for (int tab = 0; tab < tabs->count(); ++tab) {
         tabs->setCurrentIndex(tab);
         waitUntilIdle();
-        QStringList labels;
+        QStringList texts;
         for (int i = 0; i < tabs->count(); ++i)
-            labels << tabs->tabText(i);
-        for (const QLabel *label : dialog->findChildren<QLabel *>()) {
-            if (label->buddy() && label->isVisible())
-                labels << label->text();
-        }
-        for (const QAbstractButton *button : dialog->findChildren<QAbstractButton *>()) {
+            texts << tabs->tabText(i);
+        for (const QWidget *widget : dialog->findChildren<QWidget *>()) {
+            const auto *label = qobject_cast<const QLabel *>(widget);
             // Qt and the IDE see to the buttons inside of theirs.
-            const bool isOurs =
-                button->objectName().contains("utton") || button->inherits("QCheckBox");
-            if (isOurs && button->isVisible())
-                labels << button->text();
+            const bool isOurButton =
+                widget->inherits("QCheckBox")
+                || (widget->inherits("QPushButton") && widget->objectName().contains("utton"));
+            if (widget->isVisible() && (isOurButton || (label && label->buddy())))
+                texts << widget->property("text").toString();
         }
         QSet<QKeySequence> mnemonics;
-        for (const QString &label : labels) {
-            const QKeySequence mnemonic = QKeySequence::mnemonic(label);
-            QVERIFY2(!mnemonic.isEmpty() && !mnemonics.contains(mnemonic), qPrintable(label));
+        for (const QString &text : std::as_const(texts)) {
+            const QKeySequence mnemonic = QKeySequence::mnemonic(text);
+            QVERIFY2(!mnemonic.isEmpty() && !mnemonics.contains(mnemonic), qPrintable(text));
             mnemonics << mnemonic;
         }
 
@@ -359,83 +324,65 @@ void SignDialogTest::opensItsHelp()
 
 void SignDialogTest::hasFieldsForPaths_data()
 {
-    addColumns<QString, QString, QString, bool>("field", "history", "hint", "mustExist");
+    addColumns<QString, QString>("history", "hint");
 
-    const auto row = [](const QString &field,
-                        const QString &history,
-                        const QString &hint,
-                        bool mustExist = true) {
-        addRow(qPrintable(field), field, "KilnRpmSign.Data.Completer." + history, hint, mustExist);
-    };
     const QString key = "Select key file (*.pem)";
     const QString certificate = "Select certificate (*.pem)";
-    row("rpm", "RpmPackage", "Select RPM package");
-    row("binaryKey", "BinaryKey", key);
-    row("developerKey", "DeveloperKey", key);
-    row("developerCertificate", "DeveloperCertificate", certificate);
-    row("clientKey", "ClientKey", key);
-    row("clientCertificate", "ClientCertificate", certificate);
-    row("caCertificate", "CaCertificate", "Select root certificate");
-    row("generatedKey",
-        "GeneratedKey",
-        "Specify path to save key file or select existing key file",
-        false);
-    row("generatedReq",
-        "GeneratedCsr",
-        "Specify path to save Certificate Signing Request file",
-        false);
+    addRow("rpm", "RpmPackage", "Select RPM package");
+    addRow("binaryKey", "BinaryKey", key);
+    addRow("developerKey", "DeveloperKey", key);
+    addRow("developerCertificate", "DeveloperCertificate", certificate);
+    addRow("clientKey", "ClientKey", key);
+    addRow("clientCertificate", "ClientCertificate", certificate);
+    addRow("caCertificate", "CaCertificate", "Select root certificate");
+    const QString newKey = "Specify path to save key file or select existing key file";
+    addRow("generatedKey", "GeneratedKey", newKey);
+    addRow("generatedReq", "GeneratedCsr", "Specify path to save Certificate Signing Request file");
 }
 
 void SignDialogTest::hasFieldsForPaths()
 {
-    QFETCH(QString, field);
     QFETCH(QString, history);
-    QFETCH(bool, mustExist);
+    const QString field = QTest::currentDataTag();
     openOn(BARE_TARGET); // looks at packages without running a tool
     const auto *chooser = child<PathChooser>(field + "PathChooser");
-    const bool isPackage = field == "rpm";
-    QCOMPARE(chooser->promptDialogFilter(),
-             isPackage ? "RPM package (*.rpm)" : "Privacy-Enhanced Mail container (*.pem)");
-    QCOMPARE(chooser->promptDialogTitle(),
-             isPackage ? "Select RPM package" : "Select Privacy-Enhanced Mail container");
+    QCOMPARE(chooser->promptDialogTitle() + '|' + chooser->promptDialogFilter(),
+             field == "rpm" ? "Select RPM package|RPM package (*.rpm)"
+                            : "Select Privacy-Enhanced Mail container|"
+                              "Privacy-Enhanced Mail container (*.pem)");
     QTEST(chooser->lineEdit()->placeholderText(), "hint");
 
-    const auto problemOf = [&](const QString &path) {
-        enter(field + "PathChooser", path);
-        return chooser->isValid() ? QString() : chooser->errorMessage();
-    };
-    QCOMPARE(problemOf(""), "");
-    QCOMPARE(problemOf(inWorkspace("missing")), mustExist ? "File does not exist" : "");
-    QCOMPARE(problemOf("/etc/passwd"),
+    enter(chooser->objectName(), inWorkspace("missing"));
+    const bool mayBeNew = field.startsWith("generated");
+    QCOMPARE(chooser->errorMessage(), mayBeNew ? "" : "File does not exist");
+    enter(chooser->objectName(), "/etc/passwd");
+    QCOMPARE(chooser->errorMessage(),
              "The path must be inside workspace folder:\n" + m_sdk.workspace());
-    QCOMPARE(problemOf(inWorkspace("keys/client_key.pem")), "");
+    const QString file = inWorkspace("keys/client_key.pem");
+    enter(chooser->objectName(), file);
+    QVERIFY(chooser->isValid());
 
     QTest::keyClick(chooser->lineEdit(), Qt::Key_Return);
-    QCOMPARE(QSettings().value("CompleterHistory/" + history).toStringList(),
-             QStringList(inWorkspace("keys/client_key.pem")));
+    QCOMPARE(QSettings().value("CompleterHistory/KilnRpmSign.Data.Completer." + history),
+             QStringList(file));
 }
 
 void SignDialogTest::signsVerifiesAndRemoves_data()
 {
-    addColumns<QString, QStringList, QString, QString>("target", "keys", "developer", "client");
+    addColumns<QString, QString, QString, QString>("target", "keys", "developer", "client");
 
     const auto summary = [](const QString &group, const QString &name, const QString &unit) {
         return QStringLiteral("Subject: CN=%2, OU=%3, OU=%1, O=Veyra OS Demo\nGroup: %1\n")
             .arg(group, name, unit);
     };
-    const QStringList allKeys = ENCRYPTED_KEY + CLIENT_KEY.mid(1);
     const QString careful = summary("developer", "Careful Developer", "extended");
     const QString client = summary("client", "Demo Client", "shop");
-    addRow("rpmsign-external", RPMSIGN_TARGET, allKeys, careful, client);
+    addRow("rpmsign-external", RPMSIGN_TARGET, ENCRYPTED_KEY + CLIENT_KEY, careful, client);
     addRow("developer only", RPMSIGN_TARGET, ENCRYPTED_KEY, careful, "");
-    const QString home = "home/.kilnsdk/";
     addRow("customer-sign",
            CUSTOMER_TARGET,
-           QStringList{"keys/encrypted_key.pem",
-                       home + "packages-key.pem",
-                       home + "packages-cert.pem",
-                       "",
-                       home + "packages-client-cert.pem"},
+           QString("keys/encrypted_key.pem|%1key.pem|%1cert.pem||%1client-cert.pem")
+               .arg("home/.kilnsdk/packages-"),
            summary("developer", "Customer", "customer"),
            summary("client", "Customer of the Client", "customer"));
 }
@@ -443,23 +390,14 @@ void SignDialogTest::signsVerifiesAndRemoves_data()
 void SignDialogTest::signsVerifiesAndRemoves()
 {
     QFETCH(QString, target);
-    QFETCH(QStringList, keys);
+    QFETCH(QString, keys);
     QFETCH(QString, client);
     openOn(target);
     enter("rpmPathChooser", freshPackage());
     enterKeys(keys);
-
-    m_answers = std::make_unique<PromptAnswers>(QStringList(3, "wrong"));
+    const PromptAnswers user({"demo"});
     click("addSignaturePushButton");
-    QCOMPARE(m_answers->prompts().size(), 3);
-    QCOMPARE(icon("signStateLabel"), "BROKEN");
-    QVERIFY2(text("signReasonLabel").contains("error: wrong pass phrase for the key: "),
-             qPrintable(text("signReasonLabel")));
-    QCOMPARE(dump(), "No signatures found in package");
-
-    m_answers = std::make_unique<PromptAnswers>(QStringList{"demo"});
-    click("addSignaturePushButton");
-    QCOMPARE(m_answers->prompts().size(), 1);
+    QCOMPARE(user.prompts().size(), 1);
     QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "OK");
     QCOMPARE(verdict() + icon("verifyIconLabel"), VERIFIED + "|OK");
     QTEST(text("developerSignatureShortLabel"), "developer");
@@ -472,84 +410,48 @@ void SignDialogTest::signsVerifiesAndRemoves()
     enter("caCertificatePathChooser", inWorkspace("keys/foreign_root.pem"));
     click("verifySignaturePushButton");
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
-    QVERIFY2(verdict().startsWith(NOT_VERIFIED
-                                  + "|signature 1 is NOT valid: its certificate is not issued by"),
-             qPrintable(verdict()));
+    const QString foreign = "|signature 1 is NOT valid: its certificate is not issued by";
+    QVERIFY2(verdict().startsWith(NOT_VERIFIED + foreign), qPrintable(verdict()));
     enter("caCertificatePathChooser", inWorkspace("keys/demo_root.pem"));
     click("verifySignaturePushButton");
     QCOMPARE(icon("verifyIconLabel"), "OK");
 
     click("removeSignaturePushButton");
-    QCOMPARE(icon("signStateLabel"), "OK"); // still of the last signing
     QCOMPARE(verdict().section('\n', 0, 0), NOT_VERIFIED + "|not signed");
     QCOMPARE(dump(), "No signatures found in package");
     QCOMPARE(text("developerSignatureShortLabel") + text("clientSignatureShortLabel"), "");
-
-    // Without a package nothing is judged, and the dump stays.
     enter("rpmPathChooser", "");
     click("addSignaturePushButton");
-    QCOMPARE(icon("signStateLabel"), "OK");
-    QCOMPARE(verdict() + icon("verifyIconLabel"), "|");
-    QCOMPARE(dump(), "No signatures found in package");
-}
-
-void SignDialogTest::saysWhyFieldsAreAtFault_data()
-{
-    addColumns<QString, QString, QString>("target", "certificate", "problem");
-
-    const QString folder = " must be inside workspace folder: "
-                           + FilePath::fromString(m_sdk.workspace()).shortNativePath();
-    const QString empty = " can't be empty";
-    addRow("no certificate", RPMSIGN_TARGET, "", "Error: key and certificate" + empty);
-    addRow("certificate outside",
-           RPMSIGN_TARGET,
-           m_sdk.path() + "/ca/demo_root.pem",
-           "Error: key and certificate" + folder);
-    addRow("no binary key", CUSTOMER_TARGET, "", "Error: keys and certificate" + empty);
+    QCOMPARE(verdict(), "|");
 }
 
 void SignDialogTest::saysWhyFieldsAreAtFault()
 {
-    QFETCH(QString, target);
-    QFETCH(QString, certificate);
-    QFETCH(QString, problem);
-    openOn(target);
+    openOn(CUSTOMER_TARGET);
     enter("rpmPathChooser", freshPackage());
-    enterKeys({"", "keys/client_key.pem"});
-    enter("developerCertificatePathChooser", certificate);
-
+    enterKeys(ENCRYPTED_KEY + "|keys/client_key.pem");
     Messages messages;
     click("addSignaturePushButton");
-    QCOMPARE(icon("signStateLabel"), "BROKEN");
-    QCOMPARE(text("signReasonLabel"), problem);
+    const QString problem = "Error: keys and certificate can't be empty"; // the binaries key is
+    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "BROKEN" + problem);
     QCOMPARE(status(), problem);
-    QVERIFY(messages.take().filter(QRegularExpression(" sign | --binaries-key ")).isEmpty());
+    QCOMPARE(messages.take().filter(" --binaries-key "), QStringList());
 
-    // Gone while the next run lasts, whatever comes of it.
-    enterKeys({ENCRYPTED_KEY.at(1), ENCRYPTED_KEY.at(1), ENCRYPTED_KEY.at(2)});
+    // The other target needs no binaries key. The problem is gone while its tool asks.
+    choose("m_comboBoxBuildTargets", RPMSIGN_TARGET);
     QString meanwhile;
     when(QApplication::activeModalWidget, [&] {
         meanwhile = icon("signStateLabel") + text("signReasonLabel") + status();
-        m_answers = std::make_unique<PromptAnswers>(QStringList());
+        m_answers = std::make_unique<PromptAnswers>(QStringList{"demo", "demo"});
     });
     click("addSignaturePushButton");
     QCOMPARE(meanwhile, "");
-    QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
-}
-
-void SignDialogTest::saysThatHalfAClientPairIsSkipped()
-{
-    openOn();
-    enter("rpmPathChooser", freshPackage());
-    enterKeys(CLIENT_KEY + QStringList("keys/client_key.pem"));
-    Messages messages;
-    click("addSignaturePushButton");
     const QString note = "No client signature was added: it needs a client key and its certificate";
-    QCOMPARE(icon("signStateLabel"), "OK");
+    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "OK");
     QCOMPARE(status(), note);
     QCOMPARE(messages.take().filter(note), QStringList("[W]\t" + note));
 
-    enterKeys({"", "", "", "", "keys/client_cert.pem"});
+    enterKeys("||||keys/client_cert.pem");
     click("addSignaturePushButton");
     QCOMPARE(status() + messages.take().filter(note).join('\n'), "");
 }
@@ -557,39 +459,27 @@ void SignDialogTest::saysThatHalfAClientPairIsSkipped()
 void SignDialogTest::refusesRequests()
 {
     openOn();
-    QStringList shown;
-    connect(child<QStatusBar>(), &QStatusBar::messageChanged, this, [&](const QString &message) {
-        if (!message.isEmpty())
-            shown << message;
-    });
     click("genReqButton");
+    QCOMPARE(status(), "Company name field cannot be empty");
     child<QLineEdit>("generateCompanyNameLineEdit")->setText("Company");
     click("genReqButton");
+    QCOMPARE(status(), "Key field cannot be empty");
     enter("generatedKeyPathChooser", inWorkspace("key.pem"));
     click("genReqButton");
-    enter("generatedReqPathChooser", inWorkspace("keys/../key.pem"));
-    click("genReqButton");
-    QCOMPARE(shown,
-             (QStringList{"Company name field cannot be empty",
-                          "Key field cannot be empty",
-                          "Request field cannot be empty",
-                          "Key and request cannot be the same file"}));
-    QCOMPARE(icon("generateLabel"), "BROKEN");
+    QCOMPARE(status(), "Request field cannot be empty");
+    QCOMPARE(icon("generateLabel") + text("generateReasonLabel"), "BROKEN" + status());
     QVERIFY(!QFile::exists(inWorkspace("key.pem")));
-    delete dialog; // before what it reports to
+    choose("m_comboBoxBuildTargets", CUSTOMER_TARGET);
+    QCOMPARE(status() + icon("generateLabel") + text("generateReasonLabel"), "");
 }
 
 void SignDialogTest::makesKeysAndRequests_data()
 {
     addColumns<int, bool, QString, QString>("algorithm", "encrypt", "company", "publicKey");
 
-    const QString signs = "A=B, C/D; E+F <%COMPANY_NAME%> @{1}";
-    const QString rsa = "rsaEncryption";
     const QString gost = "GOST R 34.10-2012 with 256 bit modulus";
-    addRow("RSA", int(RSA), false, "ООО «Ромашка»", rsa);
-    addRow("RSA, encrypted", int(RSA), true, QString(64, QChar(0x416)), rsa);
-    addRow("GOST", int(GOST), false, signs, gost);
-    addRow("GOST, encrypted", int(GOST), true, "北京有限公司", gost);
+    addRow("RSA, encrypted", int(RSA), true, "ООО «Ромашка»", "rsaEncryption");
+    addRow("GOST", int(GOST), false, "A=B, C/D; E+F <%COMPANY_NAME%> @{1}", gost);
 }
 
 void SignDialogTest::makesKeysAndRequests()
@@ -629,16 +519,9 @@ void SignDialogTest::makesKeysAndRequests()
 
     QProcess openssl; // the target's, which knows GOST
     openssl.setProcessChannelMode(QProcess::MergedChannels);
-    openssl.start(m_sdk.tool("openssl"),
-                  {"req",
-                   "-verify",
-                   "-noout",
-                   "-text",
-                   "-subject",
-                   "-nameopt",
-                   "sname,sep_multiline,utf8",
-                   "-in",
-                   inWorkspace("request.pem")});
+    const QString options =
+        "req -verify -noout -text -subject -nameopt sname,sep_multiline,utf8 -in";
+    openssl.start(m_sdk.tool("openssl"), options.split(' ') << inWorkspace("request.pem"));
     QVERIFY(openssl.waitForFinished(RUN_TIMEOUT));
     const QString request = QString::fromUtf8(openssl.readAll());
     for (const QString &part : {QString("verify OK"), "\n    CN=" + company + '\n', publicKey})
@@ -651,7 +534,6 @@ void SignDialogTest::cleansUpAfterAFailedRequest_data()
 
     const QString cancelled = "Cancelled: no pass phrase was given";
     addRow("first prompt declined", QStringList{{}}, cancelled, 3);
-    addRow("repetition declined", QStringList{"pass", {}}, cancelled, 3);
     addRow("repetition differs", QStringList{"pass", "another"}, "Verify failure", 3);
     addRow("use of the complete key declined", QStringList{"pass", "pass", {}}, cancelled, 1);
 }
@@ -720,44 +602,26 @@ void SignDialogTest::locksItselfDuringARun()
     openOn();
     enter("rpmPathChooser", freshPackage());
     enterKeys(ENCRYPTED_KEY);
-    const QStringList lockable =
-        BUTTONS + QStringList{"genReqButton", "m_comboBoxBuildTargets", "rpmPathChooser"};
+    const QString lockable = BUTTONS + " genReqButton m_comboBoxBuildTargets rpmPathChooser";
     const auto enabled = [&] {
-        QStringList names = lockable;
+        QStringList names = lockable.split(' ');
         names.removeIf([&](const QString &name) { return !child<QWidget>(name)->isEnabled(); });
-        return names;
+        return names.join(' ');
     };
     Messages messages;
     when(QApplication::activeModalWidget, [&] {
-        QCOMPARE(enabled(), QStringList());
+        QCOMPARE(enabled(), "");
         QVERIFY(isBusy());
-        child<QStatusBar>()->showMessage("message");
         messages.take();
         child<QTabWidget>()->setCurrentIndex(2); // asks for openssl
         QTest::qWait(50);
         QCOMPARE(messages.take(), QStringList());
         m_answers = std::make_unique<PromptAnswers>(QStringList());
     });
-    auto *button = child<QPushButton>("addSignaturePushButton");
-    button->setFocus();
-    QTest::keyClick(button, Qt::Key_Space);
-    waitUntilIdle();
-    QCOMPARE(m_answers->prompts().size(), 1);
-    QCOMPARE(icon("signStateLabel"), "BROKEN");
+    click("addSignaturePushButton");
+    QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
     QCOMPARE(enabled(), lockable);
-    QCOMPARE(status(), "message");
     QVERIFY(messages.take().last().endsWith(" openssl version"));
-
-    // The keyboard stays where the user left it.
-    auto *targets = child<QComboBox>("m_comboBoxBuildTargets");
-    targets->setFocus();
-    bool locked = false;
-    when([targets] { return !targets->isEnabled(); }, [&] { locked = enabled().isEmpty(); });
-    QTest::keyClick(targets, Qt::Key_Down);
-    waitUntilIdle();
-    QVERIFY(locked);
-    QCOMPARE(targets->currentText(), CUSTOMER_TARGET);
-    QCOMPARE(dialog->focusWidget(), targets);
 }
 
 void SignDialogTest::showsNothingOfTheFormerPackage_data()
@@ -851,17 +715,13 @@ void SignDialogTest::letsThePackageBeTyped()
     const QString path = freshPackage();
     QLineEdit *edit = child<PathChooser>("rpmPathChooser")->lineEdit();
     edit->setFocus();
-    int letters = 0;
-    QTimer typing;
-    connect(&typing, &QTimer::timeout, edit, [&] {
-        QTest::keyClick(edit, path.at(letters++).toLatin1());
-        if (letters == path.size())
-            typing.stop();
-    });
-    typing.start(20);
-    QTRY_COMPARE_WITH_TIMEOUT(edit->text(), path, RUN_TIMEOUT);
+    // The first letter already starts a run.
+    when([this] { return !child<QWidget>("genReqButton")->isEnabled(); },
+         [&] { QTest::keyClicks(edit, path.mid(1)); });
+    QTest::keyClicks(edit, path.left(1));
     waitUntilIdle();
-    QTRY_COMPARE_WITH_TIMEOUT(dump(), "No signatures found in package", RUN_TIMEOUT);
+    QCOMPARE(edit->text(), path);
+    QCOMPARE(dump(), "No signatures found in package");
     QVERIFY(edit->hasFocus());
 }
 
