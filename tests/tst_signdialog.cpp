@@ -19,7 +19,6 @@
 #include <sys/stat.h>
 
 using namespace Sealkit::Internal;
-using Utils::FilePath;
 using Utils::PathChooser;
 
 // Parts of what enterKeys() takes.
@@ -34,9 +33,6 @@ class SignDialogTest : public QObject, private DialogDriver
 {
     Q_OBJECT
 
-public slots:
-    void browse(const QUrl &url) { m_browsed = url; }
-
 private slots:
     void initTestCase();
     void init();
@@ -49,7 +45,6 @@ private slots:
     void worksByKeyboard();
     void offersTheRegularPair();
     void takesADroppedPackage();
-    void opensItsHelp();
     void hasFieldsForPaths_data();
     void hasFieldsForPaths();
     void signsVerifiesAndRemoves_data();
@@ -65,7 +60,6 @@ private slots:
     void showsNothingOfTheFormerPackage_data();
     void showsNothingOfTheFormerPackage();
     void looksAgainWhenFilesChange();
-    void letsThePackageBeTyped();
 
 private:
     void openOn(const QString &target = RPMSIGN_TARGET)
@@ -102,11 +96,6 @@ private:
         writeFile(inWorkspace(name), "\xed\xab\xee\xdb" + name.toUtf8());
         return inWorkspace(name);
     }
-    QStringList configurations() const
-    {
-        return QDir(m_sdk.workspace()).entryList({".csr_*"}, QDir::Files | QDir::Hidden);
-    }
-
     /// Calls \a action once, from the event loop, when \a condition holds.
     template<class Condition, class Action>
     void when(const Condition &condition, const Action &action)
@@ -119,13 +108,12 @@ private:
     SettingsScope m_settings;
     TemporarySdk m_sdk;
     std::unique_ptr<PromptAnswers> m_answers;
-    QUrl m_browsed;
 };
 
 void SignDialogTest::initTestCase()
 {
     QString error;
-    QVERIFY2(Brisk::openInstallation(FilePath::fromString(m_sdk.path()), &error),
+    QVERIFY2(Brisk::openInstallation(Utils::FilePath::fromString(m_sdk.path()), &error),
              qPrintable(error));
 }
 
@@ -140,8 +128,10 @@ void SignDialogTest::cleanup()
     delete dialog;
     m_answers.reset();
     QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_sdk.path()), QStringList(), RUN_TIMEOUT);
-    for (const QString &file : QDir(m_sdk.workspace()).entryList(QDir::Files | QDir::Hidden))
+    const QStringList left = QDir(m_sdk.workspace()).entryList(QDir::Files | QDir::Hidden);
+    for (const QString &file : left)
         QFile::remove(inWorkspace(file));
+    QCOMPARE(left.filter(".csr_"), QStringList()); // the requests' configurations
 }
 
 void SignDialogTest::offersWhatTheTargetHas_data()
@@ -150,11 +140,9 @@ void SignDialogTest::offersWhatTheTargetHas_data()
 
     addRow("rpmsign-external", RPMSIGN_TARGET, BUTTONS + " requests", "");
     addRow("customer-sign", CUSTOMER_TARGET, BUTTONS + " binaryKeyLabel binaryKeyPathChooser", "");
-    addRow("no tools",
-           BARE_TARGET,
-           "",
-           "Target VeyraOS-3.4-x86_64 cannot sign: it has neither rpmsign-external nor "
-           "customer-sign");
+    const QString missing =
+        "Target %1 cannot sign: it has neither rpmsign-external nor customer-sign";
+    addRow("no tools", BARE_TARGET, "", missing.arg(BARE_TARGET));
 }
 
 void SignDialogTest::offersWhatTheTargetHas()
@@ -210,11 +198,6 @@ void SignDialogTest::saysWhyThereAreNoTargets()
     QCOMPARE(status(), "The build engine has no targets: install one");
     delete dialog;
 
-    QSettings().setValue("Kiln.BriskPath", "/none");
-    open(new SignDialog(nullptr));
-    QCOMPARE(status(), "The build engine did not start; see the General Messages");
-    delete dialog;
-
     Brisk::closeInstallation();
     open(new SignDialog(nullptr));
     QCOMPARE(status(), "There is no build engine: open or repair the SDK");
@@ -228,7 +211,6 @@ void SignDialogTest::worksByKeyboard()
 {
     openOn();
     child<QWidget>("binaryKeyLabel")->show(); // as with another target
-    dialog->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(dialog));
     auto *tabs = child<QTabWidget>();
     for (int tab = 0; tab < tabs->count(); ++tab) {
@@ -241,17 +223,14 @@ void SignDialogTest::worksByKeyboard()
             const auto *label = qobject_cast<const QLabel *>(widget);
             // Qt and the IDE see to the buttons inside of theirs.
             const bool isOurButton =
-                widget->inherits("QCheckBox")
-                || (widget->inherits("QPushButton") && widget->objectName().contains("utton"));
+                widget->objectName().endsWith("Button") || widget->inherits("QCheckBox");
             if (widget->isVisible() && (isOurButton || (label && label->buddy())))
                 texts << widget->property("text").toString();
         }
-        QSet<QKeySequence> mnemonics;
-        for (const QString &text : std::as_const(texts)) {
-            const QKeySequence mnemonic = QKeySequence::mnemonic(text);
-            QVERIFY2(!mnemonic.isEmpty() && !mnemonics.contains(mnemonic), qPrintable(text));
-            mnemonics << mnemonic;
-        }
+        QSet<QKeySequence> mnemonics{QKeySequence()}; // none
+        for (const QString &text : std::as_const(texts))
+            mnemonics << QKeySequence::mnemonic(text);
+        QVERIFY2(mnemonics.size() == 1 + texts.size(), qPrintable(texts.join(", ")));
 
         QList<QWidget *> visited{child<QWidget>("m_comboBoxBuildTargets")};
         visited.first()->setFocus();
@@ -281,7 +260,6 @@ void SignDialogTest::offersTheRegularPair()
     QVERIFY(text("regularKeysLabel").contains("<a href=\"" + folder.chopped(1)));
     click("regularKeysButton");
     QCOMPARE(data().key, folder + "regular_key.pem");
-    QCOMPARE(data().certificate, folder + "regular_cert.pem");
     QCOMPARE(
         text("developerCertificateNoteLabel"),
         "Valid until 2043-12-31: CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo");
@@ -292,34 +270,20 @@ void SignDialogTest::offersTheRegularPair()
 void SignDialogTest::takesADroppedPackage()
 {
     openOn();
-    const auto drop = [this](const QString &path) {
+    const QString package = freshPackage();
+    for (const QString &path : {inWorkspace("keys/client_key.pem"), package}) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(path)});
         QDragEnterEvent enters({}, Qt::CopyAction, &data, Qt::LeftButton, {});
         enters.ignore();
         QApplication::sendEvent(dialog, &enters);
+        QCOMPARE(enters.isAccepted(), path == package);
         QDropEvent drops({}, Qt::CopyAction, &data, Qt::LeftButton, {});
         if (enters.isAccepted())
             QApplication::sendEvent(dialog, &drops);
-        waitUntilIdle();
-        return child<PathChooser>("rpmPathChooser")->filePath().toFSPathString();
-    };
-    QCOMPARE(drop(inWorkspace("keys/client_key.pem")), "");
-    const QString package = freshPackage();
-    QCOMPARE(drop(package), package);
-    QCOMPARE(dump(), "No signatures found in package");
-}
-
-void SignDialogTest::opensItsHelp()
-{
-    openOn();
-    QDesktopServices::setUrlHandler("https", this, "browse");
-    auto *buttons = child<QDialogButtonBox>();
-    QTest::mouseClick(buttons->button(QDialogButtonBox::Help), Qt::LeftButton);
-    QDesktopServices::unsetUrlHandler("https");
-    QVERIFY(m_browsed.path().endsWith("/package_signing"));
-    QTest::mouseClick(buttons->button(QDialogButtonBox::Close), Qt::LeftButton);
-    QVERIFY(!dialog->isVisible());
+    }
+    waitUntilIdle();
+    QCOMPARE(child<PathChooser>("rpmPathChooser")->filePath().toFSPathString(), package);
 }
 
 void SignDialogTest::hasFieldsForPaths_data()
@@ -353,8 +317,7 @@ void SignDialogTest::hasFieldsForPaths()
     QTEST(chooser->lineEdit()->placeholderText(), "hint");
 
     enter(chooser->objectName(), inWorkspace("missing"));
-    const bool mayBeNew = field.startsWith("generated");
-    QCOMPARE(chooser->errorMessage(), mayBeNew ? "" : "File does not exist");
+    QCOMPARE(chooser->errorMessage(), field.startsWith("generated") ? "" : "File does not exist");
     enter(chooser->objectName(), "/etc/passwd");
     QCOMPARE(chooser->errorMessage(),
              "The path must be inside workspace folder:\n" + m_sdk.workspace());
@@ -421,7 +384,6 @@ void SignDialogTest::signsVerifiesAndRemoves()
     QCOMPARE(dump(), "No signatures found in package");
     QCOMPARE(text("developerSignatureShortLabel") + text("clientSignatureShortLabel"), "");
     enter("rpmPathChooser", "");
-    click("addSignaturePushButton");
     QCOMPARE(verdict(), "|");
 }
 
@@ -432,9 +394,8 @@ void SignDialogTest::saysWhyFieldsAreAtFault()
     enterKeys(ENCRYPTED_KEY + "|keys/client_key.pem");
     Messages messages;
     click("addSignaturePushButton");
-    const QString problem = "Error: keys and certificate can't be empty"; // the binaries key is
-    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "BROKEN" + problem);
-    QCOMPARE(status(), problem);
+    QCOMPARE(status(), "Error: keys and certificate can't be empty"); // the binaries key is
+    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "BROKEN" + status());
     QCOMPARE(messages.take().filter(" --binaries-key "), QStringList());
 
     // The other target needs no binaries key. The problem is gone while its tool asks.
@@ -508,14 +469,9 @@ void SignDialogTest::makesKeysAndRequests()
     permissions |= QFile::permissions(key);
     constexpr int USER_FLAGS = 0x0700; // the same once more, for this process
     QCOMPARE(permissions & ~USER_FLAGS, QFile::ReadOwner | QFile::WriteOwner);
-    QCOMPARE(prompts.prompts(),
-             encrypt ? QStringList({"Enter PEM pass phrase:",
-                                    "Verifying - Enter PEM pass phrase:",
-                                    "Enter pass phrase for " + key + ":"})
-                     : QStringList());
+    QCOMPARE(prompts.prompts().size(), encrypt ? 3 : 0);
     QCOMPARE(icon("generateLabel") + status(), "OK");
     QCOMPARE(readFile(key).contains("ENCRYPTED"), encrypt);
-    QCOMPARE(configurations(), QStringList());
 
     QProcess openssl; // the target's, which knows GOST
     openssl.setProcessChannelMode(QProcess::MergedChannels);
@@ -545,23 +501,18 @@ void SignDialogTest::cleansUpAfterAFailedRequest()
     openOn();
     enterRequest("Company", inWorkspace("key.pem"));
     Messages messages;
-    {
-        const PromptAnswers prompts(answers);
-        click("genReqButton");
-        QCOMPARE(prompts.prompts().size(), answers.size());
-    }
-    QCOMPARE(icon("generateLabel"), "BROKEN");
-    QCOMPARE(text("generateReasonLabel"), reason);
-    const QStringList said = messages.take();
-    QCOMPARE(said.filter("[W]\t").join('\n'), reason.startsWith("Can") ? "[W]\t" + reason : "");
-    QCOMPARE(said.filter(QRegularExpression("^\\[I\\]\t[.+*]+$")), QStringList()); // progress
+    m_answers = std::make_unique<PromptAnswers>(answers);
+    click("genReqButton");
+    QCOMPARE(m_answers->prompts().size(), answers.size());
+    QCOMPARE(icon("generateLabel") + text("generateReasonLabel"), "BROKEN" + reason);
+    const QString warning = reason.startsWith("Cancelled") ? "[W]\t" + reason : "";
+    QCOMPARE(messages.take().filter("[W]\t").join('\n'), warning);
     QVERIFY2(status().startsWith("Failed to generate request: "), qPrintable(status()));
     QVERIFY(!QFile::exists(inWorkspace("request.pem")));
-    QCOMPARE(configurations(), QStringList());
 
-    const PromptAnswers prompts({"pass", "pass", "pass"});
+    m_answers = std::make_unique<PromptAnswers>(QStringList(3, "pass"));
     click("genReqButton");
-    QTEST(int(prompts.prompts().size()), "promptsOfNextTry");
+    QTEST(int(m_answers->prompts().size()), "promptsOfNextTry");
     QCOMPARE(icon("generateLabel") + text("generateReasonLabel") + status(), "OK");
 }
 
@@ -570,9 +521,8 @@ void SignDialogTest::remembersChoices()
     openOn(CUSTOMER_TARGET);
     auto *algorithm = child<QComboBox>("generationKeyAlgoComboBox");
     QCOMPARE(algorithm->currentIndex(), int(RSA));
-    QVERIFY(child<QCheckBox>("generationKeyEncryptCheckBox")->isChecked());
     algorithm->setCurrentIndex(GOST);
-    child<QCheckBox>("generationKeyEncryptCheckBox")->setChecked(false);
+    child<QCheckBox>("generationKeyEncryptCheckBox")->click(); // was checked
     choose("m_comboBoxBuildTargets", BARE_TARGET);
     const QSize size = dialog->size() + QSize(30, 20);
     dialog->resize(size);
@@ -583,11 +533,9 @@ void SignDialogTest::remembersChoices()
     QCOMPARE(settings.value("KilnRpmSign.History.TargetName"), BARE_TARGET);
     QCOMPARE(settings.value("KilnRpmSign.History.GenerationAlgorythm"), int(GOST));
     QCOMPARE(settings.value("KilnRpmSign.History.GenerationEncrypt"), false);
-    QVERIFY(settings.contains("KilnRpmSign.History.Geometry"));
 
     openOn(BARE_TARGET);
-    QCOMPARE(child<QComboBox>("generationKeyAlgoComboBox")->currentText(),
-             "GOST R 34.10-2012 (256)");
+    QCOMPARE(child<QComboBox>("generationKeyAlgoComboBox")->currentIndex(), int(GOST));
     QVERIFY(!child<QCheckBox>("generationKeyEncryptCheckBox")->isChecked());
     QCOMPARE(dialog->size(), size);
     delete dialog;
@@ -600,8 +548,19 @@ void SignDialogTest::remembersChoices()
 void SignDialogTest::locksItselfDuringARun()
 {
     openOn();
-    enter("rpmPathChooser", freshPackage());
     enterKeys(ENCRYPTED_KEY);
+    // The first letter of the package's path starts a run, and the user types on.
+    QVERIFY(QTest::qWaitForWindowActive(dialog));
+    const QString path = freshPackage();
+    QLineEdit *edit = child<PathChooser>("rpmPathChooser")->lineEdit();
+    edit->setFocus();
+    when([this] { return !child<QWidget>("genReqButton")->isEnabled(); },
+         [&] { QTest::keyClicks(edit, path.mid(1)); });
+    QTest::keyClicks(edit, path.left(1));
+    waitUntilIdle();
+    QCOMPARE(edit->text(), path);
+    QVERIFY(edit->hasFocus());
+
     const QString lockable = BUTTONS + " genReqButton m_comboBoxBuildTargets rpmPathChooser";
     const auto enabled = [&] {
         QStringList names = lockable.split(' ');
@@ -609,16 +568,17 @@ void SignDialogTest::locksItselfDuringARun()
         return names.join(' ');
     };
     Messages messages;
+    QString meanwhile;
     when(QApplication::activeModalWidget, [&] {
-        QCOMPARE(enabled(), "");
-        QVERIFY(isBusy());
         messages.take();
         child<QTabWidget>()->setCurrentIndex(2); // asks for openssl
         QTest::qWait(50);
-        QCOMPARE(messages.take(), QStringList());
+        meanwhile = enabled() + messages.take().join('\n');
         m_answers = std::make_unique<PromptAnswers>(QStringList());
     });
+    child<QWidget>("addSignaturePushButton")->setFocus();
     click("addSignaturePushButton");
+    QCOMPARE(meanwhile, "");
     QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
     QCOMPARE(enabled(), lockable);
     QVERIFY(messages.take().last().endsWith(" openssl version"));
@@ -626,17 +586,17 @@ void SignDialogTest::locksItselfDuringARun()
 
 void SignDialogTest::showsNothingOfTheFormerPackage_data()
 {
-    QTest::addColumn<QByteArray>("heldCommand");
+    QTest::addColumn<QString>("button");
 
-    addRow("no verdict", QByteArray("verify"));
-    addRow("no dump", QByteArray("dump"));
+    addRow("verify", "verifySignaturePushButton");
+    addRow("dump", "dumpPushButton");
 }
 
 /// Another target is chosen while a tool looks at the package, then another package; so the tools
 /// of the new target run first.
 void SignDialogTest::showsNothingOfTheFormerPackage()
 {
-    QFETCH(QByteArray, heldCommand);
+    QFETCH(QString, button);
     openOn();
     enterKeys(CLIENT_KEY);
     enter("rpmPathChooser", freshPackage("signed.rpm"));
@@ -644,7 +604,7 @@ void SignDialogTest::showsNothingOfTheFormerPackage()
     QCOMPARE(text("verifyLabel"), VERIFIED);
 
     const QString next = freshPackage("unsigned.rpm");
-    const HeldProgram looking(m_sdk.tool("rpmsign-external"), heldCommand);
+    const HeldProgram looking(m_sdk.tool("rpmsign-external"), QTest::currentDataTag());
     const HeldProgram probing(m_sdk.tool("customer-sign", CUSTOMER_TARGET), "--help");
     QString meanwhile;
     when([&] { return looking.isWaiting(); },
@@ -656,10 +616,10 @@ void SignDialogTest::showsNothingOfTheFormerPackage()
          });
     when([&] { return probing.isWaiting(); },
          [&] {
-             meanwhile += heldCommand == "dump" ? dump() : verdict();
+             meanwhile += button == "dumpPushButton" ? dump() : verdict();
              probing.release();
          });
-    click(heldCommand == "dump" ? "dumpPushButton" : "verifySignaturePushButton");
+    click(button);
     QCOMPARE(meanwhile.remove('|'), "");
     QCOMPARE(verdict().section('\n', 0, 0), NOT_VERIFIED + "|not signed");
     QCOMPARE(dump(), "No signatures found in package");
@@ -684,20 +644,18 @@ void SignDialogTest::looksAgainWhenFilesChange()
         NOT_VERIFIED + "|signature 1 is NOT valid: the package was changed after it was signed";
     shows(VERIFIED + '|');
 
-    writeFile(package, QByteArray(goodPackage).replace("hello", "jello").replace(".rpm", ".RPM"));
+    writeFile(package, QByteArray(goodPackage).replace(".rpm", ".RPM"));
     shows(changed);
     writeFile(package + ".new", goodPackage);
     QVERIFY(QFile::remove(package) && QFile::rename(package + ".new", package));
     shows(VERIFIED + '|');
     QVERIFY(QFile::remove(signature));
     shows(NOT_VERIFIED + "|not signed");
-    QCOMPARE(dump(), "No signatures found in package");
     QVERIFY(QDir(inWorkspace("build")).removeRecursively()); // a clean build
     shows(NOT_VERIFIED + "|rpmsign-external: error: package not found: " + package);
     writeFile(package, goodPackage);
     writeFile(signature, goodSignature);
     shows(VERIFIED + '|');
-    QVERIFY(dump().startsWith("Subject"));
 
     dialog->hide();
     writeFile(package, goodPackage + 'x');
@@ -705,24 +663,6 @@ void SignDialogTest::looksAgainWhenFilesChange()
     QCOMPARE(text("verifyLabel"), "");
     shows(changed);
     QVERIFY(QDir(inWorkspace("build")).removeRecursively());
-}
-
-void SignDialogTest::letsThePackageBeTyped()
-{
-    openOn();
-    dialog->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(dialog));
-    const QString path = freshPackage();
-    QLineEdit *edit = child<PathChooser>("rpmPathChooser")->lineEdit();
-    edit->setFocus();
-    // The first letter already starts a run.
-    when([this] { return !child<QWidget>("genReqButton")->isEnabled(); },
-         [&] { QTest::keyClicks(edit, path.mid(1)); });
-    QTest::keyClicks(edit, path.left(1));
-    waitUntilIdle();
-    QCOMPARE(edit->text(), path);
-    QCOMPARE(dump(), "No signatures found in package");
-    QVERIFY(edit->hasFocus());
 }
 
 QTEST_MAIN(SignDialogTest)
