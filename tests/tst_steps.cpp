@@ -403,13 +403,13 @@ void StepsTest::widgetJudgesPaths()
     const QString field = QTest::currentDataTag();
     Brisk::BuildEngine *engine = Brisk::Sdk::buildEngines().first();
     const auto restore = qScopeGuard([&] { engine->setSharedSrcPath(m_workplace.workspace()); });
-    engine->setSharedSrcPath("/w"); // the shared home lies elsewhere
+    engine->setSharedSrcPath("/elsewhere/ws"); // the shared home lies elsewhere
     BuildStep *step = addStep(targetName);
     const bool isCustomers = targetName == CUSTOMER_TARGET;
     if (!isCustomers)
         step->fromMap({{"Sealkit.UseDefaultValues", false},
-                       {"Sealkit.Key", "/w/k.pem"},
-                       {"Sealkit.Cert", "/w/c.pem"}});
+                       {"Sealkit.Key", "/elsewhere/ws/k.pem"},
+                       {"Sealkit.Cert", "/elsewhere/ws/c.pem"}});
     const std::unique_ptr<QWidget> widget(step->doCreateConfigWidget());
     auto *chooser = widget->findChild<PathChooser *>(field + "PathChooser");
     QTEST(chooser->promptDialogTitle(), "title");
@@ -417,16 +417,16 @@ void StepsTest::widgetJudgesPaths()
     QVERIFY(chooser->isValid());
 
     const QString home = engine->sharedHomePath().toUserOutput();
-    const QString problem = isCustomers
-                                ? "The path must be inside shared folders:\n" + home + "\n/w"
-                                : "The path must be inside workspace folder:\n/w";
+    const QString problem =
+        isCustomers ? "The path must be inside shared folders:\n" + home + "\n/elsewhere/ws"
+                    : "The path must be inside workspace folder:\n/elsewhere/ws";
     const auto problemOf = [&](const QString &path) {
         chooser->lineEdit()->setText(path);
         return chooser->isValid() ? QString() : chooser->errorMessage();
     };
-    QCOMPARE(problemOf("/elsewhere/k.pem"), problem);
+    QCOMPARE(problemOf("/k.pem"), problem);
     QCOMPARE(problemOf(home + "/k.pem"), isCustomers ? "" : problem);
-    QCOMPARE(problemOf("/w/k.pem"), "");
+    QCOMPARE(problemOf("/elsewhere/ws/k.pem"), "");
     QCOMPARE(problemOf(""), field == "packagesClientCert" ? "" : problem);
 }
 
