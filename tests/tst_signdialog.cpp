@@ -33,6 +33,9 @@ class SignDialogTest : public QObject, private DialogDriver
 {
     Q_OBJECT
 
+public slots:
+    void browse(const QUrl &url) { m_browsed = url; }
+
 private slots:
     void initTestCase();
     void init();
@@ -44,6 +47,7 @@ private slots:
     void saysWhyThereAreNoTargets();
     void worksByKeyboard();
     void offersTheRegularPair();
+    void opensItsHelp();
     void takesADroppedPackage();
     void hasFieldsForPaths_data();
     void hasFieldsForPaths();
@@ -106,6 +110,7 @@ private:
 
     SettingsScope m_settings;
     TemporarySdk m_sdk;
+    QUrl m_browsed;
     std::unique_ptr<PromptAnswers> m_answers;
 };
 
@@ -197,6 +202,11 @@ void SignDialogTest::saysWhyThereAreNoTargets()
     QCOMPARE(status(), "The build engine has no targets: install one");
     delete dialog;
 
+    QSettings().setValue("Kiln.BriskPath", "/none");
+    open(new SignDialog(nullptr));
+    QCOMPARE(status(), "The build engine did not start; see the General Messages");
+    delete dialog;
+
     Brisk::closeInstallation();
     open(new SignDialog(nullptr));
     QCOMPARE(status(), "There is no build engine: open or repair the SDK");
@@ -264,6 +274,17 @@ void SignDialogTest::offersTheRegularPair()
         "Valid until 2043-12-31: CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo");
     enter("developerCertificatePathChooser", "");
     QCOMPARE(text("developerCertificateNoteLabel"), "");
+}
+
+void SignDialogTest::opensItsHelp()
+{
+    openOn();
+    QDesktopServices::setUrlHandler("https", this, "browse");
+    child<QDialogButtonBox>()->button(QDialogButtonBox::Help)->click();
+    QDesktopServices::unsetUrlHandler("https");
+    QVERIFY(m_browsed.path().endsWith("/package_signing"));
+    child<QDialogButtonBox>()->button(QDialogButtonBox::Close)->click();
+    QVERIFY(!dialog->isVisible());
 }
 
 void SignDialogTest::takesADroppedPackage()
@@ -529,6 +550,7 @@ void SignDialogTest::remembersChoices()
     QCOMPARE(QSettings().value("KilnRpmSign.History.TargetName"), BARE_TARGET);
     QCOMPARE(QSettings().value("KilnRpmSign.History.GenerationAlgorythm"), int(GOST));
     QCOMPARE(QSettings().value("KilnRpmSign.History.GenerationEncrypt"), false);
+    QVERIFY(QSettings().contains("KilnRpmSign.History.Geometry"));
 
     openOn(BARE_TARGET);
     QCOMPARE(child<QComboBox>("generationKeyAlgoComboBox")->currentIndex(), int(GOST));

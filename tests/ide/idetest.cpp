@@ -1,5 +1,6 @@
 #include "idetest.h"
 
+#include "dialogdriver.h"
 #include "files.h"
 #include "processes.h"
 #include "user.h"
@@ -24,13 +25,12 @@
 #include <utils/infobar.h>
 #include <utils/pathchooser.h>
 
-#include <QtWidgets>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtWidgets>
 
 using namespace ProjectExplorer;
 
-constexpr int RUN_TIMEOUT = 20'000;
 constexpr int ROUNDS = 20;
 
 static QAction *action(const Utils::Id &id)
@@ -185,40 +185,22 @@ void IdeTest::dialogSignsVerifiesDumpsAndRemoves()
     const Core::ActionContainer *menu = Core::ActionManager::actionContainer("Kiln.Tools.Menu");
     QVERIFY(menu && menu->menu()->actions().contains(action("Sealkit.SignDialog")));
     action("Sealkit.SignDialog")->trigger();
-    const auto *dialog = Core::ICore::mainWindow()->findChild<QDialog *>("SignDialog");
-    QVERIFY(dialog && dialog->isVisible());
-    QTRY_VERIFY(child<QComboBox>(dialog, "m_comboBoxBuildTargets")->count() == 3);
-    child<QComboBox>(dialog, "m_comboBoxBuildTargets")->setCurrentText("VeyraOS-5.1-x86_64");
-
-    const QString package = inWorkspace("package.rpm");
-    writeFile(package, "\xed\xab\xee\xdbpackage");
-    const auto waitUntilIdle = [dialog] {
-        QCoreApplication::processEvents();
-        QTRY_VERIFY_WITH_TIMEOUT(child<QWidget>(dialog, "busyIndicator")->isHidden(), RUN_TIMEOUT);
-    };
-    const auto click = [dialog, waitUntilIdle](const char *name) {
-        waitUntilIdle();
-        child<QPushButton>(dialog, name)->click();
-        waitUntilIdle();
-    };
-    const auto verdict = [dialog] { return child<QLabel>(dialog, "verifyLabel")->text(); };
-    const auto dump = [dialog] {
-        return child<QTextBrowser>(dialog, "developerSignatureTextBrowser")->toPlainText();
-    };
-
-    enter(dialog, "rpmPathChooser", package);
-    const QString keys = inWorkspace(".veyraos-regular-keys/");
-    enter(dialog, "developerKeyPathChooser", keys + "regular_key.pem");
-    enter(dialog, "developerCertificatePathChooser", keys + "regular_cert.pem");
-    click("addSignaturePushButton");
-    click("verifySignaturePushButton");
-    QCOMPARE(verdict(), QString("Signatures successfully verified"));
-    click("dumpPushButton");
-    QVERIFY2(dump().contains("Regular Developer"), qPrintable(dump()));
-    click("removeSignaturePushButton");
-    click("dumpPushButton");
-    QCOMPARE(dump(), QString("No signatures found in package"));
-    const_cast<QDialog *>(dialog)->close();
+    DialogDriver user;
+    user.open(Core::ICore::mainWindow()->findChild<QDialog *>("SignDialog"));
+    user.choose("m_comboBoxBuildTargets", "VeyraOS-5.1-x86_64");
+    writeFile(inWorkspace("package.rpm"), "\xed\xab\xee\xdbpackage");
+    user.enter("rpmPathChooser", inWorkspace("package.rpm"));
+    user.click("regularKeysButton");
+    user.click("addSignaturePushButton");
+    user.click("verifySignaturePushButton");
+    QCOMPARE(user.text("verifyLabel"), QString("Signatures successfully verified"));
+    user.click("dumpPushButton");
+    QVERIFY2(user.dump().contains("Regular Developer"), qPrintable(user.dump()));
+    user.click("removeSignaturePushButton");
+    user.click("dumpPushButton");
+    QCOMPARE(user.dump(), QString("No signatures found in package"));
+    user.dialog->close();
+    user.dialog.clear(); // which the plugin keeps
 }
 
 void IdeTest::inOptions(const std::function<void(QWidget *)> &act) const
