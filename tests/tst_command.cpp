@@ -157,7 +157,7 @@ void CommandTest::deliversLastWordsOfAProgramThatEndsWhileAnswered()
         return true;
     };
     const Result result = Command::exec(
-        handler, {FAKE_TOOL, "out:first", "sleep:200", "out:last", "err:words", "exit:4"});
+        handler, {FAKE_TOOL, "out:first", "sleep:0.2", "out:last", "err:words", "exit:4"});
     QCOMPARE(result.exitCode, 4);
     QCOMPARE(received, QByteArray("firstlastwords"));
 }
@@ -174,7 +174,7 @@ void CommandTest::killsWhenTheHandlerSaysSo()
         return false;
     };
     const Result result =
-        Command::exec(handler, {FAKE_TOOL, "ignore-term", "out:x", "sleep:50", "out:y", "hang"});
+        Command::exec(handler, {FAKE_TOOL, "ignore-term", "out:x", "sleep:0.05", "out:y", "hang"});
     QVERIFY(result.crashed);
     QCOMPARE(result.exitCode, SIGKILL);
     QCOMPARE(result.stdOut, QByteArray("xy"));
@@ -193,7 +193,7 @@ void CommandTest::readsOnAfterAHandlerThatWaited()
             input = "answer\n";
         return true;
     };
-    Command::exec(handler, {FAKE_TOOL, "out:first", "sleep:100", "prompt:second"});
+    Command::exec(handler, {FAKE_TOOL, "out:first", "sleep:0.1", "prompt:second"});
     QCOMPARE(received, QByteArray("firstsecond: \ngot [answer]\n"));
 }
 
@@ -201,7 +201,7 @@ void CommandTest::runsWithinARun()
 {
     Result inner;
     QTimer::singleShot(20, [&inner] { inner = runFakeTool({"out:inner", "exit:5"}); });
-    const Result outer = runFakeTool({"out:outer", "sleep:150", "out:!", "exit:6"});
+    const Result outer = runFakeTool({"out:outer", "sleep:0.15", "out:!", "exit:6"});
     QCOMPARE(inner, (Result{false, 5, {}, "inner"}));
     QCOMPARE(outer, (Result{false, 6, {}, "outer!"}));
 }
@@ -288,7 +288,7 @@ void CommandTest::survivesItsToolBeingDeleted()
         lines << line;
         telling.reset();
     });
-    QVERIFY(telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "sleep:5000"}).crashed);
+    QVERIFY(telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "sleep:5"}).crashed);
     QCOMPARE(lines, QStringList{"first"});
 }
 
