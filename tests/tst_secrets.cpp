@@ -28,7 +28,7 @@
 using namespace ProjectExplorer;
 using namespace Sealkit::Internal;
 
-// Part of every secret. Whoever knows it is not there has not seen the secret, either.
+// Part of every secret: where the mark is not, the secret is not.
 constexpr char MARK[] = "Wq7zMark";
 const QString SECRET = QStringLiteral(" p\"a's $HOME & \\n %s Wq7zMark Пароль ");
 
