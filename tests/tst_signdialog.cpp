@@ -267,11 +267,13 @@ void SignDialogTest::offersTheRegularPair()
         writeFile(folder + name, readFile(m_sdk.path() + "/package-signing/" + name));
     openOn();
     QVERIFY(text("regularKeysLabel").contains("<a href=\"" + folder.chopped(1)));
+    const int width = dialog->minimumSizeHint().width();
     click("regularKeysButton");
     QCOMPARE(qobject_cast<SignDialog *>(dialog)->data().key, folder + "regular_key.pem");
     QCOMPARE(
         text("developerCertificateNoteLabel"),
         "Valid until 2043-12-31: CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo");
+    QCOMPARE(dialog->minimumSizeHint().width(), width); // the note takes what there is
     enter("developerCertificatePathChooser", "");
     QCOMPARE(text("developerCertificateNoteLabel"), "");
 }
@@ -660,6 +662,14 @@ void SignDialogTest::looksAgainWhenFilesChange()
         NOT_VERIFIED + "|signature 1 is NOT valid: the package was changed after it was signed";
     shows(VERIFIED + '|');
 
+    // A twin of the same time takes its place, and is watched in turn.
+    QVERIFY(QFile::copy(package, package + ".new"));
+    QFile twin(package + ".new");
+    QVERIFY(twin.open(QIODevice::ReadWrite)
+            && twin.setFileTime(QFileInfo(package).lastModified(), QFile::FileModificationTime));
+    QVERIFY(QFile::remove(package) && twin.rename(package));
+    QTest::qWait(600);
+    QCOMPARE(verdict(), VERIFIED + '|');
     writeFile(package, QByteArray(goodPackage).replace(".rpm", ".RPM"));
     shows(changed);
     writeFile(package + ".new", goodPackage);
