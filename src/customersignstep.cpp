@@ -46,7 +46,7 @@ QString CustomerSignStep::displayName()
 
 static bool isDebugPackage(const QString &path)
 {
-    static const QRegularExpression others(QLatin1String(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN));
+    static const QRegularExpression others{QLatin1String(Constants::EXCLUDE_DEBUG_PACKAGE_PATTERN)};
     return !others.match(QFileInfo(path).fileName()).hasMatch();
 }
 

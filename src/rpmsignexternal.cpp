@@ -63,7 +63,7 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
 {
     // After a run this object may be gone, and so may the caller with the arguments.
     const QPointer<RpmsignExternal> self(this);
-    const QString target = callersTarget;
+    const QString target = callersTarget; // NOLINT(performance-unnecessary-copy-initialization)
     const KeyGenerationData data = callersData;
 
     if (!data.keyPath.exists()) {

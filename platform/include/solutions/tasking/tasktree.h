@@ -135,7 +135,7 @@ public:
     using Task = typename Adapter::TaskType;
 
     template<typename SetupHandler>
-    CustomTask(SetupHandler &&setup)
+    CustomTask(SetupHandler &&setup) // NOLINT(bugprone-forwarding-reference-overload): the IDE's
         : ExecutableItem(TaskCreator([setup = std::forward<SetupHandler>(setup)] {
             auto *adapter = new Adapter;
             setup(*adapter->task());
