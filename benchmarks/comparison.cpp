@@ -21,7 +21,7 @@ static double median(QList<double> values)
     return values.at(values.size() / 2);
 }
 
-/// Both in turns, so that both meet the same weather.
+/// Measures both in turns, so that a busy moment of the machine meets both.
 static QJsonObject measured(const Comparison &row)
 {
     QList<double> ours;

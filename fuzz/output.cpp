@@ -1,4 +1,4 @@
-// The readers of tools' output make the same of two chunks as of both at once.
+// A reader of tools' output finds in two chunks what it finds in one chunk with all of the text.
 #include "fuzzing.h"
 
 #include "readingtool.h"

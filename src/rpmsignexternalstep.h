@@ -26,7 +26,7 @@ struct StepKeys
 
     void setKey(const QString &path) { key = path; }
     void setCertificate(const QString &path) { certificate = path; }
-    /// The key and certificate in force: the global ones, or those of the step.
+    /// The key and certificate in force: the global pair, or the pair of the step.
     QString getKey() const { return useDefaultValues ? readDefaultKey() : key; }
     QString getCertificate() const
     {

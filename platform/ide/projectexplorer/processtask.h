@@ -37,7 +37,7 @@ private:
     };
 
     void readOutput(Channel *channel, const QByteArray &output);
-    // These are false when this was deleted by those who got the output.
+    // These are false when a receiver of the output has deleted this object.
     bool flush(Channel *channel);
     bool addOutput(const QString &line, BuildStep::OutputFormat format);
     bool reportEnd(int exitCode, QProcess::ExitStatus status);

@@ -57,7 +57,7 @@ PathChooser::PathChooser(QWidget *parent)
 {
     d->lineEdit = new FancyLineEdit(this);
     d->button = new QPushButton(tr("Browse..."), this);
-    d->button->setAccessibleName(d->button->text()); // for those who replace the text by an icon
+    d->button->setAccessibleName(d->button->text()); // an owner may replace the text by an icon
 
     auto layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -20,7 +20,7 @@ public:
 
     /// The absolute paths of the packages that the project's last build left, sorted by name.
     QStringList packages() const;
-    /// Those of packages() that can be installed on a device: all but source packages.
+    /// The packages that can be installed on a device: all of packages() but source packages.
     QStringList deployablePackagesFileNames() const;
 
 private:

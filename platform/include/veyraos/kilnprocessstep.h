@@ -6,7 +6,7 @@
 
 namespace Kiln::Internal {
 
-/// Base of the host plugin's steps, and of those of others that work on its packages.
+/// Base of the host plugin's steps, and of other plugins' steps that work on its packages.
 class VEYRAOS_EXPORT KilnProcessStep : public ProjectExplorer::AbstractProcessStep
 {
     Q_OBJECT
