@@ -128,8 +128,8 @@ SignDialog::SignDialog(QWidget *parent)
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
     m_ui->clientSignatureTextBrowser->setFont(dumpFont);
     setAcceptDrops(true);
-    m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(
-        false); // else it would take a dropped package as text
+    // The field would take a dropped package as text.
+    m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(false);
     restoreGeometry(QSettings().value(Constants::SIGN_DIALOG_HISTORY_GEOMETRY).toByteArray());
     // Enter in a field is for the field, not for whichever button comes first.
     for (QPushButton *button : findChildren<QPushButton *>())
