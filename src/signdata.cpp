@@ -91,7 +91,6 @@ QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QStri
     if (file.write(csrConfig(companyName)) < 1) {
         *error = QObject::tr("Could not write data to %1: %2.")
                      .arg(info.absoluteFilePath(), file.errorString());
-        file.remove();
         return {};
     }
     file.close();

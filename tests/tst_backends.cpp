@@ -253,7 +253,9 @@ void BackEndsTest::saysWhyThereIsNoConfiguration()
     const QRegularExpression told("^!.E.\tFiled to generate CSR\n!.E.\t" + reason + '$');
     QVERIFY2(told.match(text).hasMatch(), qPrintable(text));
     QCOMPARE(m_brisk.takeCalls(), QStringList());
-    QCOMPARE(configurations(), QStringList());
+    QCOMPARE(configurations().size(), int(isDiskFull)); // it stays
+    for (const QString &left : configurations())
+        QFile::remove(inWorkspace(left));
 }
 
 void BackEndsTest::endsWithItsCaller_data()
