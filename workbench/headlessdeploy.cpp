@@ -138,7 +138,7 @@ void HeadlessDeploy::interrupt(int signalNumber)
     m_signalNumber = signalNumber;
     emit Core::ICore::instance()->coreAboutToClose();
     m_answerer.declineAll();
-    // What runs is cancelled when this loop has ended: a step may be at work below this function.
+    BuildManager::cancel();
     QCoreApplication::exit(FAILURE);
 }
 

@@ -377,7 +377,14 @@ void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->accept();
     prepareToClose();
-    QCoreApplication::exit();
+    // As in the IDE, the plugins go while the event loop of a tool may still turn below.
+    QMetaObject::invokeMethod(
+        m_session,
+        [session = m_session] {
+            session->shutdown();
+            QCoreApplication::exit();
+        },
+        Qt::QueuedConnection);
 }
 
 } // namespace Workbench

@@ -1,6 +1,7 @@
 #include <coreplugin/messagemanager.h>
 
 #include <host/generalmessages.h>
+#include <utils/qtcassert.h>
 
 namespace Core {
 
@@ -10,14 +11,20 @@ Host::GeneralMessages *Host::GeneralMessages::instance()
     return &theInstance;
 }
 
+void Host::GeneralMessages::write(const QString &message, bool disrupting)
+{
+    QTC_ASSERT(m_isOpen, return );
+    emit messageWritten(message, disrupting);
+}
+
 void MessageManager::writeSilently(const QString &message)
 {
-    emit Host::GeneralMessages::instance()->messageWritten(message, false);
+    Host::GeneralMessages::instance()->write(message, false);
 }
 
 void MessageManager::writeDisrupting(const QString &message)
 {
-    emit Host::GeneralMessages::instance()->messageWritten(message, true);
+    Host::GeneralMessages::instance()->write(message, true);
 }
 
 } // namespace Core
