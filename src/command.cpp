@@ -2,12 +2,12 @@
 
 #include "constants.h"
 #include "ideclosing.h"
+#include "runlog.h"
 #include "signdata.h"
 
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
 #include <coreplugin/icore.h>
-#include <coreplugin/messagemanager.h>
 #include <veyraos/kilnsettings.h>
 
 #include <QCoreApplication>
@@ -204,7 +204,8 @@ static QString workingDirectory()
 }
 
 /// Hands new output of the program to \a handler, and the answer of the handler to the program.
-static void converse(QProcess &process, Handler &handler, Result &result)
+static void
+converse(QProcess &process, Handler &handler, const std::stop_token &stop, Result &result)
 {
     const QByteArray stdOutChunk = process.readAllStandardOutput();
     const QByteArray stdErrChunk = process.readAllStandardError();
@@ -212,7 +213,7 @@ static void converse(QProcess &process, Handler &handler, Result &result)
     result.stdErr += stdErrChunk;
 
     QByteArray input;
-    if (isIdeClosing() || !handler(stdOutChunk, stdErrChunk, input)) {
+    if (isIdeClosing() || stop.stop_requested() || !handler(stdOutChunk, stdErrChunk, input)) {
         result.cancelled = true;
         process.kill();
         // The last output is still captured, but the killed program needs no more answers.
@@ -234,7 +235,8 @@ static bool hasUnreadOutput(QProcess &process)
     return hasErrors || process.bytesAvailable() > 0;
 }
 
-static void runToEnd(QProcess &process, Handler &handler, Result &result)
+static void
+runToEnd(QProcess &process, Handler &handler, const std::stop_token &stop, Result &result)
 {
     while (process.state() != QProcess::NotRunning) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
@@ -243,23 +245,22 @@ static void runToEnd(QProcess &process, Handler &handler, Result &result)
         // QProcess also reads while the handler waits for the user or an answer is written, and no
         // event announces that output later.
         do {
-            converse(process, handler, result);
+            converse(process, handler, stop, result);
         } while (hasUnreadOutput(process));
     }
 }
 
 static void reportFailedStart(const QProcess &process)
 {
-    const QString reason =
-        QObject::tr("Error: cannot start \"%1\": %2").arg(process.program(), process.errorString());
-    Core::MessageManager::writeDisrupting(QStringLiteral("[E]\t%1").arg(reason));
+    logError(QObject::tr("Error: cannot start \"%1\": %2")
+                 .arg(process.program(), process.errorString()));
 }
 
-Result exec(Handler handler, const QStringList &commandLine)
+Result exec(Handler handler, const QStringList &commandLine, std::stop_token stop)
 {
     // The list may belong to somebody who is gone after the run.
     const QString shownCommandLine = commandLine.join(QLatin1Char(' '));
-    if (isIdeClosing())
+    if (isIdeClosing() || stop.stop_requested())
         return Result::notRun();
 
     QProcess process;
@@ -268,17 +269,17 @@ Result exec(Handler handler, const QStringList &commandLine)
     process.setArguments(commandLine.mid(1));
     QObject::connect(
         Core::ICore::instance(), &Core::ICore::coreAboutToClose, &process, &QProcess::kill);
+    const std::stop_callback killAtStop(stop, [&process] { process.kill(); });
 
     Result result;
     process.start(QIODevice::ReadWrite);
     result.started = process.waitForStarted(-1);
     if (result.started)
-        runToEnd(process, handler, result);
+        runToEnd(process, handler, stop, result);
     else
         reportFailedStart(process);
 
-    Core::MessageManager::writeSilently(
-        QStringLiteral("[$] %1\t%2").arg(QString::number(process.exitCode()), shownCommandLine));
+    logRun(process.exitCode(), shownCommandLine);
     result.crashed = process.exitStatus() == QProcess::CrashExit;
     result.exitCode = process.exitCode();
     return result;

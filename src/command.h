@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <stop_token>
 #include <utility>
 
 namespace Sealkit::Internal {
@@ -139,7 +140,7 @@ struct Result
     QByteArray stdErr;
     QByteArray stdOut;
     bool started = true;    ///< if not, the exit code can be 0 nevertheless
-    bool cancelled = false; ///< killed because its handler said so
+    bool cancelled = false; ///< killed because its handler said so, or when it was to stop
 
     /// The result of a run for which no program was started.
     static Result notRun()
@@ -159,9 +160,10 @@ using Handler = std::function<bool(
 /// user's home) while the event loop turns: whoever calls this may be gone when it returns.
 /// Writes one line on the run to the General Messages, and one with the reason if the program
 /// cannot be started; the result is then what QProcess reports for a process that never ran.
-/// Without a handler the output is not read. When the IDE closes, the program is killed and the
-/// handler is not called any more; later calls start nothing. Such runs count as crashed.
-Result exec(Handler handler, const QStringList &commandLine);
+/// Without a handler the output is not read. When \a stop is requested or the IDE closes, whichever
+/// event loop turns then, the program is killed at once and the handler is not called any more;
+/// later calls start nothing. Such runs count as crashed. Once the IDE closes nothing is written.
+Result exec(Handler handler, const QStringList &commandLine, std::stop_token stop = {});
 
 template<typename Tag, typename... Args>
 Result exec(Handler handler, const Args &...args)

@@ -15,25 +15,24 @@ Command::Result CustomerSealkit::addSignature(const QString &target,
                                               const QStringList &packages,
                                               const SignData &data)
 {
-    return Command::exec<Target::customer_sign::sign>(m_handler, target, data, packages);
+    return run<Target::customer_sign::sign>(target, data, packages);
 }
 
 Command::Result CustomerSealkit::removeSignature(const QString &target, const QStringList &packages)
 {
-    return Command::exec<Target::nxvcert_cli::remove>(m_handler, target, packages);
+    return run<Target::nxvcert_cli::remove>(target, packages);
 }
 
 Command::Result CustomerSealkit::verifySignature(const QString &target,
                                                  const QStringList &packages,
                                                  const SignData &data)
 {
-    return Command::exec<Target::nxvcert_cli::verify>(
-        m_handler, target, data.rootCertificate, packages);
+    return run<Target::nxvcert_cli::verify>(target, data.rootCertificate, packages);
 }
 
 Command::Result CustomerSealkit::dumpSignature(const QString &target, const QStringList &packages)
 {
-    return Command::exec<Target::nxvcert_cli::dump>(m_handler, target, packages);
+    return run<Target::nxvcert_cli::dump>(target, packages);
 }
 
 Command::Result CustomerSealkit::generateRequest(const QString & /*target*/,

@@ -29,7 +29,7 @@ CustomerSignStep::CustomerSignStep(BuildStepList *stepList, Utils::Id id, bool e
     m_signData.key = defaultKeyFile(Constants::DEFAULT_PACKAGES_KEY);
     m_signData.certificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CERT);
     m_signData.clientCertificate = defaultKeyFile(Constants::DEFAULT_PACKAGES_CLIENT_CERT);
-    m_run.forwardOutput();
+    forwardOutput(&m_tool, this);
     setStepEnabled(enabled);
     setEnabled(enabled);
 }
@@ -67,12 +67,15 @@ bool CustomerSignStep::init()
 
 GroupItem CustomerSignStep::runRecipe()
 {
-    return m_run.recipe([this] { return doRun(); }, [this] { doCancel(); });
+    return SignRun::recipe(
+        this,
+        &m_tool,
+        {.doRun = [this](SignRun &run) { return doRun(run); }, .doCancel = [this] { doCancel(); }});
 }
 
-SetupResult CustomerSignStep::doRun()
+SetupResult CustomerSignStep::doRun(SignRun &run)
 {
-    return m_run.carryOut({
+    return run.sign({
         .startText = tr("Signing RPM package..."),
         .noBuildStepText = tr("Error: No previous \"%1\" step found"),
         .noPackagesText = tr("Error: no package for sign found"),
@@ -80,7 +83,7 @@ SetupResult CustomerSignStep::doRun()
         .buildEngine = m_buildEngine,
         .data = m_signData,
         .isValid = &SignData::isValid<CustomerSealkit>,
-        .findPackages = [this] { return findPackages(); },
+        .packages = findPackages(),
     });
 }
 

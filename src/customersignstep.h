@@ -49,13 +49,12 @@ private:
     Tasking::GroupItem runRecipe() override;
     QWidget *createConfigWidget() override;
 
-    Tasking::SetupResult doRun();
+    Tasking::SetupResult doRun(SignRun &run);
     std::optional<QStringList> findPackages() const;
     QString defaultKeyFile(const char *pathBelowHome) const;
 
     SignData m_signData;
     CustomerSealkit m_tool;
-    const SignRun m_run{this, &m_tool};
     bool m_signDebugPackages = true;
     QPointer<Brisk::BuildEngine> m_buildEngine;
     QPointer<Kiln::Internal::KilnKb2RpmBuildStep> m_rpmBuildStep;

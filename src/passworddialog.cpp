@@ -1,5 +1,7 @@
 #include "passworddialog.h"
 
+#include "ideclosing.h"
+
 #include <coreplugin/icore.h>
 
 #include <QDialogButtonBox>
@@ -65,14 +67,19 @@ void PasswordDialogPrivate::showError(const QString &text)
     m_errorLabel->show();
 }
 
-QString PasswordDialog::getPassord(const QString &text, bool *ok)
+QString PasswordDialog::getPassord(const QString &text, bool *ok, std::stop_token stop)
 {
+    *ok = false;
+    if (isIdeClosing() || stop.stop_requested())
+        return {};
+
     auto *dialog = new PasswordDialogPrivate(text);
     // When the IDE closes, an open dialog would keep it from ending.
     QObject::connect(Core::ICore::instance(),
                      &Core::ICore::coreAboutToClose,
                      dialog,
                      &PasswordDialogPrivate::reject);
+    const std::stop_callback rejectAtStop(stop, [dialog] { dialog->reject(); });
     *ok = dialog->exec() == QDialog::Accepted;
     // A declined dialog is not deleted, so its text must be removed.
     const QString password = dialog->takePassword();

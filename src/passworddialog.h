@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+#include <stop_token>
+
 class QLabel;
 class QLineEdit;
 
@@ -29,9 +31,9 @@ private:
 class PasswordDialog
 {
 public:
-    /// Asks with \a text as the prompt. \a ok tells whether the user answered before the IDE
-    /// closed; if not, the result is null.
-    static QString getPassord(const QString &text, bool *ok);
+    /// Asks with \a text as the prompt. \a ok tells whether the user answered before \a stop was
+    /// requested or the IDE closed; if not, the result is null.
+    static QString getPassord(const QString &text, bool *ok, std::stop_token stop = {});
 };
 
 } // namespace Sealkit::Internal

@@ -24,29 +24,28 @@ Command::Result RpmsignExternal::addSignature(const QString &target,
     const QStringList secondCommandLine = Command::compose<Target::rpmsign_external::sign>(
         target, data.clientKey, data.clientCertificate, packages);
 
-    const Command::Result result = Command::exec<Target::rpmsign_external::sign>(
-        m_handler, target, data.key, data.certificate, packages);
+    const Command::Result result =
+        run<Target::rpmsign_external::sign>(target, data.key, data.certificate, packages);
     if (!result.succeeded() || !signsTwice)
         return result;
-    return self ? Command::exec(m_handler, secondCommandLine) : Command::Result::notRun();
+    return self ? run(secondCommandLine) : Command::Result::notRun();
 }
 
 Command::Result RpmsignExternal::removeSignature(const QString &target, const QStringList &packages)
 {
-    return Command::exec<Target::rpmsign_external::remove>(m_handler, target, packages);
+    return run<Target::rpmsign_external::remove>(target, packages);
 }
 
 Command::Result RpmsignExternal::verifySignature(const QString &target,
                                                  const QStringList &packages,
                                                  const SignData &data)
 {
-    return Command::exec<Target::rpmsign_external::verify>(
-        m_handler, target, data.rootCertificate, packages);
+    return run<Target::rpmsign_external::verify>(target, data.rootCertificate, packages);
 }
 
 Command::Result RpmsignExternal::dumpSignature(const QString &target, const QStringList &packages)
 {
-    return Command::exec<Target::rpmsign_external::dump>(m_handler, target, packages);
+    return run<Target::rpmsign_external::dump>(target, packages);
 }
 
 /// Removes the file at \a path if it is empty; true if so. openssl creates its file before it asks
@@ -67,8 +66,7 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
     const KeyGenerationData data = callersData;
 
     if (!data.keyPath.exists()) {
-        const Command::Result result =
-            Command::exec(m_handler, getKeyGenerationComand(target, data));
+        const Command::Result result = run(getKeyGenerationComand(target, data));
         removeEmptyFile(data.keyPath);
         if (!result.succeeded())
             return result;
@@ -85,12 +83,10 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
         return {.crashed = false, .exitCode = -1, .stdErr = {}, .stdOut = {}};
     }
 
-    Command::Result result =
-        Command::exec<Target::openssl::generateRequest>(m_handler,
-                                                        target,
-                                                        data.keyPath.toUserOutput(),
-                                                        data.requestPath.toUserOutput(),
-                                                        config.absoluteFilePath());
+    Command::Result result = run<Target::openssl::generateRequest>(target,
+                                                                   data.keyPath.toUserOutput(),
+                                                                   data.requestPath.toUserOutput(),
+                                                                   config.absoluteFilePath());
     QFile::remove(config.absoluteFilePath());
     if (result.succeeded() && removeEmptyFile(data.requestPath)) {
         result.exitCode = -1;

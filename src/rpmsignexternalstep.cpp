@@ -53,7 +53,7 @@ RpmsignExternalStep::RpmsignExternalStep(BuildStepList *parent, Utils::Id id, bo
     setDefaultDisplayName(displayName());
     m_keys.buildEngine = KilnSdkKitAspectFactory::buildEngine(target()->kit());
 
-    m_run.forwardOutput();
+    forwardOutput(&m_tool, this);
     const bool on = QSettings().value(Constants::ENABLE_DEFAULT_SIGN_KEY, enabled).toBool();
     setStepEnabled(on);
     setEnabled(on);
@@ -76,15 +76,19 @@ bool RpmsignExternalStep::init()
 
 GroupItem RpmsignExternalStep::runRecipe()
 {
-    return m_run.recipe([this] { return doRun(); }, [this] { doCancel(); });
+    return SignRun::recipe(
+        this,
+        &m_tool,
+        {.doRun = [this](SignRun &run) { return doRun(run); }, .doCancel = [this] { doCancel(); }});
 }
 
-SetupResult RpmsignExternalStep::doRun()
+SetupResult RpmsignExternalStep::doRun(SignRun &run)
 {
     SignData data;
     data.key = m_keys.getKey();
     data.certificate = m_keys.getCertificate();
-    return m_run.carryOut({
+    const std::optional<QStringList> packages = findPackages();
+    const SetupResult result = run.sign({
         .startText = tr("Signing RPM package..."),
         .noBuildStepText = tr("Error: No previous \"%1\" step found"),
         .noPackagesText = tr("Error: no package for sign found"),
@@ -92,10 +96,11 @@ SetupResult RpmsignExternalStep::doRun()
         .buildEngine = m_keys.buildEngine,
         .data = data,
         .isValid = &SignData::isValid<RpmsignExternal>,
-        .findPackages = [this] { return findPackages(); },
-        .report = [this](const QString &targetName,
-                         const QStringList &packages) { dumpSign(targetName, packages); },
+        .packages = packages,
     });
+    if (result == SetupResult::Continue)
+        dumpSign(run, *packages);
+    return result;
 }
 
 std::optional<QStringList> RpmsignExternalStep::findPackages() const
@@ -104,21 +109,20 @@ std::optional<QStringList> RpmsignExternalStep::findPackages() const
     return buildStep ? std::optional(buildStep->packages()) : std::nullopt;
 }
 
-void RpmsignExternalStep::dumpSign(const QString &targetName, const QStringList &packages)
+void RpmsignExternalStep::dumpSign(SignRun &run, const QStringList &packages)
 {
-    if (!isLastSigningStep() || m_tool.isStopped())
+    if (!isLastSigningStep())
         return;
 
-    const QPointer<RpmsignExternalStep> self(this);
-    const Command::Result result = m_tool.dumpSignature(targetName, packages);
-    if (!self || m_tool.isStopped())
+    const std::optional<Command::Result> result = run.dump(packages);
+    if (!result)
         return;
-    if (!result.succeeded()) {
+    if (!result->succeeded()) {
         emit addOutput(tr("Failed to verify signature dump"), OutputFormat::Stderr);
         return;
     }
 
-    const QString dump = QString::fromUtf8(result.stdOut);
+    const QString dump = QString::fromUtf8(result->stdOut);
     if (packages.size() == 1) {
         checkSignGroups(dump, QFileInfo(packages.first()).fileName());
         return;

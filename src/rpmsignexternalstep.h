@@ -65,14 +65,13 @@ private:
     Tasking::GroupItem runRecipe() override;
     QWidget *createConfigWidget() override;
 
-    Tasking::SetupResult doRun();
+    Tasking::SetupResult doRun(SignRun &run);
     std::optional<QStringList> findPackages() const;
-    void dumpSign(const QString &targetName, const QStringList &packages);
+    void dumpSign(SignRun &run, const QStringList &packages);
     void checkSignGroups(const QString &dump, const QString &packageName);
     bool isLastSigningStep() const;
 
     RpmsignExternal m_tool;
-    const SignRun m_run{this, &m_tool};
     StepKeys m_keys;
 };
 

@@ -6,6 +6,7 @@
 #include "customersealkit.h"
 #include "requestcheck.h"
 #include "rpmsignexternal.h"
+#include "runlog.h"
 #include "toolreason.h"
 #include "ui_signdialog.h"
 #include "utils.h"
@@ -60,7 +61,7 @@ static QString problemOf(const Command::Result &result)
         return {};
     const QString problem = whyFailed(result);
     if (result.cancelled)
-        Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(problem));
+        logWarning(problem);
     return problem;
 }
 
@@ -530,7 +531,7 @@ void SignDialog::addSignature()
                 const QString warning =
                     tr("No client signature was added: it needs a client key and its certificate");
                 m_statusBar->showMessage(warning);
-                Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(warning));
+                logWarning(warning);
             }
         }
         showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);

@@ -1,18 +1,18 @@
 #include "signrun.h"
 
-#include "signprogress.h"
+#include "ideclosing.h"
+#include "runlog.h"
 #include "signtool.h"
 #include "toolreason.h"
 
 #include <brisk/buildengine.h>
-#include <coreplugin/messagemanager.h>
 #include <projectexplorer/buildstep.h>
 #include <projectexplorer/target.h>
 #include <projectexplorer/task.h>
 #include <veyraos/kilnkb2rpmbuildstep.h>
 #include <veyraos/kilnsdkkitaspect.h>
 
-#include <QPointer>
+#include <QScopeGuard>
 
 using namespace Kiln::Internal;
 using namespace Tasking;
@@ -21,70 +21,131 @@ using ProjectExplorer::DeploymentTask;
 
 namespace Sealkit::Internal {
 
-SignRun::SignRun(BuildStep *step, SignTool *tool)
-    : m_step(step)
-    , m_tool(tool)
+void forwardOutput(const SignTool *tool, BuildStep *step)
 {
-}
-
-void SignRun::forwardOutput() const
-{
-    const auto forward = [step = m_step](BuildStep::OutputFormat format) {
+    const auto forward = [step](BuildStep::OutputFormat format) {
         return [step, format](const QString &line) { emit step->addOutput(line, format); };
     };
-    QObject::connect(m_tool, &SignTool::addError, m_step, forward(BuildStep::OutputFormat::Stderr));
-    QObject::connect(
-        m_tool, &SignTool::addOutput, m_step, forward(BuildStep::OutputFormat::Stdout));
+    QObject::connect(tool, &SignTool::addError, step, forward(BuildStep::OutputFormat::Stderr));
+    QObject::connect(tool, &SignTool::addOutput, step, forward(BuildStep::OutputFormat::Stdout));
 }
 
-Group SignRun::recipe(const std::function<SetupResult()> &run,
-                      const std::function<void()> &cancel) const
+namespace {
+
+/// Stands for a run in the IDE's tree, which deletes it to stop the run.
+class SignTaskAdapter : public TaskAdapter<std::shared_ptr<SignRun>>
 {
-    const QPointer<BuildStep> step(m_step);
-    const auto onSetup = [step, tool = m_tool, run] {
-        if (!step)
-            return SetupResult::StopWithError;
-        tool->setStopped(false);
-        return run();
+public:
+    ~SignTaskAdapter() override
+    {
+        if (const std::shared_ptr<SignRun> run = *task())
+            run->giveUp();
+    }
+
+private:
+    void start() override
+    {
+        SignRun *run = task()->get();
+        connect(run, &SignRun::done, this, [this](DoneResult result) {
+            task()->reset();
+            emit done(result);
+        });
+        QMetaObject::invokeMethod(run, &SignRun::exec, Qt::QueuedConnection);
+    }
+};
+
+} // namespace
+
+Group SignRun::recipe(BuildStep *step, SignTool *tool, const Work &work)
+{
+    const auto onSetup = [step, tool, work](std::shared_ptr<SignRun> &run) {
+        run = std::make_shared<SignRun>(step, tool, work);
     };
-    const auto onDone = [step, tool = m_tool, cancel](DoneWith result) {
-        const bool isStopped = step && tool->isStopped();
-        if (result != DoneWith::Cancel && !isStopped)
+    return Group{CustomTask<SignTaskAdapter>(onSetup)};
+}
+
+SignRun::SignRun(BuildStep *step, SignTool *tool, const Work &work)
+    : m_step(step)
+    , m_tool(tool)
+    , m_work(work)
+{
+    connect(step, &QObject::destroyed, this, [this] { m_stop.request_stop(); });
+}
+
+Group SignRun::innerRecipe()
+{
+    const auto onSetup = [this] { return m_work.doRun(*this); };
+    const auto onDone = [this](DoneWith with) {
+        if (with != DoneWith::Cancel && !m_stop.stop_requested())
             return DoneResult::Success;
-        if (step)
-            cancel();
+        giveUp();
         return DoneResult::Error;
     };
     return Group{onGroupSetup(onSetup), onGroupDone(onDone)};
 }
 
-SetupResult SignRun::carryOut(const Plan &plan) const
+void SignRun::exec()
+{
+    const std::shared_ptr<SignRun> self = shared_from_this();
+    DoneResult result = DoneResult::Error;
+    if (!m_stop.stop_requested()) {
+        // While this run waits for its tool, the next run of the same step may come and go.
+        const auto restoreToken =
+            qScopeGuard([tool = m_tool, outer = m_tool->setStopToken(m_stop.get_token())] {
+                if (tool)
+                    tool->setStopToken(outer);
+            });
+        TaskTree tree(innerRecipe());
+        connect(&tree, &TaskTree::done, this, [&result](DoneWith with) {
+            result = toDoneResult(with == DoneWith::Success);
+        });
+        tree.start();
+    }
+    emit done(result);
+}
+
+void SignRun::giveUp()
+{
+    if (m_stop.request_stop() && m_step)
+        m_work.doCancel();
+}
+
+/// The one place that asks, after a tool has run, whether anybody is still there to hear of it.
+std::optional<Command::Result> SignRun::ifWanted(const Command::Result &result) const
+{
+    return m_stop.stop_requested() || isIdeClosing() ? std::nullopt : std::optional(result);
+}
+
+SetupResult SignRun::sign(const Plan &plan)
 {
     emit m_step->addOutput(plan.startText, BuildStep::OutputFormat::NormalMessage);
 
     if (!plan.buildEngine)
         return fail(QObject::tr("Error: the kit has no build engine"));
-    const QString targetName = KilnSdkKitAspectFactory::buildTarget(m_step->target()->kit()).name;
-    if (targetName.isEmpty())
+    m_targetName = KilnSdkKitAspectFactory::buildTarget(m_step->target()->kit()).name;
+    if (m_targetName.isEmpty())
         return fail(QObject::tr("Error: the kit has no build target"));
     QString error;
     if (!(plan.data.*plan.isValid)(plan.buildEngine->sharedSrcPath(), &error))
         return fail(error);
 
-    const std::optional<QStringList> packages = plan.findPackages();
-    if (!packages)
+    if (!plan.packages)
         return fail(plan.noBuildStepText.arg(KilnKb2RpmBuildStep::displayName()));
-    if (packages->isEmpty())
+    if (plan.packages->isEmpty())
         return fail(plan.noPackagesText);
 
-    const QPointer<BuildStep> step(m_step);
-    const SignProgress progress(m_tool, *packages);
-    if (!runSign(targetName, *packages, plan.data) || !step)
+    const auto result = ifWanted(m_tool->addSignature(m_targetName, *plan.packages, plan.data));
+    if (!result)
         return SetupResult::StopWithError;
-    emit step->addOutput(plan.successText, BuildStep::OutputFormat::NormalMessage);
-    if (plan.report)
-        plan.report(targetName, *packages);
+    if (!result->succeeded())
+        return failAfter(*result);
+    emit m_step->addOutput(plan.successText, BuildStep::OutputFormat::NormalMessage);
     return SetupResult::Continue;
+}
+
+std::optional<Command::Result> SignRun::dump(const QStringList &packages)
+{
+    return ifWanted(m_tool->dumpSignature(m_targetName, packages));
 }
 
 /// Says in the step's output and among the issues why nothing was signed; \a details are for the
@@ -97,26 +158,14 @@ SetupResult SignRun::fail(const QString &reason, const QString &details) const
     return SetupResult::StopWithError;
 }
 
-bool SignRun::runSign(const QString &targetName,
-                      const QStringList &packages,
-                      const SignData &data) const
-{
-    const QPointer<BuildStep> step(m_step);
-    const Command::Result result = m_tool->addSignature(targetName, packages, data);
-    if (step && !result.succeeded() && !m_tool->isStopped())
-        reportFailedRun(result);
-    return result.succeeded();
-}
-
 /// Of a tool that has failed, perhaps without a word, or that the user has cancelled at a prompt.
-void SignRun::reportFailedRun(const Command::Result &result) const
+SetupResult SignRun::failAfter(const Command::Result &result) const
 {
     const QString why = whyFailed(result);
-    if (result.cancelled)
-        Core::MessageManager::writeSilently(QStringLiteral("[W]\t%1").arg(why));
-    fail(result.cancelled ? QObject::tr("Error: package sign cancelled")
-                          : QObject::tr("Error: package sign failed"),
-         why);
+    if (!result.cancelled)
+        return fail(QObject::tr("Error: package sign failed"), why);
+    logWarning(why);
+    return fail(QObject::tr("Error: package sign cancelled"), why);
 }
 
 } // namespace Sealkit::Internal

@@ -5,8 +5,13 @@
 
 #include <solutions/tasking/tasktree.h>
 
+#include <QObject>
+#include <QPointer>
+
 #include <functional>
+#include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace Brisk {
 class BuildEngine;
@@ -20,13 +25,28 @@ namespace Sealkit::Internal {
 
 class SignTool;
 
-/// How a sign step runs: what it checks before it signs packages, and what the user sees and reads
-/// meanwhile. A step owns its run beside its back end, and says in a Plan what it signs. The step,
-/// and the run with it, can be gone whenever a tool has run.
-class SignRun
+/// Shows what \a tool prints in the output of \a step, line by line.
+void forwardOutput(const SignTool *tool, ProjectExplorer::BuildStep *step);
+
+/// One run of a sign step. A tool keeps the event loop turning, and the IDE may meanwhile delete
+/// its task tree, the step and the step's tool. So a run does not stand in a handler of that tree:
+/// the tree has one task that waits, and the run is called from the event loop and owns itself
+/// until it returns. When the task is deleted before the run has ended, the run is given up.
+class SignRun : public QObject, public std::enable_shared_from_this<SignRun>
 {
+    Q_OBJECT
+
 public:
-    /// What one step does in its run; the texts are in the step's own words and language context.
+    /// What a step does in its runs. Called only while the step exists and the run is wanted.
+    struct Work
+    {
+        /// Does it all, and returns Continue when it is done.
+        std::function<Tasking::SetupResult(SignRun &run)> doRun;
+        /// Says that the run was stopped.
+        std::function<void()> doCancel;
+    };
+
+    /// What is to be signed; the texts are in the step's own words and language context.
     struct Plan
     {
         QString startText;
@@ -36,34 +56,42 @@ public:
         const Brisk::BuildEngine *buildEngine; ///< of the step's kit; null when it is gone
         SignData data;
         bool (SignData::*isValid)(const Utils::FilePath &workspace, QString *error) const;
-        std::function<std::optional<QStringList>()> findPackages; ///< none: no RPM build step
-        /// Called after the packages have been signed.
-        std::function<void(const QString &targetName, const QStringList &packages)> report =
-            nullptr;
+        std::optional<QStringList> packages; ///< none: no RPM build step
     };
 
-    SignRun(ProjectExplorer::BuildStep *step, SignTool *tool);
+    /// The recipe of \a step for the IDE: a task that makes a run and waits for its end. It fails
+    /// only when the run was stopped: any other failure has been told by the step.
+    static Tasking::Group
+    recipe(ProjectExplorer::BuildStep *step, SignTool *tool, const Work &work);
 
-    /// Shows what the tool prints in the output of the step, line by line.
-    void forwardOutput() const;
+    SignRun(ProjectExplorer::BuildStep *step, SignTool *tool, const Work &work);
 
-    /// The recipe of the step: \a run does all the work when the group is set up. \a cancel is
-    /// called after a run that was cancelled, or whose tool was stopped by the user. Only such a
-    /// run ends as failed: any other failure has been told by the step.
-    Tasking::Group recipe(const std::function<Tasking::SetupResult()> &run,
-                          const std::function<void()> &cancel) const;
+    /// Runs to the end. Not to be called from a handler of the IDE.
+    void exec();
+    /// Kills the tool, closes its prompt and says that the run was stopped; once.
+    void giveUp();
 
-    /// Carries out \a plan in the target of the step's kit.
-    Tasking::SetupResult carryOut(const Plan &plan) const;
+    /// For doRun(): carries out \a plan in the target of the step's kit. Continue means that the
+    /// packages are signed and the step still exists.
+    Tasking::SetupResult sign(const Plan &plan);
+    /// For doRun(), after sign(): what the tool dumps of \a packages. Nothing when the run was
+    /// given up meanwhile; the step may be gone then.
+    std::optional<Command::Result> dump(const QStringList &packages);
+
+signals:
+    void done(Tasking::DoneResult result);
 
 private:
+    Tasking::Group innerRecipe();
+    std::optional<Command::Result> ifWanted(const Command::Result &result) const;
     Tasking::SetupResult fail(const QString &reason, const QString &details = {}) const;
-    bool
-    runSign(const QString &targetName, const QStringList &packages, const SignData &data) const;
-    void reportFailedRun(const Command::Result &result) const;
+    Tasking::SetupResult failAfter(const Command::Result &result) const;
 
-    ProjectExplorer::BuildStep *const m_step;
-    SignTool *const m_tool;
+    const QPointer<ProjectExplorer::BuildStep> m_step;
+    const QPointer<SignTool> m_tool;
+    const Work m_work;
+    std::stop_source m_stop;
+    QString m_targetName;
 };
 
 } // namespace Sealkit::Internal

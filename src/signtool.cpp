@@ -1,8 +1,7 @@
 #include "signtool.h"
 
 #include "passworddialog.h"
-
-#include <coreplugin/messagemanager.h>
+#include "runlog.h"
 
 #include <QPointer>
 
@@ -16,15 +15,11 @@ SignTool::SignTool(QObject *parent)
     , m_handler([self = QPointer<SignTool>(this)](const QByteArray &stdOutChunk,
                                                   const QByteArray &stdErrChunk,
                                                   QByteArray &input) {
-        return self && !self->m_isStopped && self->handleIO(stdOutChunk, stdErrChunk, input);
+        return self && self->handleIO(stdOutChunk, stdErrChunk, input);
     })
 {
-    connect(this, &SignTool::addOutput, this, [](const QString &line) {
-        Core::MessageManager::writeSilently(QLatin1String("[I]\t") + line);
-    });
-    connect(this, &SignTool::addError, this, [](const QString &line) {
-        Core::MessageManager::writeDisrupting(QLatin1String("[E]\t") + line);
-    });
+    connect(this, &SignTool::addOutput, this, logOutput);
+    connect(this, &SignTool::addError, this, logError);
 }
 
 bool SignTool::handleIO(const QByteArray &stdOutChunk,
@@ -45,7 +40,7 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
     for (const QString &line : lines) {
         if (isPasswordReq(line)) {
             bool ok = false;
-            const QString password = PasswordDialog::getPassord(line, &ok);
+            const QString password = PasswordDialog::getPassord(line, &ok, m_stopToken);
             if (!self || !ok || password.isEmpty())
                 return false;
             input += password.toUtf8() + '\n';

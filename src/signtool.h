@@ -4,6 +4,9 @@
 
 #include <QObject>
 
+#include <stop_token>
+#include <utility>
+
 namespace Sealkit::Internal {
 
 struct KeyGenerationData;
@@ -32,22 +35,35 @@ public:
     /// prompt, or when somebody deleted this object meanwhile.
     bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
 
-    /// While stopped is set, each program of this object is killed, also the one that runs now.
-    void setStopped(bool stopped) { m_isStopped = stopped; }
-    bool isStopped() const { return m_isStopped; }
+    /// When \a stop is requested, the program and the prompt of each operation that begins from now
+    /// on are ended at once. Returns what held before.
+    std::stop_token setStopToken(const std::stop_token &stop)
+    {
+        return std::exchange(m_stopToken, stop);
+    }
 
 signals:
     void addOutput(const QString &output);
     void addError(const QString &error);
 
 protected:
+    Command::Result run(const QStringList &commandLine) const
+    {
+        return Command::exec(m_handler, commandLine, m_stopToken);
+    }
+    template<typename Tag, typename... Args>
+    Command::Result run(const Args &...args) const
+    {
+        return run(Command::compose<Tag>(args...));
+    }
+
     /// A copy of it can be called when this object is gone; it then kills the program.
     Command::Handler m_handler;
 
 private:
     bool handleIOInternal(const QByteArray &chunk, bool isError, QByteArray &input);
 
-    bool m_isStopped = false;
+    std::stop_token m_stopToken;
 };
 
 /// Whether a tool asks for a pass phrase with this line.

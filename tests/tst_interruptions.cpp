@@ -1,5 +1,6 @@
 #include "dialogdriver.h"
 #include "files.h"
+#include "ide/interruptions.h"
 #include "messages.h"
 #include "ownprogram.h"
 #include "passworddialog.h"
@@ -19,6 +20,7 @@
 #include <coreplugin/icore.h>
 #include <host/application.h>
 #include <host/buildmanager.h>
+#include <host/generalmessages.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/kit.h>
 #include <projectexplorer/project.h>
@@ -46,6 +48,8 @@ private slots:
     void init();
     void cleanup();
 
+    void stopADeploy_data();
+    void stopADeploy();
     void duringADeploy_data();
     void duringADeploy();
     void duringTheDialog_data();
@@ -64,10 +68,11 @@ private:
 
     void release();
     void hold(const QString &program, const QString &moment);
+    void when(const std::function<bool()> &isTime, const std::function<void()> &act);
     void meanwhile(const QString &action, bool releaseAfterwards);
     void act(const QString &action);
 
-    void clickInIde(const std::function<void()> &action);
+    void stop(QAction *action, const QString &way);
     BuildStepList *prepareDeploy(const QString &target);
     bool isOver() const { return !dialog || m_hasQuit; }
     void signInDialog(const QString &package);
@@ -75,7 +80,7 @@ private:
     Workplace m_workplace;
     const TemporarySdk &m_sdk = m_workplace.sdk();
     std::unique_ptr<QMainWindow> m_ide;
-    QPushButton *m_button = nullptr;
+    QMenu *m_menu = nullptr;
     std::unique_ptr<SealkitPlugin> m_plugin;
     BuildStepList *m_steps = nullptr;
     QString m_package;
@@ -92,9 +97,12 @@ void InterruptionsTest::init()
     QString error;
     QVERIFY(Brisk::openInstallation(Utils::FilePath::fromString(m_sdk.path()), &error));
     m_ide = std::make_unique<QMainWindow>();
-    m_button = new QPushButton;
-    m_ide->setCentralWidget(m_button);
+    m_menu = m_ide->menuBar()->addMenu("Build");
+    m_menu->addAction("cancel", QKeySequence("Alt+Backspace"), [] { BuildManager::cancel(); });
+    m_menu->addAction(
+        "close the project", QKeySequence("Ctrl+W"), [this] { m_workplace.closeProjects(); });
     m_ide->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_ide.get()));
     Core::Host::setMainWindow(m_ide.get());
     m_plugin = std::make_unique<SealkitPlugin>();
     QVERIFY(m_plugin->initialize({}, &error));
@@ -129,19 +137,17 @@ void InterruptionsTest::hold(const QString &program, const QString &moment)
         m_held = std::make_unique<HeldProgram>(program, moment.toUtf8());
 }
 
-/// Acts once, from the event loop, as soon as a program is held or a prompt is up.
-void InterruptionsTest::meanwhile(const QString &action, bool releaseAfterwards)
+/// Acts once, from the event loop, as soon as it is time, and fails if the run does not end then.
+void InterruptionsTest::when(const std::function<bool()> &isTime, const std::function<void()> &act)
 {
     m_moment = std::make_unique<QTimer>();
     QTimer *timer = m_moment.get();
-    connect(timer, &QTimer::timeout, this, [this, timer, action, releaseAfterwards] {
-        if (m_held ? !m_held->isWaiting() : !isPrompted())
+    connect(timer, &QTimer::timeout, this, [this, timer, isTime, act] {
+        if (!isTime())
             return;
         disconnect(timer, nullptr, this, nullptr);
-        act(action);
+        act();
         m_acted = true;
-        if (releaseAfterwards)
-            release();
         timer->callOnTimeout([this] {
             release();
             QFAIL("The run does not end");
@@ -151,19 +157,24 @@ void InterruptionsTest::meanwhile(const QString &action, bool releaseAfterwards)
     timer->start(10);
 }
 
-/// Clicks into the IDE's window, where the click leads to \a action.
-void InterruptionsTest::clickInIde(const std::function<void()> &action)
+/// As soon as a program is held or a prompt is up.
+void InterruptionsTest::meanwhile(const QString &action, bool releaseAfterwards)
 {
-    connect(m_button, &QPushButton::clicked, m_moment.get(), action);
-    QTest::mouseClick(m_ide->windowHandle(), Qt::LeftButton, {}, m_button->geometry().center());
+    when([this] { return m_held ? m_held->isWaiting() : isPrompted(); },
+         [this, action, releaseAfterwards] {
+             act(action);
+             if (releaseAfterwards)
+                 release();
+         });
 }
 
 void InterruptionsTest::act(const QString &action)
 {
-    if (action == "close the project") {
-        clickInIde([this] { m_workplace.closeProjects(); });
-    } else if (action == "cancel") {
-        clickInIde([] { BuildManager::cancel(); });
+    if (action == "cancel") {
+        BuildManager::cancel();
+    } else if (action == "cancel and deploy again") {
+        BuildManager::cancel();
+        QVERIFY(BuildManager::buildList(m_steps));
     } else if (action == "deploy again") {
         QVERIFY(!BuildManager::buildList(m_steps));
         QVERIFY(!m_steps->removeStep(1));
@@ -183,10 +194,14 @@ void InterruptionsTest::act(const QString &action)
         m_user = std::make_unique<PromptAnswers>(QStringList{"demo", "demo"});
         QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
         QVERIFY(BuildManager::buildList(prepareDeploy(CUSTOMER_TARGET)));
-        QVERIFY(finished.size() == 1 && finished.first().first().toBool());
+        QVERIFY(finished.wait(RUN_TIMEOUT) && finished.first().first().toBool());
     } else if (action == "quit") {
+        // In the order of the IDE.
         m_hasQuit = true;
+        BuildManager::cancel();
         emit Core::ICore::instance()->coreAboutToClose();
+        m_plugin.reset();
+        Core::Host::GeneralMessages::instance()->setOpen(false);
     }
 }
 
@@ -200,13 +215,6 @@ static void addRows(const QString &moments, const QString &actions)
             QTest::addRow("%s, %s", qPrintable(moment), qPrintable(action))
                 << moment.section(' ', 0, 0) << moment.section(' ', 1) << action;
     }
-}
-
-void InterruptionsTest::duringADeploy_data()
-{
-    addRows("rpmsign-external sign|rpmsign-external asks|rpmsign-external dump|"
-            "customer-sign --binaries-key|customer-sign asks",
-            "close the project|cancel|deploy again|change the kit|close the SDK|quit");
 }
 
 BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
@@ -227,6 +235,69 @@ BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
     return m_steps;
 }
 
+void InterruptionsTest::stopADeploy_data()
+{
+    addInterruptions();
+}
+
+void InterruptionsTest::stop(QAction *action, const QString &way)
+{
+    if (way == "by shortcut") {
+        QTest::keySequence(m_ide.get(), action->shortcut());
+    } else if (way == "from an open menu") {
+        m_menu->setActiveAction(action);
+        QTest::keyClick(m_menu, Qt::Key_Return);
+    } else {
+        action->trigger();
+    }
+}
+
+void InterruptionsTest::stopADeploy()
+{
+    QFETCH(QString, event);
+    QFETCH(QString, moment);
+    QFETCH(QString, way);
+    prepareDeploy(RPMSIGN_TARGET);
+    const bool asks = moment == "at the prompt";
+    hold(m_sdk.tool("rpmsign-external"), asks ? "asks" : "sign");
+    QString output;
+    const auto isTime = [&] {
+        return moment == "while the tool starts" ? output.contains("Signing RPM package...")
+               : asks                            ? isPrompted()
+                                                 : m_held->isWaiting();
+    };
+    const auto stopNow = [&] { stop(m_menu->actions().at(event == "cancel" ? 0 : 1), way); };
+    when(isTime, stopNow);
+    connect(BuildManager::instance(),
+            &BuildManager::outputAdded,
+            m_moment.get(),
+            [&output](const QString &text) { output += text; });
+    QSignalSpy finished(BuildManager::instance(), &BuildManager::buildQueueFinished);
+    if (way == "from an open menu")
+        m_menu->popup({});
+    QVERIFY(BuildManager::buildList(m_steps));
+    if (moment == "at once")
+        stopNow();
+    QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), RUN_TIMEOUT);
+
+    QVERIFY(m_acted != (moment == "at once"));
+    QCOMPARE(ProjectManager::projects().isEmpty(), event == "close the project");
+    // It does not wait until the tool says something.
+    QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_sdk.path()), QStringList(), RUN_TIMEOUT);
+    QVERIFY(!isPrompted());
+    QVERIFY(!finished.first().first().toBool());
+    QCOMPARE(output.count("Package sign stopped by user"), 1);
+    QVERIFY(!output.contains("Error: ") && !output.contains("successfully"));
+    QVERIFY(!QFile::exists(m_package + ".1.p7s"));
+}
+
+void InterruptionsTest::duringADeploy_data()
+{
+    addRows("rpmsign-external sign|rpmsign-external asks|rpmsign-external dump|"
+            "customer-sign --binaries-key|customer-sign asks",
+            "cancel|cancel and deploy again|deploy again|change the kit|close the SDK|quit");
+}
+
 void InterruptionsTest::duringADeploy()
 {
     QFETCH(QString, program);
@@ -240,7 +311,8 @@ void InterruptionsTest::duringADeploy()
     hold(m_sdk.tool(program, target), moment);
     if (moment == "dump") // which comes after the prompt
         m_user = std::make_unique<PromptAnswers>(QStringList{"demo"});
-    meanwhile(action, action != "quit");
+    const bool isStopped = action == "cancel" || action == "quit";
+    meanwhile(action, !isStopped);
 
     QString output;
     connect(BuildManager::instance(),
@@ -254,18 +326,17 @@ void InterruptionsTest::duringADeploy()
         KilnSdkKitAspectFactory::setBuildTarget(kit, Brisk::Sdk::buildEngines().first(), target);
 
     QVERIFY(m_acted);
-    // Held back while a tool runs, a click acts afterwards; below a prompt nobody can click.
-    if (action == "close the project")
-        QTRY_COMPARE_WITH_TIMEOUT(
-            ProjectManager::projects().isEmpty(), moment != "asks", RUN_TIMEOUT);
-    QVERIFY(!isPrompted());
     QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_sdk.path()), QStringList(), RUN_TIMEOUT);
-    const bool isSigned = action != "quit" || moment == "dump"; // which comes after the signing
-    QCOMPARE(finished.size(), 1);
-    QVERIFY(finished.first().first().toBool() || !isSigned);
-    QCOMPARE(QFile::exists(m_package + ".1.p7s"), isSigned);
-    QCOMPARE(output.count("Package sign completed successfully."), int(isSigned));
-    QCOMPARE(output.count("Error: "), int(!isSigned));
+    QVERIFY(!isPrompted());
+    const bool isAgain = action == "cancel and deploy again";
+    QCOMPARE(finished.size(), isAgain ? 2 : 1);
+    QCOMPARE(finished.last().first().toBool(), !isStopped);
+    QCOMPARE(QFile::exists(m_package + ".1.p7s"), !isStopped || moment == "dump");
+    const bool isSignedFirst = moment == "dump"; // which comes after the signing
+    QCOMPARE(output.count("Package sign completed successfully."),
+             int(!isStopped) + int(isSignedFirst && (isStopped || isAgain)));
+    QCOMPARE(output.count("Package sign stopped by user"), int(isStopped || isAgain));
+    QCOMPARE(output.count("Error: "), 0);
 }
 
 void InterruptionsTest::duringTheDialog_data()

@@ -185,6 +185,7 @@ QString SecretsTest::deploy(const QString &target)
                            {"Sealkit.PackagesClientCert", ""}});
     BuildManager::buildList(steps);
     QString error;
+    [&] { QTRY_VERIFY_WITH_TIMEOUT(!BuildManager::isBuilding(), RUN_TIMEOUT); }();
     [&] { QVERIFY(static_cast<Host::UserProject *>(project)->saveSettings(&error)); }();
     return package + ".1.p7s";
 }

@@ -509,17 +509,6 @@
     </message>
 </context>
 <context>
-    <name>Sealkit::Internal::SignProgress</name>
-    <message>
-        <source>Signing packages:</source>
-        <translation>Pakete werden signiert:</translation>
-    </message>
-    <message>
-        <source>Signing RPM Packages</source>
-        <translation>RPM-Pakete signieren</translation>
-    </message>
-</context>
-<context>
     <name>SignDialog</name>
     <message>
         <source>Sign Packages</source>

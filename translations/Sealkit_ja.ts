@@ -509,17 +509,6 @@
     </message>
 </context>
 <context>
-    <name>Sealkit::Internal::SignProgress</name>
-    <message>
-        <source>Signing packages:</source>
-        <translation>パッケージに署名しています:</translation>
-    </message>
-    <message>
-        <source>Signing RPM Packages</source>
-        <translation>RPM パッケージの署名</translation>
-    </message>
-</context>
-<context>
     <name>SignDialog</name>
     <message>
         <source>Sign Packages</source>
