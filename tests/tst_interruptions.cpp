@@ -237,7 +237,7 @@ BuildStepList *InterruptionsTest::prepareDeploy(const QString &target)
 
 void InterruptionsTest::stopADeploy_data()
 {
-    addInterruptions();
+    addInterruptions({"cancel", "close the project"});
 }
 
 void InterruptionsTest::stop(QAction *action, const QString &way)

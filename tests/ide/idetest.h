@@ -4,7 +4,11 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 
+class QAction;
+class QMenu;
+class QTimer;
 class QWidget;
 
 namespace ProjectExplorer {
@@ -30,13 +34,23 @@ private slots:
     void optionsAreApplied();
     void failedToolIsAnIssue();
     void deployAsksForPassPhrase();
+    void customerSignDeploys();
+    void cmakeProjectDeploys();
+    void lastEnabledSignStepReports();
+    void deploySurvivesChanges();
+    void dialogMakesKeyAndRequest();
 
     void stepIsRestored();
     void textsAreGerman();
+    void textsAreJapanese();
 
-    void deployIsCanceled();
-    void projectIsClosed();
+    void editorTakesLettersDuringADeploy();
+    void deploySignsAfterACancelledOne();
+    void deployIsStopped_data();
+    void deployIsStopped();
+    void ideIsClosed_data();
     void ideIsClosed();
+    void ideIsClosedWhileTheDialogSigns();
 
     void picturesAreTaken();
 
@@ -49,10 +63,15 @@ private:
     void inOptions(const std::function<void(QWidget *dialog)> &act) const;
     void setToolBehaviour(const QString &behaviour) const;
     bool toolIsBusy() const;
-    void interruptDeploys(const QString &keys,
-                          const std::function<bool()> &isOver,
-                          const std::function<void()> &check);
+    void releaseTool() const;
+    QStringList leftProcesses() const;
+    void verifyPackages(const QString &folder, const QString &verifyCommand, int count) const;
+    void textsAre(const QString &menuEntry);
+    void stopWhenItIsTime(QAction *action, const std::function<void()> &directly);
 
     const QString m_sdk = qEnvironmentVariable("VEYRAOS_SDK");
     QStringList m_output;
+    std::shared_ptr<QMenu> m_menu; ///< open while somebody is about to choose from it
+    std::shared_ptr<QTimer> m_moment;
+    bool m_hasStopped = false;
 };

@@ -27,7 +27,7 @@ void IdeTestPlugin::runWhenProjectIsOpen()
 
     IdeTest test;
     QStringList arguments{"SealkitIdeTest", "-o", qEnvironmentVariable("SEALKIT_IDE_LOG") + ",tap"};
-    arguments += qEnvironmentVariable("SEALKIT_IDE_TEST").split(' ');
+    arguments += qEnvironmentVariable("SEALKIT_IDE_TEST").split(',');
     QTest::qExec(&test, arguments);
     Core::ICore::exit();
 }

@@ -15,6 +15,11 @@ void pressKeys(const QString &keys)
     runTool({"key", keys});
 }
 
+void typeText(const QString &text)
+{
+    runTool({"type", "--delay", "30", text});
+}
+
 void typeLine(const QString &text)
 {
     runTool({"type", "--args", "1", text, "key", "Return"});

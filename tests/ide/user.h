@@ -9,6 +9,7 @@ class QWidget;
 
 /// Presses keys as a person does, through the window system, e.g. "alt+BackSpace".
 void pressKeys(const QString &keys);
+void typeText(const QString &text);
 void typeLine(const QString &text);
 /// Clicks into the middle of it, through the window system.
 void clickOn(const QWidget *widget);
