@@ -3,17 +3,11 @@
 #include <QJsonObject>
 #include <QList>
 #include <QPluginLoader>
-#include <QString>
+#include <QStringList>
 
 namespace ExtensionSystem {
 
 class IPlugin;
-
-struct PluginDependency
-{
-    QString id;
-    QString version;
-};
 
 /// What is known of one plugin: its metadata, how far it got, and what went wrong. One with an
 /// error keeps the state that it had reached.
@@ -29,21 +23,13 @@ public:
     QString id() const { return m_id; }
     QString name() const { return m_name; }
     QString version() const { return m_version; }
-    QString description() const { return m_description; }
-    QList<PluginDependency> dependencies() const { return m_dependencies; }
     State state() const { return m_state; }
     bool hasError() const { return !m_errorString.isEmpty(); }
     QString errorString() const { return m_errorString; }
-    IPlugin *plugin() const { return m_plugin; }
-
-    /// Whether this plugin serves plugins that were made for \a version of plugin \a id.
-    bool provides(const QString &id, const QString &version) const;
 
     /// Finds the plugins depended on among \a specs.
     bool resolveDependencies(const QList<PluginSpec *> &specs);
     QList<PluginSpec *> dependencySpecs() const { return m_dependencySpecs; }
-    /// Marks the plugin as failed for a reason that shows only among its fellows. Returns false.
-    bool fail(const QString &reason);
 
     bool load();
     bool initialize(const QStringList &arguments);
@@ -52,15 +38,14 @@ public:
     void kill();
 
 private:
-    bool readMetaData(const QJsonObject &pluginMetaData);
+    void readMetaData(const QJsonObject &pluginMetaData);
+    bool fail(const QString &reason);
     bool checkDependencies();
 
     QString m_id;
     QString m_name;
     QString m_version;
-    QString m_compatVersion;
-    QString m_description;
-    QList<PluginDependency> m_dependencies;
+    QStringList m_dependencies;
     QList<PluginSpec *> m_dependencySpecs;
     QString m_errorString;
     State m_state = Invalid;

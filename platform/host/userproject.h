@@ -14,7 +14,7 @@ public:
     explicit UserProject(const Utils::FilePath &projectFilePath);
 
     /// Reads the user's settings; without a file there are simply none. False, with the reason,
-    /// when there is one that cannot be understood; it is then kept aside and not overwritten.
+    /// when there is one that cannot be understood; it is then not overwritten.
     /// What is there for kits that are unknown now is kept for the next saving, also that one of
     /// them is the active one, until another target is chosen by setActiveTarget().
     bool restoreSettings(QString *errorMessage);

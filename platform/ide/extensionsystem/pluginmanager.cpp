@@ -34,10 +34,6 @@ void PluginManager::Private::readPlugin(const QString &filePath)
     if (spec->state() == PluginSpec::Invalid && !spec->hasError())
         return; // a library, but no plugin of ours
 
-    const bool known = std::ranges::any_of(
-        specs, [&](const PluginSpec *other) { return other->id() == spec->id(); });
-    if (known && !spec->hasError())
-        spec->fail(PluginManager::tr("The plugin \"%1\" is installed twice.").arg(spec->id()));
     specs.append(spec.get());
     ownedSpecs.push_back(std::move(spec));
 }
@@ -50,33 +46,6 @@ void PluginManager::Private::enqueueWithDependencies(PluginSpec *spec)
     for (PluginSpec *dependency : dependencies)
         enqueueWithDependencies(dependency);
     loadQueue.append(spec);
-}
-
-/// The ids of the plugins on the way \a from one \a to the other; empty when there is no way.
-static QStringList
-dependencyPath(const PluginSpec *from, const PluginSpec *to, QList<const PluginSpec *> *visited)
-{
-    const QList<PluginSpec *> dependencies = from->dependencySpecs();
-    for (const PluginSpec *dependency : dependencies) {
-        if (dependency == to)
-            return {to->id()};
-        if (visited->contains(dependency))
-            continue;
-        visited->append(dependency);
-        const QStringList rest = dependencyPath(dependency, to, visited);
-        if (!rest.isEmpty())
-            return QStringList{dependency->id()} + rest;
-    }
-    return {};
-}
-
-static void failIfCircular(PluginSpec *spec)
-{
-    QList<const PluginSpec *> visited;
-    const QStringList loop = dependencyPath(spec, spec, &visited);
-    if (!loop.isEmpty())
-        spec->fail(PluginManager::tr("It depends on itself: %1.")
-                       .arg((QStringList{spec->id()} + loop).join(QLatin1String(" -> "))));
 }
 
 PluginManager::PluginManager()
@@ -129,8 +98,6 @@ void PluginManager::loadPlugins(const QStringList &arguments)
     Private *d = theInstance->d.get();
     for (PluginSpec *spec : std::as_const(d->specs))
         spec->resolveDependencies(d->specs);
-    for (PluginSpec *spec : std::as_const(d->specs))
-        failIfCircular(spec);
     for (PluginSpec *spec : std::as_const(d->specs))
         d->enqueueWithDependencies(spec);
 

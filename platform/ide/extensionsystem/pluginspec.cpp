@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QJsonArray>
-#include <QVersionNumber>
 
 #include <algorithm>
 
@@ -15,27 +14,6 @@ static QString tr(const char *text)
     return QCoreApplication::translate("QtC::ExtensionSystem", text);
 }
 
-// "16.0.0_1": the number after the underscore counts like one after another dot.
-static QVersionNumber parsedVersion(QString version)
-{
-    return QVersionNumber::fromString(version.replace('_', '.')).normalized();
-}
-
-static QString joinedText(const QJsonValue &textOrLines)
-{
-    if (!textOrLines.isArray())
-        return textOrLines.toString();
-    return textOrLines.toVariant().toStringList().join('\n');
-}
-
-static QList<PluginDependency> readDependencies(const QJsonArray &array)
-{
-    QList<PluginDependency> dependencies;
-    for (const QJsonValue &value : array)
-        dependencies.append({value["Id"].toString(), value["Version"].toString()});
-    return dependencies;
-}
-
 PluginSpec::PluginSpec(const QString &filePath)
     : m_loader(filePath)
 {
@@ -44,48 +22,27 @@ PluginSpec::PluginSpec(const QString &filePath)
         readMetaData(metaData["MetaData"].toObject());
 }
 
-bool PluginSpec::readMetaData(const QJsonObject &pluginMetaData)
+void PluginSpec::readMetaData(const QJsonObject &pluginMetaData)
 {
     m_id = pluginMetaData["Id"].toString();
     m_name = pluginMetaData["Name"].toString(m_id);
     m_version = pluginMetaData["Version"].toString();
-    m_compatVersion = pluginMetaData["CompatVersion"].toString(m_version);
-    m_description = joinedText(pluginMetaData["Description"]);
-    m_dependencies = readDependencies(pluginMetaData["Dependencies"].toArray());
-
-    if (m_id.isEmpty())
-        return fail(tr("The metadata of \"%1\" names no id.").arg(m_loader.fileName()));
-    if (m_version.isEmpty())
-        return fail(tr("The metadata of \"%1\" names no version.").arg(m_loader.fileName()));
+    for (const QJsonValue &dependency : pluginMetaData["Dependencies"].toArray())
+        m_dependencies << dependency["Id"].toString();
     m_state = Read;
-    return true;
-}
-
-bool PluginSpec::provides(const QString &id, const QString &version) const
-{
-    const QVersionNumber wanted = parsedVersion(version);
-    return m_id == id && parsedVersion(m_compatVersion) <= wanted
-           && wanted <= parsedVersion(m_version);
 }
 
 bool PluginSpec::resolveDependencies(const QList<PluginSpec *> &specs)
 {
     if (hasError())
         return false;
-    for (const PluginDependency &dependency : std::as_const(m_dependencies)) {
+    for (const QString &dependency : std::as_const(m_dependencies)) {
         const auto found = std::find_if(specs.begin(), specs.end(), [&](const PluginSpec *spec) {
-            return spec->id() == dependency.id;
+            return spec->id() == dependency;
         });
         if (found == specs.end())
-            return fail(tr("It depends on the plugin \"%1\" (%2), which is not installed.")
-                            .arg(dependency.id, dependency.version));
-        if (!(*found)->provides(dependency.id, dependency.version))
-            return fail(tr("It depends on version %2 of the plugin \"%1\", but %3 is installed, "
-                           "which is compatible back to %4.")
-                            .arg(dependency.id,
-                                 dependency.version,
-                                 (*found)->m_version,
-                                 (*found)->m_compatVersion));
+            return fail(tr("It depends on the plugin \"%1\", which is not installed.")
+                            .arg(dependency));
         m_dependencySpecs.append(*found);
     }
     m_state = Resolved;

@@ -28,14 +28,6 @@ static std::optional<QVariantMap> parse(const QByteArray &contents, QString *err
     return settings;
 }
 
-static QString moveAside(const QString &path)
-{
-    QString backup = path + QLatin1String(".bak");
-    for (int number = 2; QFile::exists(backup); ++number)
-        backup = path + QLatin1String(".bak") + QString::number(number);
-    return QFile::rename(path, backup) ? backup : QString();
-}
-
 std::optional<QVariantMap> UserSettings::read(const Utils::FilePath &filePath,
                                               QString *errorMessage)
 {
@@ -52,12 +44,8 @@ std::optional<QVariantMap> UserSettings::read(const Utils::FilePath &filePath,
     const std::optional<QVariantMap> settings = parse(file.readAll(), &reason);
     if (settings)
         return settings;
-    file.close();
     *errorMessage = Tr::tr("Cannot understand the project's settings \"%1\": %2.")
                         .arg(filePath.toUserOutput(), reason);
-    const QString backup = moveAside(file.fileName());
-    if (!backup.isEmpty())
-        errorMessage->append(QLatin1Char(' ') + Tr::tr("They are kept as \"%1\".").arg(backup));
     return {};
 }
 

@@ -13,8 +13,7 @@ namespace ProjectExplorer {
 class UserSettings
 {
 public:
-    /// Empty without a file. Null, with the reason, when the file cannot be understood; it has been
-    /// renamed then, unless it is still there.
+    /// Empty without a file. Null, with the reason, when the file cannot be understood.
     static std::optional<QVariantMap> read(const Utils::FilePath &file, QString *errorMessage);
     /// All or nothing; false with the reason.
     static bool

@@ -6,27 +6,19 @@
 
 namespace Utils::FileUtils {
 
-/// Copies one file; false stops the whole copy.
+/// Copies one file; false when it cannot be copied.
 using CopyHelper =
     std::function<bool(const FilePath &source, const FilePath &destination, QString *error)>;
 
-/// A copy helper that asks before it overwrites a file.
+/// The IDE's asks before it overwrites a file. This one never does: who calls it has seen to that,
+/// and a file that is there is a failure.
 class CopyAskingForOverwrite
 {
 public:
-    explicit CopyAskingForOverwrite(const std::function<void(FilePath)> &postOperation = {});
-    /// A helper bound to this object, which must outlive it.
     CopyHelper operator()();
-
-private:
-    enum class Answer { AskEachTime, AllYes, AllNo };
-
-    bool copyFile(const FilePath &source, const FilePath &destination, QString *error);
-    std::function<void(FilePath)> m_postOperation;
-    Answer m_answer = Answer::AskEachTime;
 };
 
-/// Copies a file, or a folder with all it holds; missing parent folders are made.
+/// Copies a file, or, in the IDE alone, a folder; missing parent folders are made.
 /// On failure \a error says what could not be copied.
 bool copyRecursively(const FilePath &source,
                      const FilePath &destination,
