@@ -73,11 +73,11 @@ private:
         writeScript(m_sdk.tool("rpmsign-external"), {});
         writeFile(m_sdk.tool("rpmsign-external"), contents);
     }
-    void open(MainWindow *window, const QStringList &projects) const
+    void open(MainWindow *window, const QString &project) const
     {
         CommandLine line;
         line.sdk = m_sdk.path();
-        line.projects = projects;
+        line.project = project;
         window->open(line);
     }
     void start(QProcess &workbench, const QStringList &arguments) const
@@ -142,7 +142,7 @@ void WorkbenchTest::deploys_data()
     addRow("target without tools", "--target " + BARE_TARGET, nothing, 1, noSignStep, 0);
     addRow("customer-sign is off", "--target " + CUSTOMER_TARGET, nothing, 1, noSignStep, 0);
     addRow("help", "--help", nothing, 0, "Usage: ", 0);
-    addRow("another project, too", "other", nothing, 2, "exactly one", 0);
+    addRow("another project, too", "other", nothing, 2, "only one project", 0);
     addRow("empty pass phrase", typed, phrase({}), 2, m_sdk.path() + "/phrase", 0);
     addRow("unknown target", "--target Moon", nothing, 1, RPMSIGN_TARGET, 0);
     addRow("no SDK", "--sdk /nonexistent", nothing, 1, "/nonexistent", 0);
@@ -157,7 +157,7 @@ void WorkbenchTest::deploys()
     QFETCH(QString, message);
     QFETCH(int, signatureCount);
 
-    set("Workbench/Projects", QStringList{"/one"});
+    set("Workbench/Project", "/one");
     prepare();
     QProcess workbench;
     start(workbench, arguments.split(' ', Qt::SkipEmptyParts));
@@ -172,7 +172,7 @@ void WorkbenchTest::deploys()
     QCOMPARE(signatures().size(), signatureCount);
     QTRY_COMPARE(processesOf(m_sdk.path()), QStringList());
     // A deploy is no reason to remember another project.
-    QVERIFY(readFile(m_sdk.path() + "/settings/Sealkit/Workbench.conf").contains("=/one\n"));
+    QVERIFY(readFile(m_sdk.path() + "/settings/Sealkit/Workbench.conf").contains("Project=/one\n"));
 }
 
 void WorkbenchTest::interruptLeavesNothingBehind()
@@ -208,7 +208,7 @@ void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
     {
         Session session;
         MainWindow window(&session);
-        open(&window, {project()});
+        open(&window, project());
         for (QAction *action : window.findChildren<QAction *>()) {
             if (action->text() == "&Deploy")
                 action->trigger();
@@ -231,7 +231,7 @@ void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
     }
     Session session;
     MainWindow window(&session);
-    open(&window, {}); // the list of open projects is remembered
+    open(&window, {}); // the project is remembered
     const auto boxes = window.findChildren<QCheckBox *>("enabled");
     QCOMPARE(boxes.size(), 1);
     QCOMPARE(boxes.first()->text(), signStep);

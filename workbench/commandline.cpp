@@ -39,8 +39,6 @@ std::variant<CommandLine, EarlyExit> parseCommandLine(const QStringList &argumen
         "deploy",
         "Deploy PROJECT without a window; ends with 0 only when its packages were signed.",
         "PROJECT");
-    const QCommandLineOption pictures(
-        "pictures", "Take the user guide's pictures, with a demo SDK, into DIR.", "DIR");
     const QCommandLineOption sdk("sdk", "Use the SDK in DIR instead of the last one.", "DIR");
     const QCommandLineOption target("target", "Build for the target NAME.", "NAME");
     const QCommandLineOption passphraseFile(
@@ -53,9 +51,8 @@ std::variant<CommandLine, EarlyExit> parseCommandLine(const QStringList &argumen
     QCommandLineParser parser;
     parser.setApplicationDescription("Builds and signs packages with the Sealkit plugin.\n"
                                      "A PROJECT is a folder with rpm/*.spec, or the .spec itself.");
-    parser.addPositionalArgument("PROJECT", "Projects to open in the window.", "[PROJECT...]");
-    parser.addOptions(
-        {deploy, pictures, sdk, target, passphraseFile, settings, checkDisplay, help});
+    parser.addPositionalArgument("PROJECT", "The project to open in the window.", "[PROJECT]");
+    parser.addOptions({deploy, sdk, target, passphraseFile, settings, checkDisplay, help});
     if (!parser.parse(arguments))
         return usageError(parser.errorText());
     if (parser.isSet(help))
@@ -64,15 +61,13 @@ std::variant<CommandLine, EarlyExit> parseCommandLine(const QStringList &argumen
     CommandLine line;
     line.deploy = parser.isSet(deploy);
     line.checkDisplay = parser.isSet(checkDisplay);
-    line.projects = line.deploy ? QStringList(parser.value(deploy)) : parser.positionalArguments();
-    line.picturesFolder = parser.value(pictures);
+    const QStringList projects = parser.positionalArguments() + parser.values(deploy);
+    line.project = projects.value(0);
     line.sdk = parser.value(sdk);
     line.target = parser.value(target);
     line.settingsFolder = parser.value(settings);
-    if (line.deploy && !parser.positionalArguments().isEmpty())
-        return usageError("--deploy takes exactly one project");
-    if (parser.isSet(pictures) && (line.deploy || line.projects.size() != 1))
-        return usageError("--pictures takes exactly one project");
+    if (projects.size() > 1)
+        return usageError("only one project can be open");
     if (parser.isSet(passphraseFile)) {
         if (!line.deploy)
             return usageError("--passphrase-file needs --deploy: a window asks by itself");

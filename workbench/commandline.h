@@ -11,14 +11,12 @@ namespace Workbench {
 /// What the program was asked to do.
 struct CommandLine
 {
-    /// A deploy run without a window; there is exactly one project then.
+    /// A deploy run without a window; there is a project then.
     bool deploy = false;
     /// Only whether a window can be opened.
     bool checkDisplay = false;
-    /// Where to put the pictures of the user guide; empty: none are taken. There is exactly one
-    /// project then.
-    QString picturesFolder;
-    QStringList projects;
+    /// Empty means the one that was open last.
+    QString project;
     /// Folder of the SDK; empty means the one used last.
     QString sdk;
     /// Name of the target to build for; empty means the one the project used last.

@@ -97,7 +97,7 @@ bool HeadlessDeploy::open()
     }
     m_session.loadPlugins();
     const Project *project =
-        m_session.openProject(m_commandLine.projects.first(), m_commandLine.target, &error);
+        m_session.openProject(m_commandLine.project, m_commandLine.target, &error);
     if (!project) {
         printError(error);
         return false;

@@ -2,7 +2,6 @@
 #include "headlessdeploy.h"
 #include "interrupts.h"
 #include "mainwindow.h"
-#include "pictures.h"
 #include "session.h"
 
 #include <QApplication>
@@ -64,8 +63,7 @@ int main(int argc, char *argv[])
         return endEarly(*exit);
 
     const CommandLine &commandLine = *std::get_if<CommandLine>(&parsed);
-    if (commandLine.deploy || !commandLine.picturesFolder.isEmpty())
-        // Neither needs a display, and pictures shall not depend on one.
+    if (commandLine.deploy)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     else if (!hasDisplay())
         return endEarly({1, "workbench: There is no display for a window; see --deploy."});
@@ -79,7 +77,5 @@ int main(int argc, char *argv[])
         return 0;
     QApplication::setQuitOnLastWindowClosed(false);
     setUpApplication(commandLine.settingsFolder);
-    if (!commandLine.picturesFolder.isEmpty())
-        return Pictures(commandLine).run();
     return commandLine.deploy ? HeadlessDeploy(commandLine).run() : runWindow(commandLine);
 }

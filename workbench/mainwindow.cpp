@@ -1,6 +1,5 @@
 #include "mainwindow.h"
 
-#include "aboutplugins.h"
 #include "deploypage.h"
 #include "deployverdict.h"
 #include "generalpage.h"
@@ -163,9 +162,6 @@ void MainWindow::makeMenus()
     QMenu *tools = ActionManager::createMenu(Constants::M_TOOLS)->menu();
     tools->setTitle(tr("&Tools"));
     menuBar()->addMenu(tools);
-
-    QMenu *help = menuBar()->addMenu(tr("&Help"));
-    help->addAction(tr("About &Plugins..."), this, [this] { showAboutPlugins(this); });
 }
 
 void MainWindow::connectPlatform()
@@ -220,13 +216,10 @@ void MainWindow::open(const CommandLine &commandLine)
         m_sdkProblem->show();
     }
     m_session->loadPlugins();
-    const QStringList paths =
-        commandLine.projects.isEmpty() ? Session::rememberedProjects() : commandLine.projects;
-    for (const QString &path : paths) {
-        if (m_isClosing)
-            return; // closed from the message about another one
+    const QString path =
+        commandLine.project.isEmpty() ? Session::rememberedProject() : commandLine.project;
+    if (!path.isEmpty() && !m_isClosing)
         openProject(path, commandLine.target);
-    }
     m_hasOpened = true;
     refresh();
 }

@@ -24,7 +24,7 @@ using Utils::FilePath;
 namespace Workbench {
 
 constexpr char SDK_KEY[] = "Workbench/Sdk";
-constexpr char PROJECTS_KEY[] = "Workbench/Projects";
+constexpr char PROJECT_KEY[] = "Workbench/Project";
 // The IDE's, which the plugin reads, too.
 constexpr char LANGUAGE_KEY[] = "General/OverrideLanguage";
 
@@ -202,22 +202,22 @@ void Session::closeProject(Project *project)
     ProjectManager::removeProject(project);
 }
 
-QStringList Session::rememberedProjects()
+QString Session::rememberedProject()
 {
-    return QSettings().value(PROJECTS_KEY).toStringList();
+    return QSettings().value(PROJECT_KEY).toString();
 }
 
 void Session::save()
 {
-    QStringList open;
+    QString open;
     for (Project *project : ProjectManager::projects()) {
         saveProject(project);
-        open << project->projectFilePath().toFSPathString();
+        open = project->projectFilePath().toFSPathString();
     }
     QSettings settings;
     if (!m_sdk.isEmpty())
         settings.setValue(SDK_KEY, m_sdk);
-    settings.setValue(PROJECTS_KEY, open);
+    settings.setValue(PROJECT_KEY, open);
     settings.sync();
     if (settings.status() != QSettings::NoError)
         emit problemFound(tr("The settings cannot be written to \"%1\".").arg(settings.fileName()));

@@ -51,10 +51,9 @@ public:
     /// Saves the project and closes it.
     void closeProject(ProjectExplorer::Project *project);
 
-    /// The projects that were open at the last save().
-    static QStringList rememberedProjects();
-    /// Writes the open projects and all settings to the disk; the SDK and the list of the open
-    /// projects are remembered.
+    /// The path of the project that was open at the last save().
+    static QString rememberedProject();
+    /// Writes the open project and all settings to the disk; the SDK and the project are remembered.
     void save();
 
     /// Closes everything without saving; the plugins are gone afterwards.
