@@ -192,7 +192,6 @@ void MainWindow::watchProject(Project *project)
 {
     const auto refreshSoon = [this] { m_refreshTimer->start(); };
     connect(project, &Project::addedTarget, this, &MainWindow::watchTarget);
-    connect(project, &Project::removedTarget, this, refreshSoon);
     connect(project, &Project::activeTargetChanged, this, refreshSoon);
     for (Target *target : project->targets())
         watchTarget(target);
@@ -203,7 +202,6 @@ void MainWindow::watchTarget(Target *target)
 {
     const auto refreshSoon = [this] { m_refreshTimer->start(); };
     connect(target, &Target::addedDeployConfiguration, this, refreshSoon);
-    connect(target, &Target::removedDeployConfiguration, this, refreshSoon);
     connect(target, &Target::activeDeployConfigurationChanged, this, refreshSoon);
     refreshSoon();
 }

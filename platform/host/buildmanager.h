@@ -26,11 +26,8 @@ public:
     /// when a run is going on already.
     static bool buildList(BuildStepList *stepList);
     static bool isBuilding();
-    /// Whether the list that runs is the one with this step, of this configuration, target or
-    /// project.
+    /// Whether the list that runs is the one with this step, or of this project.
     static bool isBuilding(const BuildStep *step);
-    static bool isBuilding(const ProjectConfiguration *configuration);
-    static bool isBuilding(const Target *target);
     static bool isBuilding(const Project *project);
     /// Deletes what runs, at once, and emits buildQueueFinished(). Not to be called from a handler
     /// of a step's recipe.

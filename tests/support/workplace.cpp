@@ -122,15 +122,14 @@ QStringList runStep(BuildStep *step, Tasking::DoneWith *result)
             output << formats.at(int(format)) + ": " + text;
         });
     QEventLoop loop;
-    Tasking::TaskTree tree({BuildManager::recipeOf(step)});
+    Tasking::TaskTree tree(Tasking::Group{BuildManager::recipeOf(step)});
     QObject::connect(&tree, &Tasking::TaskTree::done, &loop, [&](Tasking::DoneWith doneWith) {
         if (result)
             *result = doneWith;
         QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
     });
     tree.start();
-    if (tree.isRunning())
-        loop.exec();
+    loop.exec(); // the end quits it from the event loop, also when it has come already
     QObject::disconnect(connection);
     return output;
 }

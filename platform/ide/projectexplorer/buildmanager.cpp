@@ -78,18 +78,6 @@ bool BuildManager::isBuilding(const BuildStep *step)
     return list && list == step->stepList();
 }
 
-bool BuildManager::isBuilding(const ProjectConfiguration *configuration)
-{
-    const BuildStepList *list = runningList(instance()->d->run.get());
-    return list && list->projectConfiguration() == configuration;
-}
-
-bool BuildManager::isBuilding(const Target *target)
-{
-    const BuildStepList *list = runningList(instance()->d->run.get());
-    return list && list->target() == target;
-}
-
 bool BuildManager::isBuilding(const Project *project)
 {
     const BuildStepList *list = runningList(instance()->d->run.get());

@@ -66,20 +66,6 @@ void Project::addTarget(std::unique_ptr<Target> target)
         makeActive(added);
 }
 
-bool Project::removeTarget(Target *target)
-{
-    QTC_ASSERT(m_targets.contains(target), return false);
-    if (BuildManager::isBuilding(target))
-        return false;
-    emit aboutToRemoveTarget(target);
-    const std::unique_ptr<Target> removed(target);
-    m_targets.removeOne(target);
-    if (m_activeTarget == target)
-        setActiveTarget(m_targets.value(0), SetActive::Cascade);
-    emit removedTarget(target);
-    return true;
-}
-
 void Project::setActiveTarget(Target *target, SetActive)
 {
     QTC_ASSERT(!target || m_targets.contains(target), return );

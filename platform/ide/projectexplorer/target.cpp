@@ -63,19 +63,6 @@ void Target::addDeployConfiguration(DeployConfiguration *configuration)
         setActiveDeployConfiguration(configuration, SetActive::Cascade);
 }
 
-bool Target::removeDeployConfiguration(DeployConfiguration *configuration)
-{
-    QTC_ASSERT(m_deployConfigurations.contains(configuration), return false);
-    if (BuildManager::isBuilding(configuration))
-        return false;
-    const std::unique_ptr<DeployConfiguration> removed(configuration);
-    m_deployConfigurations.removeOne(configuration);
-    if (m_activeDeployConfiguration == configuration)
-        setActiveDeployConfiguration(m_deployConfigurations.value(0), SetActive::Cascade);
-    emit removedDeployConfiguration(configuration);
-    return true;
-}
-
 void Target::setActiveDeployConfiguration(DeployConfiguration *configuration, SetActive)
 {
     QTC_ASSERT(!configuration || m_deployConfigurations.contains(configuration), return );

@@ -20,11 +20,6 @@ FilePath FilePath::fromUserInput(const QString &path)
     return fromString(expanded.isEmpty() ? QString() : QDir::cleanPath(expanded));
 }
 
-FilePath FilePath::fromFileInfo(const QFileInfo &info)
-{
-    return fromString(info.filePath());
-}
-
 QString FilePath::toUserOutput() const
 {
     return QDir::toNativeSeparators(m_path);

@@ -41,7 +41,6 @@ public:
     static DeployConfiguration *restore(Target *target, const Utils::Store &map);
 
     Utils::Id creationId() const { return m_configBaseId; }
-    QString defaultDisplayName() const { return m_defaultDisplayName; }
     /// A new configuration with its initial steps, which does not join the target yet.
     DeployConfiguration *create(Target *target);
 

@@ -38,14 +38,10 @@ public:
 
     /// A target with its default deploy configurations, announced when it is complete.
     Target *addTargetForKit(Kit *kit);
-    /// Deletes it; false, and nothing done, while one of its steps runs.
-    bool removeTarget(Target *target);
     void setActiveTarget(Target *target, SetActive cascade);
 
 signals:
     void addedTarget(ProjectExplorer::Target *target);
-    void aboutToRemoveTarget(ProjectExplorer::Target *target);
-    void removedTarget(ProjectExplorer::Target *target);
     void activeTargetChanged(ProjectExplorer::Target *target);
 
 private:

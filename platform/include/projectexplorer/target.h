@@ -35,8 +35,6 @@ public:
     /// Takes ownership; the first one becomes the active one. Its name gets a number when another
     /// one has it already.
     void addDeployConfiguration(DeployConfiguration *configuration);
-    /// Deletes it; false, and nothing done, while one of its steps runs.
-    bool removeDeployConfiguration(DeployConfiguration *configuration);
     void setActiveDeployConfiguration(DeployConfiguration *configuration, SetActive cascade);
     /// Adds a configuration of each kind that fits and that there is none of yet.
     void updateDefaultDeployConfigurations();
@@ -48,7 +46,6 @@ public:
 
 signals:
     void addedDeployConfiguration(ProjectExplorer::DeployConfiguration *configuration);
-    void removedDeployConfiguration(ProjectExplorer::DeployConfiguration *configuration);
     void activeDeployConfigurationChanged(ProjectExplorer::DeployConfiguration *configuration);
 
 private:

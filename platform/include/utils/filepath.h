@@ -25,7 +25,6 @@ public:
     static FilePath fromString(const QString &path);
     /// Expands a leading "~", takes native separators and cleans the path.
     static FilePath fromUserInput(const QString &path);
-    static FilePath fromFileInfo(const QFileInfo &info);
 
     /// The form that people are shown.
     QString toUserOutput() const;

@@ -39,7 +39,6 @@ public:
     };
 
     void start();
-    void cancel();
     void advance();
     void step();
     void enterGroup(const GroupItem &group);
@@ -56,7 +55,6 @@ public:
     bool running = false;
     bool advancing = false;
     bool inHandler = false;
-    bool canceled = false;
 };
 
 TaskTree::Private::Frame::Frame(const GroupItem &group)
@@ -81,22 +79,11 @@ void TaskTree::Private::start()
 {
     const auto keepAlive = shared_from_this();
     running = true;
-    canceled = false;
     emit tree->started();
     if (!tree)
         return;
     frames.emplace_back(recipe);
     advance();
-}
-
-void TaskTree::Private::cancel()
-{
-    canceled = true;
-    if (!task)
-        return; // whoever is on the stack goes on from there
-    delete std::exchange(task, nullptr);
-    if (!advancing)
-        advance();
 }
 
 /// Goes on until the end, or until there is a task to wait for.
@@ -112,13 +99,13 @@ void TaskTree::Private::advance()
         return;
     running = false;
     const DoneWith with = result == DoneResult::Success ? DoneWith::Success : DoneWith::Error;
-    emit tree->done(canceled ? DoneWith::Cancel : with);
+    emit tree->done(with);
 }
 
 void TaskTree::Private::step()
 {
     Frame &frame = frames.back();
-    if (canceled || frame.pending.isEmpty()) {
+    if (frame.pending.isEmpty()) {
         leaveGroup();
         return;
     }
@@ -152,7 +139,7 @@ void TaskTree::Private::leaveGroup()
         const DoneWith with =
             groupResult == DoneResult::Success ? DoneWith::Success : DoneWith::Error;
         const QScopedValueRollback guard(inHandler, true);
-        groupResult = frame.doneHandler(canceled ? DoneWith::Cancel : with);
+        groupResult = frame.doneHandler(with);
     }
     frames.pop_back();
     endItem(groupResult);
@@ -207,18 +194,6 @@ void TaskTree::start()
         return;
     }
     d->start();
-}
-
-void TaskTree::cancel()
-{
-    if (!d->running || d->canceled)
-        return;
-    d->cancel();
-}
-
-bool TaskTree::isRunning() const
-{
-    return d->running;
 }
 
 } // namespace Tasking

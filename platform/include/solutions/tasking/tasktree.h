@@ -19,8 +19,8 @@ inline DoneResult toDoneResult(bool success)
 }
 
 /// An asynchronous piece of work, as the tree sees it; TaskAdapter is what to derive from. The tree
-/// calls start() once and then waits for done(). A tree that is cancelled or goes away deletes its
-/// task, also while a function or a signal of the task is on the stack.
+/// calls start() once and then waits for done(). A tree that goes away deletes its task, also while
+/// a function or a signal of the task is on the stack.
 class TaskInterface : public QObject
 {
     Q_OBJECT
@@ -202,7 +202,7 @@ GroupItem onGroupDone(Handler &&handler)
 }
 
 /// Runs a recipe in the caller's thread. A done handler is also called, and decides, after a setup
-/// handler that stopped the group, and with DoneWith::Cancel after cancel().
+/// handler that stopped the group.
 class TaskTree final : public QObject
 {
     Q_OBJECT
@@ -215,10 +215,6 @@ public:
 
     /// Handlers run from here; done() may be emitted before this returns.
     void start();
-    /// Deletes the task that runs; while a handler runs, the tree stops as soon as that handler has
-    /// returned.
-    void cancel();
-    bool isRunning() const;
 
 signals:
     void started();
