@@ -46,6 +46,8 @@ private slots:
     void interruptLeavesNothingBehind();
     void checksTheDisplay();
 
+    void windowStopsADeploy_data();
+    void windowStopsADeploy();
     void windowSaysWhatFailedAndRemembersSteps();
     void optionsHoldLanguageAndSdk();
 
@@ -199,6 +201,52 @@ void WorkbenchTest::checksTheDisplay()
     workbench.start(WORKBENCH_EXECUTABLE, {"--check-display"});
     QVERIFY(workbench.waitForFinished());
     QVERIFY(workbench.exitStatus() == QProcess::CrashExit || workbench.exitCode() != 0);
+}
+
+void WorkbenchTest::windowStopsADeploy_data()
+{
+    addColumns<QString>("action");
+    addRow("cancel", "&Cancel");
+    addRow("close the project", "&Close Project");
+}
+
+void WorkbenchTest::windowStopsADeploy()
+{
+    QFETCH(QString, action);
+    replaceTool("#!/bin/sh\necho hanging; while :; do PATH=/bin sleep 1; done\n");
+    Session session;
+    MainWindow window(&session);
+    open(&window, project());
+    const auto trigger = [&window](const QString &text) {
+        for (QAction *candidate : window.findChildren<QAction *>()) {
+            if (candidate->text() == text)
+                candidate->trigger();
+        }
+    };
+    const auto *messages = window.findChild<QPlainTextEdit *>("generalMessages");
+    QTimer stops;
+    stops.callOnTimeout([&] {
+        if (!messages->toPlainText().contains("hanging"))
+            return;
+        stops.stop();
+        trigger(action);
+    });
+    stops.start(10);
+    QTimer confirms;
+    confirms.callOnTimeout([] {
+        if (auto *question = qobject_cast<QMessageBox *>(QApplication::activeModalWidget()))
+            question->button(QMessageBox::Yes)->click();
+    });
+    confirms.start(10);
+    trigger("&Deploy");
+    const auto *verdict = window.findChild<QLabel *>("verdict");
+    QTRY_COMPARE_WITH_TIMEOUT(verdict->text(),
+                              "The deploy failed. Nothing was signed: Package sign stopped by user",
+                              RUN_TIMEOUT);
+    QTRY_COMPARE(processesOf(m_sdk.path()), QStringList());
+    const bool closes = action == "&Close Project";
+    QTRY_COMPARE(ProjectExplorer::ProjectManager::projects().isEmpty(), closes);
+    session.shutdown();
 }
 
 void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
