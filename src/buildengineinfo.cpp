@@ -5,7 +5,6 @@
 #include <brisk/buildengine.h>
 #include <brisk/sdk.h>
 
-#include <QPointer>
 #include <QTimer>
 
 namespace Sealkit::Internal {
@@ -19,12 +18,18 @@ BuildEngineInfo::BuildEngineInfo(QObject *parent)
         m_sharedSrcPath = engines.first()->sharedSrcPath();
 }
 
+BuildEngineInfo::~BuildEngineInfo()
+{
+    m_stop.request_stop();
+}
+
 void BuildEngineInfo::update()
 {
-    const QPointer<BuildEngineInfo> self(this);
-    const Command::Result result = Command::exec<Command::brisk::engine::start>({});
-    if (!self)
-        return;
+    const std::stop_token stop = m_stop.get_token();
+    const Command::Result result =
+        Command::exec({}, Command::compose<Command::brisk::engine::start>(), stop);
+    if (stop.stop_requested())
+        return; // this object has gone
 
     const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
     if (engines.isEmpty()) {
@@ -33,7 +38,7 @@ void BuildEngineInfo::update()
         emit updateFailed(NotStarted);
     } else {
         setTargets(engines.first()->buildTargetOrigins());
-        if (self && m_targets.isEmpty())
+        if (m_targets.isEmpty())
             emit updateFailed(NoTargets);
     }
 }

@@ -600,7 +600,7 @@ void SignDialogTest::locksItselfDuringARun()
     QCOMPARE(meanwhile, "");
     QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
     QCOMPARE(enabled(), lockable);
-    QVERIFY(messages.take().last().endsWith(" openssl version"));
+    QCOMPARE(messages.take().filter(" openssl version").size(), 1);
 }
 
 void SignDialogTest::showsNothingOfTheFormerPackage_data()

@@ -239,6 +239,7 @@ void Pictures::waitForTools(const QWidget *dialog)
 
 void Pictures::press(const QWidget *dialog, const char *button)
 {
+    waitForTools(dialog); // they lock the button
     if (auto *found = part<QPushButton>(dialog, button))
         found->click();
     waitForTools(dialog);
