@@ -515,7 +515,7 @@ RunQueue::Show SignDialog::verifySignature()
         m_view.showNoVerdict();
         return {};
     }
-    const auto lookedAt = m_packageWatch.lastState();
+    const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
     return [this, result, lookedAt] {
         if (m_packageWatch.lastState() == lookedAt)
@@ -533,7 +533,7 @@ RunQueue::Show SignDialog::dumpSignature()
         m_view.showNoDump();
         return {};
     }
-    const auto lookedAt = m_packageWatch.lastState();
+    const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->dumpSignature(m_current.name, {package()});
     return [this, result, lookedAt] {
         if (m_packageWatch.lastState() == lookedAt)
