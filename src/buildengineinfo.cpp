@@ -1,9 +1,9 @@
 #include "buildengineinfo.h"
 
 #include "command.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 
 #include <QTimer>
 
@@ -13,9 +13,8 @@ BuildEngineInfo::BuildEngineInfo(QObject *parent)
     : QObject(parent)
 {
     QTimer::singleShot(0, this, &BuildEngineInfo::update);
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (!engines.isEmpty())
-        m_sharedSrcPath = engines.first()->sharedSrcPath();
+    if (const Brisk::BuildEngine *engine = firstBuildEngine())
+        m_sharedSrcPath = engine->sharedSrcPath();
 }
 
 BuildEngineInfo::~BuildEngineInfo()
@@ -31,13 +30,13 @@ void BuildEngineInfo::update()
     if (stop.stop_requested())
         return; // this object has gone
 
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (engines.isEmpty()) {
+    const Brisk::BuildEngine *engine = firstBuildEngine();
+    if (!engine) {
         emit updateFailed(NoEngine);
     } else if (!result.succeeded()) {
         emit updateFailed(NotStarted);
     } else {
-        setTargets(engines.first()->buildTargetOrigins());
+        setTargets(engine->buildTargetOrigins());
         if (m_targets.isEmpty())
             emit updateFailed(NoTargets);
     }

@@ -4,9 +4,9 @@
 #include "ideclosing.h"
 #include "runlog.h"
 #include "signdata.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 #include <coreplugin/icore.h>
 #include <veyraos/kilnsettings.h>
 
@@ -199,8 +199,8 @@ QStringList compose<Target::customer_sign::sign>(const QString &target,
 
 static QString workingDirectory()
 {
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
+    const Brisk::BuildEngine *engine = firstBuildEngine();
+    return engine ? engine->sharedSrcPath().toFSPathString() : QDir::homePath();
 }
 
 /// Hands new output of the program to \a handler, and the answer of the handler to the program.

@@ -13,6 +13,12 @@ namespace Sealkit::Internal {
 
 Q_LOGGING_CATEGORY(debugLog, "qtc.sealkit", QtWarningMsg)
 
+Brisk::BuildEngine *firstBuildEngine()
+{
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    return engines.isEmpty() ? nullptr : engines.first();
+}
+
 void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup)
 {
     chooser->setExpectedKind(Utils::PathChooser::File);

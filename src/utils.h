@@ -7,6 +7,10 @@
 #include <QLoggingCategory>
 #include <QStringList>
 
+namespace Brisk {
+class BuildEngine;
+}
+
 namespace Utils {
 class PathChooser;
 }
@@ -15,6 +19,10 @@ namespace Sealkit::Internal {
 
 /// For developers. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
 Q_DECLARE_LOGGING_CATEGORY(debugLog)
+
+/// The engine whose targets and workspace this plugin takes where no kit names one. Null when the
+/// SDK has none.
+Brisk::BuildEngine *firstBuildEngine();
 
 /// What a chooser of an existing file needs; the texts are in the user's language.
 struct ChooserSetup
