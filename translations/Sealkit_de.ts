@@ -136,6 +136,18 @@
         <translation>Der Pfad muss im Arbeitsbereich liegen:
 %1</translation>
     </message>
+    <message>
+        <source>Stopped by the user</source>
+        <translation>Vom Benutzer abgebrochen</translation>
+    </message>
+    <message>
+        <source>Stopped: the IDE closes</source>
+        <translation>Abgebrochen: Die IDE wird geschlossen</translation>
+    </message>
+    <message>
+        <source>Stopped: the step or dialog that started the tool is gone</source>
+        <translation>Abgebrochen: Den Schritt oder Dialog, der das Werkzeug gestartet hat, gibt es nicht mehr</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>

@@ -136,6 +136,18 @@
         <translation>パスはワークスペースフォルダーの中でなければなりません:
 %1</translation>
     </message>
+    <message>
+        <source>Stopped by the user</source>
+        <translation>ユーザーによって中止されました</translation>
+    </message>
+    <message>
+        <source>Stopped: the IDE closes</source>
+        <translation>中止: IDE が終了します</translation>
+    </message>
+    <message>
+        <source>Stopped: the step or dialog that started the tool is gone</source>
+        <translation>中止: ツールを起動したステップまたはダイアログがなくなりました</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
