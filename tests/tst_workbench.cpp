@@ -47,6 +47,7 @@ private slots:
     void checksTheDisplay();
 
     void windowSaysWhatFailedAndRemembersSteps();
+    void windowGoesOnWhileItLooksAtPackages();
     void optionsHoldLanguageAndSdk();
 
 private:
@@ -201,6 +202,33 @@ void WorkbenchTest::checksTheDisplay()
     QVERIFY(workbench.exitStatus() == QProcess::CrashExit || workbench.exitCode() != 0);
 }
 
+static void deployIn(const MainWindow &window)
+{
+    for (QAction *action : window.findChildren<QAction *>()) {
+        if (action->text() == "&Deploy")
+            action->trigger();
+    }
+}
+
+void WorkbenchTest::windowGoesOnWhileItLooksAtPackages()
+{
+    replaceTool("#!/bin/sh\n[ $1 = dump ] && /bin/sleep 2\nexit 0\n");
+    Session session;
+    MainWindow window(&session);
+    open(&window, {project()});
+    deployIn(window);
+    qint64 longestWait = 0;
+    QElapsedTimer lastTurn;
+    lastTurn.start();
+    QTimer turns;
+    turns.callOnTimeout([&] { longestWait = qMax(longestWait, lastTurn.restart()); });
+    turns.start(10);
+    const auto *verdict = window.findChild<QLabel *>("verdict");
+    QTRY_COMPARE_WITH_TIMEOUT(verdict->text(), "Nothing was signed.", RUN_TIMEOUT);
+    longestWait = qMax(longestWait, lastTurn.elapsed());
+    QVERIFY2(longestWait < 1500, qPrintable(QString::number(longestWait)));
+}
+
 void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
 {
     replaceTool("#!/bin/sh\necho refused; exit 3\n");
@@ -209,10 +237,7 @@ void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
         Session session;
         MainWindow window(&session);
         open(&window, {project()});
-        for (QAction *action : window.findChildren<QAction *>()) {
-            if (action->text() == "&Deploy")
-                action->trigger();
-        }
+        deployIn(window);
         const auto *verdict = window.findChild<QLabel *>("verdict");
         QTRY_COMPARE(verdict->text(),
                      "The deploy failed. Nothing was signed: Error: package sign failed: refused");
