@@ -1,11 +1,10 @@
 #include "buildengineinfo.h"
 
 #include "command.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 
-#include <QPointer>
 #include <QTimer>
 
 namespace Sealkit::Internal {
@@ -14,26 +13,31 @@ BuildEngineInfo::BuildEngineInfo(QObject *parent)
     : QObject(parent)
 {
     QTimer::singleShot(0, this, &BuildEngineInfo::update);
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (!engines.isEmpty())
-        m_sharedSrcPath = engines.first()->sharedSrcPath();
+    if (const Brisk::BuildEngine *engine = firstBuildEngine())
+        m_sharedSrcPath = engine->sharedSrcPath();
+}
+
+BuildEngineInfo::~BuildEngineInfo()
+{
+    m_stop.request_stop();
 }
 
 void BuildEngineInfo::update()
 {
-    const QPointer<BuildEngineInfo> self(this);
-    const Command::Result result = Command::exec<Command::brisk::engine::start>({});
-    if (!self)
-        return;
+    const std::stop_token stop = m_stop.get_token();
+    const Command::Result result =
+        Command::exec({}, Command::compose<Command::brisk::engine::start>(), stop);
+    if (stop.stop_requested())
+        return; // this object has gone
 
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (engines.isEmpty()) {
+    const Brisk::BuildEngine *engine = firstBuildEngine();
+    if (!engine) {
         emit updateFailed(NoEngine);
     } else if (!result.succeeded()) {
         emit updateFailed(NotStarted);
     } else {
-        setTargets(engines.first()->buildTargetOrigins());
-        if (self && m_targets.isEmpty())
+        setTargets(engine->buildTargetOrigins());
+        if (m_targets.isEmpty())
             emit updateFailed(NoTargets);
     }
 }

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QStringList>
 
+#include <stop_token>
+
 namespace Sealkit::Internal {
 
 /// The workspace of the first build engine, and the names of its targets once the engine has been
@@ -20,6 +22,7 @@ public:
 
     /// The workspace is known at once; the first update() waits for the event loop.
     explicit BuildEngineInfo(QObject *parent);
+    ~BuildEngineInfo() override;
 
     /// Empty when there is no engine.
     Utils::FilePath sharedSrcPath() const { return m_sharedSrcPath; }
@@ -36,6 +39,7 @@ signals:
 private:
     Utils::FilePath m_sharedSrcPath;
     QStringList m_targets;
+    std::stop_source m_stop; ///< ends the start of the engine when this object is deleted
 };
 
 } // namespace Sealkit::Internal

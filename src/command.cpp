@@ -4,9 +4,9 @@
 #include "ideclosing.h"
 #include "runlog.h"
 #include "signdata.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 #include <coreplugin/icore.h>
 #include <veyraos/kilnsettings.h>
 
@@ -199,8 +199,16 @@ QStringList compose<Target::customer_sign::sign>(const QString &target,
 
 static QString workingDirectory()
 {
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    return engines.isEmpty() ? QDir::homePath() : engines.first()->sharedSrcPath().toFSPathString();
+    const Brisk::BuildEngine *engine = firstBuildEngine();
+    return engine ? engine->sharedSrcPath().toFSPathString() : QDir::homePath();
+}
+
+/// Why nothing is to be run any more.
+static Cancellation reasonToStop(const std::stop_token &stop)
+{
+    if (isIdeClosing())
+        return IdeClosing;
+    return stop.stop_requested() ? StoppedByUser : NotCancelled;
 }
 
 /// Hands new output of the program to \a handler, and the answer of the handler to the program.
@@ -213,8 +221,8 @@ converse(QProcess &process, Handler &handler, const std::stop_token &stop, Resul
     result.stdErr += stdErrChunk;
 
     QByteArray input;
-    if (isIdeClosing() || stop.stop_requested() || !handler(stdOutChunk, stdErrChunk, input)) {
-        result.cancelled = true;
+    if (reasonToStop(stop) || !handler(stdOutChunk, stdErrChunk, input)) {
+        result.cancelled = PromptDeclined;
         process.kill();
         // The last output is still captured, but the killed program needs no more answers.
         handler = [](const QByteArray &, const QByteArray &, QByteArray &) { return true; };
@@ -260,8 +268,8 @@ Result exec(Handler handler, const QStringList &commandLine, std::stop_token sto
 {
     // The list may belong to somebody who is gone after the run.
     const QString shownCommandLine = commandLine.join(QLatin1Char(' '));
-    if (isIdeClosing() || stop.stop_requested())
-        return Result::notRun();
+    if (const Cancellation reason = reasonToStop(stop))
+        return Result::notRun(reason);
 
     QProcess process;
     process.setWorkingDirectory(workingDirectory());
@@ -282,6 +290,9 @@ Result exec(Handler handler, const QStringList &commandLine, std::stop_token sto
     logRun(process.exitCode(), shownCommandLine);
     result.crashed = process.exitStatus() == QProcess::CrashExit;
     result.exitCode = process.exitCode();
+    // A prompt is also closed, and a silent program killed, when nothing is to be run any more.
+    if (const Cancellation reason = reasonToStop(stop); reason && result.crashed)
+        result.cancelled = reason;
     return result;
 }
 

@@ -132,6 +132,9 @@ QStringList compose<Target::openssl::generateRequest>(const QString &target,
                                                       const QString &requestPath,
                                                       const QString &configPath);
 
+/// Why a run was ended from here; false when it ended by itself.
+enum Cancellation { NotCancelled, PromptDeclined, StoppedByUser, IdeClosing, ToolObjectGone };
+
 /// The outcome of one run.
 struct Result
 {
@@ -139,20 +142,25 @@ struct Result
     int exitCode = 0;
     QByteArray stdErr;
     QByteArray stdOut;
-    bool started = true;    ///< if not, the exit code can be 0 nevertheless
-    bool cancelled = false; ///< killed because its handler said so, or when it was to stop
+    bool started = true; ///< if not, the exit code can be 0 nevertheless
+    Cancellation cancelled = NotCancelled;
 
-    /// The result of a run for which no program was started.
-    static Result notRun()
+    /// The result of a run for which no program was started, for the reason \a cancelled.
+    static Result notRun(Cancellation cancelled)
     {
-        return {.crashed = true, .exitCode = -1, .stdErr = {}, .stdOut = {}, .started = false};
+        return {.crashed = true,
+                .exitCode = -1,
+                .stdErr = {},
+                .stdOut = {},
+                .started = false,
+                .cancelled = cancelled};
     }
     bool succeeded() const { return started && !crashed && exitCode == 0; }
     friend bool operator==(const Result &, const Result &) = default;
 };
 
 /// Gets what the program newly printed (either chunk may be empty). What it appends to \a input is
-/// written to the program; false kills the program.
+/// written to the program; false kills the program, which then counts as PromptDeclined.
 using Handler = std::function<bool(
     const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input)>;
 

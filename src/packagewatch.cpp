@@ -1,6 +1,5 @@
 #include "packagewatch.h"
 
-#include <QDateTime>
 #include <QDir>
 
 #include <chrono>
@@ -26,14 +25,14 @@ PackageWatch::PackageWatch()
 void PackageWatch::lookAt(const QString &package)
 {
     m_package = package;
-    m_lastState = stateOfFiles();
+    m_lastState = currentState();
     followFiles();
 }
 
 void PackageWatch::compare()
 {
     followFiles();
-    const QStringList state = stateOfFiles();
+    const PackageState state = currentState();
     if (state == m_lastState)
         return;
     m_lastState = state;
@@ -54,14 +53,11 @@ QStringList PackageWatch::files() const
     return paths;
 }
 
-QStringList PackageWatch::stateOfFiles() const
+PackageState PackageWatch::currentState() const
 {
-    QStringList state;
-    for (const QString &path : files()) {
-        const QFileInfo info(path);
-        state << path << QString::number(info.size())
-              << QString::number(info.lastModified().toMSecsSinceEpoch());
-    }
+    PackageState state{m_package, {}};
+    for (const QString &path : files())
+        state.files << FileState{path, QFileInfo(path).metadataChangeTime()};
     return state;
 }
 

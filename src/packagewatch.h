@@ -1,11 +1,30 @@
 #pragma once
 
+#include <QDateTime>
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
 
 namespace Sealkit::Internal {
+
+/// Differs when a file has changed, also when another one of the same size and date took its place.
+struct FileState
+{
+    QString path;
+    QDateTime metadataChanged; ///< a change of the content is also one of the metadata
+
+    friend bool operator==(const FileState &, const FileState &) = default;
+};
+
+/// A package and what lies beside it under its name and an ending.
+struct PackageState
+{
+    QString package;
+    QList<FileState> files;
+
+    friend bool operator==(const PackageState &, const PackageState &) = default;
+};
 
 /// Notices when a package changes on disk, or a file beside it whose name is that of the package
 /// and an ending, such as a signature. The package need not exist yet.
@@ -21,19 +40,19 @@ public:
     /// Compares the files with their last state at once, since some file systems announce no
     /// changes.
     void compare();
-    /// Paths, sizes and times of the package's files when they were last compared.
-    QStringList lastState() const { return m_lastState; }
+    /// Of the package when it was last compared.
+    PackageState lastState() const { return m_lastState; }
 
 signals:
     void changed();
 
 private:
     QStringList files() const;
-    QStringList stateOfFiles() const;
+    PackageState currentState() const;
     void followFiles();
 
     QString m_package;
-    QStringList m_lastState;
+    PackageState m_lastState;
     QFileSystemWatcher m_watcher;
     QTimer m_timer;
 };

@@ -19,16 +19,14 @@ Command::Result RpmsignExternal::addSignature(const QString &target,
                                               const SignData &data)
 {
     // After the first run this object may be gone, and so may the caller with the arguments.
-    const QPointer<RpmsignExternal> self(this);
+    const QPointer<const SignTool> self(this);
     const bool signsTwice = !data.clientCertificate.isEmpty() && !data.clientKey.isEmpty();
     const QStringList secondCommandLine = Command::compose<Target::rpmsign_external::sign>(
         target, data.clientKey, data.clientCertificate, packages);
 
     const Command::Result result =
         run<Target::rpmsign_external::sign>(target, data.key, data.certificate, packages);
-    if (!result.succeeded() || !signsTwice)
-        return result;
-    return self ? run(secondCommandLine) : Command::Result::notRun();
+    return result.succeeded() && signsTwice ? run(self, secondCommandLine) : result;
 }
 
 Command::Result RpmsignExternal::removeSignature(const QString &target, const QStringList &packages)
@@ -61,32 +59,33 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
                                                  const KeyGenerationData &callersData)
 {
     // After a run this object may be gone, and so may the caller with the arguments.
-    const QPointer<RpmsignExternal> self(this);
+    const QPointer<const SignTool> self(this);
     const QString target = callersTarget; // NOLINT(performance-unnecessary-copy-initialization)
     const KeyGenerationData data = callersData;
 
     if (!data.keyPath.exists()) {
-        const Command::Result result = run(getKeyGenerationComand(target, data));
+        const Command::Result result = run(self, getKeyGenerationComand(target, data));
         removeEmptyFile(data.keyPath);
         if (!result.succeeded())
             return result;
-        if (!self)
-            return Command::Result::notRun();
     }
 
     QString error;
     const QFileInfo config = KeyGenerationData::generateCsrConfig(data.companyName, &error);
     if (!config.exists()) {
-        emit addError(tr("Filed to generate CSR"));
-        if (self)
-            emit addError(error);
+        for (const QString &text : {tr("Filed to generate CSR"), error}) {
+            if (self)
+                emit addError(text);
+        }
         return {.crashed = false, .exitCode = -1, .stdErr = {}, .stdOut = {}};
     }
 
-    Command::Result result = run<Target::openssl::generateRequest>(target,
-                                                                   data.keyPath.toUserOutput(),
-                                                                   data.requestPath.toUserOutput(),
-                                                                   config.absoluteFilePath());
+    Command::Result result =
+        run(self,
+            Command::compose<Target::openssl::generateRequest>(target,
+                                                               data.keyPath.toUserOutput(),
+                                                               data.requestPath.toUserOutput(),
+                                                               config.absoluteFilePath()));
     QFile::remove(config.absoluteFilePath());
     if (result.succeeded() && removeEmptyFile(data.requestPath)) {
         result.exitCode = -1;

@@ -2,75 +2,57 @@
 
 #include <QWidget>
 
-#include <algorithm>
-
 namespace Sealkit::Internal {
 
-RunQueue::Run::Run(RunQueue *queue)
-    : m_queue(queue)
-{
-    if (m_queue->m_runs++ == 0)
-        m_queue->lock();
-}
-
-RunQueue::Run::~Run()
-{
-    if (m_queue && --m_queue->m_runs == 0)
-        m_queue->unlock();
-}
-
-RunQueue::RunQueue(QWidget *window)
+RunQueue::RunQueue(QWidget *window, const Work &work)
     : m_window(window)
+    , m_work(work)
 {
+}
+
+void RunQueue::request(std::initializer_list<Task> tasks)
+{
+    for (const Task task : tasks) {
+        m_waiting.removeAll(task);
+        m_waiting << task;
+    }
+    if (m_isLocked)
+        return;
+    lock();
+    // A widget that requests a task in a signal would not survive if the window went during the
+    // run.
+    QMetaObject::invokeMethod(this, &RunQueue::doTasks, Qt::QueuedConnection);
+}
+
+void RunQueue::doTasks()
+{
+    const QPointer<RunQueue> self(this);
+    const Work work = m_work;
+    while (!m_waiting.isEmpty()) {
+        const Show show = work(m_waiting.takeFirst());
+        if (!self)
+            return; // the window has gone while the tool ran
+        if (show)
+            show();
+    }
+    unlock();
 }
 
 void RunQueue::lock()
 {
+    m_isLocked = true;
     m_focus = m_window->focusWidget();
     emit lockChanged(true);
-    tellWhetherBusy();
     m_focusWhenLocked = m_window->focusWidget();
 }
 
 void RunQueue::unlock()
 {
+    m_isLocked = false;
     emit lockChanged(false);
-    tellWhetherBusy();
     // Unless the user has moved the focus on since.
     if (m_focus && m_focus->isVisible() && m_window->focusWidget() == m_focusWhenLocked)
         m_focus->setFocus();
-    if (!m_requests.isEmpty())
-        QMetaObject::invokeMethod(this, &RunQueue::doRequests, Qt::QueuedConnection);
-}
-
-void RunQueue::request(const QString &name, const std::function<void()> &action)
-{
-    const auto isSame = [&name](const Request &request) { return request.name == name; };
-    if (std::none_of(m_requests.cbegin(), m_requests.cend(), isSame))
-        m_requests << Request{name, action};
-    tellWhetherBusy();
-    QMetaObject::invokeMethod(this, &RunQueue::doRequests, Qt::QueuedConnection);
-}
-
-void RunQueue::withdraw(const QString &name)
-{
-    m_requests.removeIf([&name](const Request &request) { return request.name == name; });
-}
-
-void RunQueue::doRequests()
-{
-    const QPointer<RunQueue> self(this);
-    while (self && m_runs == 0 && !m_requests.isEmpty()) {
-        const Request request = m_requests.takeFirst();
-        request.action();
-    }
-    if (self)
-        tellWhetherBusy();
-}
-
-void RunQueue::tellWhetherBusy()
-{
-    emit busyChanged(m_runs > 0 || !m_requests.isEmpty());
 }
 
 } // namespace Sealkit::Internal

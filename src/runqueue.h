@@ -5,66 +5,49 @@
 #include <QPointer>
 
 #include <functional>
+#include <initializer_list>
 
 class QWidget;
 
 namespace Sealkit::Internal {
 
-/// Lets a window run its tools one after the other. While a tool runs the window is locked; what
-/// is requested meanwhile waits in a queue and is done after the run. When the lock ends, the
-/// keyboard focus returns to where it was.
+/// Does the tasks of a window, one after the other, from the event loop. The window is locked from
+/// the first request until no task waits any more; then the keyboard focus returns to where it was.
 class RunQueue : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Stands for a run of tools, or several in a row: the window is locked while it lives. A run
-    /// within a run belongs to the outer one. False when the window went while a tool ran.
-    class Run
-    {
-    public:
-        explicit Run(RunQueue *queue);
-        ~Run();
-        Q_DISABLE_COPY_MOVE(Run)
+    enum class Task { FollowTarget, LookForOpenssl, Sign, Remove, Verify, Dump, Request };
 
-        explicit operator bool() const { return !m_queue.isNull(); }
-
-    private:
-        const QPointer<RunQueue> m_queue;
-    };
+    /// Shows in the window what a task has found.
+    using Show = std::function<void()>;
+    /// Does a task and returns how to show its result; nothing, when there is nothing to show. Its
+    /// tool keeps the event loop turning, which may delete the window: what is behind the tool's
+    /// run may not touch the window any more.
+    using Work = std::function<Show(Task)>;
 
     /// \a window owns this queue as a member.
-    explicit RunQueue(QWidget *window);
+    RunQueue(QWidget *window, const Work &work);
 
-    /// Has \a action called from the event loop as soon as no tool runs; once, however often it is
-    /// requested by this \a name until then. Even when no tool runs it is not called at once: a
-    /// widget that requests it in a signal would not survive if the window went during the run.
-    void request(const QString &name, const std::function<void()> &action);
-    /// Removes the request, if there is one; for a caller that has just done the same by itself.
-    void withdraw(const QString &name);
+    /// Has \a tasks done after those that wait. Each waits but once: one that waits already moves
+    /// behind.
+    void request(std::initializer_list<Task> tasks);
 
 signals:
     void lockChanged(bool locked);
-    /// Whether a tool runs or a request waits.
-    void busyChanged(bool busy);
 
 private:
-    struct Request
-    {
-        QString name;
-        std::function<void()> action;
-    };
-
     void lock();
     void unlock();
-    void doRequests();
-    void tellWhetherBusy();
+    void doTasks();
 
     QWidget *const m_window;
-    int m_runs = 0;
-    QList<Request> m_requests;
-    QPointer<QWidget> m_focus;           ///< has the focus when the lock begins
-    QPointer<QWidget> m_focusWhenLocked; ///< has it when all is locked
+    const Work m_work;
+    bool m_isLocked = false;
+    QList<Task> m_waiting;
+    QPointer<QWidget> m_focus;                  ///< has the focus when the lock begins
+    const QWidget *m_focusWhenLocked = nullptr; ///< has it when all is locked
 };
 
 } // namespace Sealkit::Internal

@@ -4,7 +4,6 @@
 #include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 
 #include <QDateTime>
 #include <QFile>
@@ -71,8 +70,8 @@ static QByteArray csrConfig(const QString &companyName)
 
 QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QString *error)
 {
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (engines.isEmpty()) {
+    const Brisk::BuildEngine *engine = firstBuildEngine();
+    if (!engine) {
         *error = QObject::tr("No Build Engine found");
         return {};
     }
@@ -80,7 +79,7 @@ QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QStri
     const QString fileName =
         QStringLiteral("/.csr_%1.conf")
             .arg(QDateTime::currentDateTime().toString(QStringLiteral("mmssz")));
-    QFile file(engines.first()->sharedSrcPath().toFSPathString() + fileName);
+    QFile file(engine->sharedSrcPath().toFSPathString() + fileName);
     const QFileInfo info(file);
     // Unbuffered, so that write() already fails when the disk is full.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {

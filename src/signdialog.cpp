@@ -19,11 +19,8 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QDropEvent>
-#include <QFontDatabase>
 #include <QMimeData>
-#include <QPointer>
 #include <QProgressBar>
-#include <QRegularExpression>
 #include <QSettings>
 #include <QShowEvent>
 #include <QStatusBar>
@@ -38,22 +35,6 @@ using Utils::PathChooser;
 namespace Sealkit::Internal {
 
 constexpr int REQUEST_TAB = 2;
-constexpr int MAX_REASONS = 4;
-const QString REFRESH = QStringLiteral("refresh the package's state");
-
-/// Says how a run went; an empty \a problem is a good end.
-static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
-{
-    icon->setPixmap((problem.isEmpty() ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
-    reason->setNote(problem, NoteLabel::Warning);
-}
-
-static void clearOutcome(QLabel *icon, NoteLabel *reason)
-{
-    icon->clear();
-    reason->setNote({});
-}
-
 /// What went wrong in a run, for the user; empty when nothing did.
 static QString problemOf(const Command::Result &result)
 {
@@ -63,17 +44,6 @@ static QString problemOf(const Command::Result &result)
     if (result.cancelled)
         logWarning(problem);
     return problem;
-}
-
-/// What a tool says about the signatures of \a package that it rejects, a line for each.
-static QString problemOfSignatures(const Command::Result &result, const QString &package)
-{
-    QStringList lines = tellingLines(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
-    for (QString &line : lines) {
-        if (line.startsWith(package + QLatin1String(": ")))
-            line.remove(0, package.size() + 2);
-    }
-    return lines.isEmpty() ? problemOf(result) : lines.join(QLatin1Char('\n'));
 }
 
 static QString pathOf(const PathChooser *chooser)
@@ -98,13 +68,19 @@ static QProgressBar *createBusyIndicator()
     return indicator;
 }
 
+static std::unique_ptr<Ui_SignDialog> makeUi(SignDialog *dialog)
+{
+    auto ui = std::make_unique<Ui_SignDialog>();
+    ui->setupUi(dialog);
+    return ui;
+}
+
 SignDialog::SignDialog(QWidget *parent)
     : QDialog(parent)
-    , m_ui(std::make_unique<Ui_SignDialog>())
+    , m_ui(makeUi(this))
+    , m_view(m_ui.get())
+    , m_runQueue(this, [this](Task task) { return work(task); })
 {
-    m_ui->setupUi(this);
-    m_ui->clientSignatureTextBrowser->hide();
-    m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
     initPathChoosers();
     connectButtons();
     initStatusBar();
@@ -125,9 +101,6 @@ SignDialog::SignDialog(QWidget *parent)
             invalidate();
     });
 
-    const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    m_ui->developerSignatureTextBrowser->setFont(dumpFont);
-    m_ui->clientSignatureTextBrowser->setFont(dumpFont);
     setAcceptDrops(true);
     // The field would take a dropped package as text.
     m_ui->rpmPathChooser->lineEdit()->setAcceptDrops(false);
@@ -173,6 +146,7 @@ void SignDialog::changeEvent(QEvent *event)
 
 SignDialog::~SignDialog()
 {
+    m_stop.request_stop();
     QSettings settings;
     // If the engine did not start there is no target; the last one then stays remembered.
     if (!m_current.name.isEmpty())
@@ -254,14 +228,14 @@ void SignDialog::initPathChoosers()
 
 void SignDialog::connectButtons()
 {
-    const auto onClick = [this](QPushButton *button, void (SignDialog::*action)()) {
-        connect(button, &QPushButton::clicked, this, action);
+    const auto onClick = [this](QPushButton *button, Task task) {
+        connect(button, &QPushButton::clicked, this, [this, task] { m_runQueue.request({task}); });
     };
-    onClick(m_ui->addSignaturePushButton, &SignDialog::addSignature);
-    onClick(m_ui->removeSignaturePushButton, &SignDialog::removeSignature);
-    onClick(m_ui->verifySignaturePushButton, &SignDialog::verifySignature);
-    onClick(m_ui->dumpPushButton, &SignDialog::dumpSignature);
-    onClick(m_ui->genReqButton, &SignDialog::generateRequest);
+    onClick(m_ui->addSignaturePushButton, Task::Sign);
+    onClick(m_ui->removeSignaturePushButton, Task::Remove);
+    onClick(m_ui->verifySignaturePushButton, Task::Verify);
+    onClick(m_ui->dumpPushButton, Task::Dump);
+    connect(m_ui->genReqButton, &QPushButton::clicked, this, &SignDialog::generateRequest);
     connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
         QDesktopServices::openUrl(QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE)));
@@ -277,7 +251,7 @@ void SignDialog::initStatusBar()
     m_statusBar->addPermanentWidget(busyIndicator);
     m_ui->statusBarLayout->addWidget(m_statusBar);
     connect(&m_runQueue, &RunQueue::lockChanged, this, &SignDialog::processButtonOperation);
-    connect(&m_runQueue, &RunQueue::busyChanged, busyIndicator, &QProgressBar::setVisible);
+    connect(&m_runQueue, &RunQueue::lockChanged, busyIndicator, &QProgressBar::setVisible);
     // A message that quotes a tool can be longer than the bar.
     connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
         m_statusBar->setToolTip(
@@ -374,14 +348,11 @@ void SignDialog::setTargets(const QStringList &targets)
             QSettings().value(Constants::SIGN_DATA_HISTORY_TARGET_NAME, QString()).toString();
         m_ui->m_comboBoxBuildTargets->setCurrentIndex(qMax(0, int(targets.indexOf(saved))));
     }
-    // Connected before the first target is probed: the user may choose another one meanwhile.
-    connect(m_ui->m_comboBoxBuildTargets, &QComboBox::currentTextChanged, this, [this] {
-        m_runQueue.request(QStringLiteral("follow the target"), [this] { followTarget(); });
-    });
-    const QPointer<SignDialog> self(this);
-    followTarget();
-    if (self)
-        m_statusBar->clearMessage();
+    connect(m_ui->m_comboBoxBuildTargets,
+            &QComboBox::currentTextChanged,
+            this,
+            &SignDialog::setTargetName);
+    setTargetName(m_ui->m_comboBoxBuildTargets->currentText());
 }
 
 void SignDialog::showEngineProblem(BuildEngineInfo::Problem problem)
@@ -401,67 +372,57 @@ void SignDialog::showEngineProblem(BuildEngineInfo::Problem problem)
 
 void SignDialog::setTargetName(const QString &name)
 {
-    if (name == m_current.name)
-        return;
+    m_targetName = name;
+    m_runQueue.request({Task::FollowTarget});
+}
 
-    const Run run(&m_runQueue);
-    if (!m_targetTools.contains(name)) {
-        const TargetToolsInfo probed(name);
-        if (!run)
-            return;
-        m_targetTools.insert(name, probed);
+RunQueue::Show SignDialog::work(Task task)
+{
+    switch (task) {
+    case Task::FollowTarget:
+        return followTarget();
+    case Task::LookForOpenssl:
+        return lookForOpenssl();
+    case Task::Sign:
+        return addSignature();
+    case Task::Remove:
+        return removeSignature();
+    case Task::Verify:
+        return verifySignature();
+    case Task::Dump:
+        return dumpSignature();
+    case Task::Request:
+        return makeRequest();
     }
-    m_current = m_targetTools.value(name);
-    showToolsOfTarget();
-    updateOpensslInfo();
-    if (run)
-        refreshPackageState();
+    return {};
 }
 
-void SignDialog::followTarget()
+RunQueue::Show SignDialog::followTarget()
 {
-    setTargetName(m_ui->m_comboBoxBuildTargets->currentText());
+    if (m_targetName == m_current.name)
+        return {};
+    const TargetToolsInfo tools = m_targetTools.contains(m_targetName)
+                                      ? m_targetTools.value(m_targetName)
+                                      : TargetToolsInfo(m_targetName, m_stop.get_token());
+    return [this, tools] { setTools(tools); };
 }
 
-void SignDialog::showToolsOfTarget()
+void SignDialog::setTools(const TargetToolsInfo &tools)
 {
-    const bool hasRpmsignExternal = m_current.hasRpmsignExternal;
-    const bool hasCustomerSign = m_current.hasCustomerSign;
-    const bool canInspect = hasRpmsignExternal || m_current.hasNxvcertCli;
-    const bool needsBinaryKey = !hasRpmsignExternal && hasCustomerSign;
-
-    m_ui->addSignaturePushButton->setVisible(hasRpmsignExternal || hasCustomerSign);
-    m_ui->removeSignaturePushButton->setVisible(canInspect);
-    m_ui->verifySignaturePushButton->setVisible(canInspect);
-    m_ui->dumpPushButton->setVisible(canInspect);
-    m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
-    m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
+    m_targetTools.insert(tools.name, tools);
+    m_current = tools;
+    m_view.showTools(tools);
     {
-        // setTargetName() has the package looked at afterwards, once.
+        // The package is looked at below, once.
         const QSignalBlocker blocker(m_ui->rpmPathChooser);
         for (PathChooser *chooser : findChildren<PathChooser *>())
             chooser->triggerChanged();
     }
-    m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
-    m_ui->toolsNoteLabel->setNote(missingTools(), NoteLabel::Warning);
     // The message and the outcome are about the last target.
     m_statusBar->clearMessage();
-    clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
-}
-
-/// Which tools the target lacks, in a sentence for the user; empty when it lacks none.
-QString SignDialog::missingTools() const
-{
-    if (m_current.hasRpmsignExternal)
-        return {};
-    if (!m_current.hasCustomerSign)
-        return tr("Target %1 cannot sign: it has neither rpmsign-external nor customer-sign")
-            .arg(m_current.name);
-    if (!m_current.hasNxvcertCli)
-        return tr("Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor "
-                  "removed")
-            .arg(m_current.name);
-    return {};
+    m_view.clearRequest();
+    updateOpensslInfo();
+    invalidate();
 }
 
 /// The back end of the current target. Null, after a message, when the target cannot sign.
@@ -480,24 +441,16 @@ SignTool *SignDialog::signTool()
             QStringLiteral("Error: unable to find signing tools for the selected target"));
         return nullptr;
     }
+    tool->setStopToken(m_stop.get_token());
     m_signTools.insert(m_current.name, tool);
     return tool;
 }
 
-/// How each operation on the chosen package begins: without a package it does nothing. \a operation
-/// gets the back end of the target while the dialog is locked; where there is none, \a onNoTool is
-/// called.
-void SignDialog::runOnPackage(const std::function<void(SignTool *tool, const Run &run)> &operation,
-                              const std::function<void()> &onNoTool)
+/// The back end for what is to be done to the chosen package; null when none is chosen or the
+/// target has no tools.
+SignTool *SignDialog::toolForPackage()
 {
-    if (package().isEmpty())
-        return;
-    if (SignTool *tool = signTool()) {
-        const Run run(&m_runQueue);
-        operation(tool, run);
-    } else if (onNoTool) {
-        onNoTool();
-    }
+    return package().isEmpty() ? nullptr : signTool();
 }
 
 /// Why the target cannot sign with \a signData, in a text for the user; empty when it can.
@@ -510,199 +463,149 @@ QString SignDialog::problemOfFields(const SignData &signData) const
     return isValid ? QString() : problem;
 }
 
-void SignDialog::addSignature()
+RunQueue::Show SignDialog::addSignature()
 {
-    runOnPackage([this](SignTool *tool, const Run &run) {
-        clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
-        m_statusBar->clearMessage();
-        const SignData signData = data();
-        QString problem = problemOfFields(signData);
-        if (!problem.isEmpty()) {
-            m_statusBar->showMessage(problem);
-        } else {
-            const Command::Result result =
-                tool->addSignature(m_current.name, {package()}, signData);
-            if (!run)
-                return;
-            problem = problemOf(result);
-            const bool isPairIncomplete =
-                signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
-            if (m_current.hasRpmsignExternal && isPairIncomplete) {
-                const QString warning =
-                    tr("No client signature was added: it needs a client key and its certificate");
-                m_statusBar->showMessage(warning);
-                logWarning(warning);
-            }
-        }
-        showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
-        refreshPackageState();
-    });
-}
-
-void SignDialog::removeSignature()
-{
-    runOnPackage([this](SignTool *tool, const Run &run) {
-        tool->removeSignature(m_current.name, {package()});
-        if (run)
-            refreshPackageState();
-    });
-}
-
-void SignDialog::clearVerdict()
-{
-    m_ui->verifyLabel->clear();
-    clearOutcome(m_ui->verifyIconLabel, m_ui->verifyReasonLabel);
-}
-
-void SignDialog::verifySignature()
-{
-    clearVerdict();
-    const auto verify = [this](SignTool *tool, const Run &run) {
-        const QStringList lookedAt = chosenPackage();
-        const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
-        if (!run || chosenPackage() != lookedAt)
-            return;
-        m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
-                                                      : tr("Could not verify signatures"));
-        showOutcome(m_ui->verifyIconLabel,
-                    m_ui->verifyReasonLabel,
-                    result.succeeded() ? QString() : problemOfSignatures(result, package()));
-    };
-    runOnPackage(verify, [this] {
-        m_ui->verifyLabel->setText(tr("Package can't be verified"));
-        m_ui->verifyIconLabel->setPixmap(Utils::Icons::BROKEN.pixmap());
-    });
-}
-
-void SignDialog::clearDump()
-{
-    m_ui->developerSignatureTextBrowser->clear();
-    m_ui->clientSignatureTextBrowser->clear();
-    m_ui->developerSignatureShortLabel->clear();
-    m_ui->clientSignatureShortLabel->clear();
-}
-
-void SignDialog::dumpSignature()
-{
-    const auto dump = [this](SignTool *tool, const Run &run) {
-        clearDump();
-        const QStringList lookedAt = chosenPackage();
-        const Command::Result result = tool->dumpSignature(m_current.name, {package()});
-        if (run && chosenPackage() == lookedAt)
-            showSignatures(midDumpOutput(QString::fromUtf8(result.stdOut)));
-    };
-    runOnPackage(dump, [this] {
-        clearDump();
-        m_ui->developerSignatureTextBrowser->setPlainText(tr("Package can't be dumped"));
-    });
-}
-
-static QString summaryOf(const QString &block)
-{
-    // The tool writes for a terminal, which takes "\r\n" for the end of a line.
-    return parseDumpForSort(QString(block).remove(QLatin1Char('\r')));
-}
-
-void SignDialog::showSignatures(const QStringList &blocks)
-{
-    if (blocks.isEmpty()) {
-        m_ui->developerSignatureTextBrowser->setText(tr("No signatures found in package"));
-        return;
+    SignTool *tool = toolForPackage();
+    if (!tool)
+        return {};
+    m_view.clearSigning();
+    m_statusBar->clearMessage();
+    const SignData signData = data();
+    if (const QString problem = problemOfFields(signData); !problem.isEmpty()) {
+        m_statusBar->showMessage(problem);
+        m_view.showSigning(problem);
+        invalidate();
+        return {};
     }
-    m_ui->developerSignatureTextBrowser->setText(blocks.first());
-    m_ui->developerSignatureTextBrowser->show();
-    m_ui->developerSignatureShortLabel->setText(summaryOf(blocks.first()));
+    const bool isPairIncomplete =
+        signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
+    const Command::Result result = tool->addSignature(m_current.name, {package()}, signData);
+    return [this, result, isPairIncomplete] {
+        if (m_current.hasRpmsignExternal && isPairIncomplete)
+            warnOfMissingClientSignature();
+        m_view.showSigning(problemOf(result));
+        invalidate();
+    };
+}
 
-    const bool hasClient = blocks.size() > 1;
-    if (hasClient) {
-        m_ui->clientSignatureTextBrowser->setText(blocks.at(1));
-        m_ui->clientSignatureShortLabel->setText(summaryOf(blocks.at(1)));
+void SignDialog::warnOfMissingClientSignature()
+{
+    const QString warning =
+        tr("No client signature was added: it needs a client key and its certificate");
+    m_statusBar->showMessage(warning);
+    logWarning(warning);
+}
+
+RunQueue::Show SignDialog::removeSignature()
+{
+    SignTool *tool = toolForPackage();
+    if (!tool)
+        return {};
+    tool->removeSignature(m_current.name, {package()});
+    return [this] { invalidate(); };
+}
+
+RunQueue::Show SignDialog::verifySignature()
+{
+    m_view.clearVerdict();
+    if (package().isEmpty())
+        return {};
+    SignTool *tool = signTool();
+    if (!tool) {
+        m_view.showNoVerdict();
+        return {};
     }
-    m_ui->clientSignatureTextBrowser->setVisible(hasClient);
+    const PackageState lookedAt = m_packageWatch.lastState();
+    const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
+    return [this, result, lookedAt] {
+        if (m_packageWatch.lastState() == lookedAt)
+            m_view.showVerdict(result, package());
+    };
 }
 
-void SignDialog::refreshPackageState()
+RunQueue::Show SignDialog::dumpSignature()
 {
-    const Run run(&m_runQueue);
-    m_runQueue.withdraw(REFRESH);
-    m_packageWatch.lookAt(package());
-    const QStringList lookedAt = chosenPackage();
-    verifySignature();
-    if (run && chosenPackage() == lookedAt)
-        dumpSignature();
+    if (package().isEmpty())
+        return {};
+    m_view.clearDump();
+    SignTool *tool = signTool();
+    if (!tool) {
+        m_view.showNoDump();
+        return {};
+    }
+    const PackageState lookedAt = m_packageWatch.lastState();
+    const Command::Result result = tool->dumpSignature(m_current.name, {package()});
+    return [this, result, lookedAt] {
+        if (m_packageWatch.lastState() == lookedAt)
+            m_view.showDump(QString::fromUtf8(result.stdOut));
+    };
 }
 
-/// The package that is chosen, and what is known of its files on disk. A result is outdated when
-/// this has changed since its tool was started; invalidate() has then requested a new look.
-QStringList SignDialog::chosenPackage() const
-{
-    return m_packageWatch.lastState() << package();
-}
-
+/// Has the package looked at anew. A run that looks at it now is outdated, and its result is
+/// dropped.
 void SignDialog::invalidate()
 {
     // The verdict on the last package must not stand beside another one.
-    clearVerdict();
-    m_runQueue.request(REFRESH, [this] { refreshPackageState(); });
+    m_view.clearVerdict();
+    m_packageWatch.lookAt(package());
+    m_runQueue.request({Task::Verify, Task::Dump});
 }
 
 void SignDialog::generateRequest()
 {
-    const Run run(&m_runQueue);
     m_statusBar->clearMessage();
-    updateOpensslInfo();
-    if (!run)
-        return;
+    m_runQueue.request({Task::LookForOpenssl, Task::Request});
+}
 
-    if (const QString problem = whyNoRequest(keyGenerationData()); !problem.isEmpty()) {
+RunQueue::Show SignDialog::makeRequest()
+{
+    const KeyGenerationData keyData = keyGenerationData();
+    if (const QString problem = whyNoRequest(keyData); !problem.isEmpty()) {
         m_statusBar->showMessage(problem);
-        showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem);
-        return;
+        m_view.showRequest(problem);
+        return {};
     }
     SignTool *tool = signTool();
     if (!tool)
-        return;
-    clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
-    const Command::Result result = tool->generateRequest(m_current.name, keyGenerationData());
-    if (!run)
-        return;
-    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problemOf(result));
-    if (!result.succeeded()) {
-        m_statusBar->showMessage(
-            tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));
-    }
+        return {};
+    m_view.clearRequest();
+    const Command::Result result = tool->generateRequest(m_current.name, keyData);
+    return [this, result] {
+        m_view.showRequest(problemOf(result));
+        if (!result.succeeded()) {
+            m_statusBar->showMessage(
+                tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));
+        }
+    };
 }
 
 void SignDialog::onTabChanged(int index)
 {
     if (index == REQUEST_TAB)
-        m_runQueue.request(QStringLiteral("look for openssl"), [this] { updateOpensslInfo(); });
+        updateOpensslInfo();
 }
 
 void SignDialog::updateOpensslInfo()
 {
-    if (m_targetTools.contains(m_current.name)) {
-        const Run run(&m_runQueue);
-        TargetToolsInfo info = m_targetTools.value(m_current.name);
-        info.updateOpensslState();
-        if (!run)
-            return;
-        m_targetTools.insert(info.name, info);
-        m_current = info;
-    }
-    updateOpensslLabel();
+    m_runQueue.request({Task::LookForOpenssl});
+}
+
+RunQueue::Show SignDialog::lookForOpenssl()
+{
+    if (m_current.name.isEmpty())
+        return {};
+    TargetToolsInfo tools = m_current;
+    tools.updateOpensslState(m_stop.get_token());
+    return [this, tools] {
+        m_targetTools.insert(tools.name, tools);
+        m_current = tools;
+        updateOpensslLabel();
+    };
 }
 
 void SignDialog::updateOpensslLabel()
 {
-    QTextEdit *label = m_ui->opensslStatusLabel;
-    label->clear();
-    if (m_current.name.isEmpty() || m_current.hasOpenssl)
-        return;
-    label->setTextColor(QColor::fromString(QLatin1String("red")));
-    label->setText(tr("OpenSSL not found in target '%1', please install it.").arg(m_current.name));
-    label->setTextColor(QApplication::palette().color(QPalette::Text));
-    label->append(tr("Available in: Tools - Options - Veyra OS - Manage Build Targets"));
+    m_view.showOpenssl(m_current);
 }
 
 void SignDialog::processButtonOperation(bool running)
@@ -714,22 +617,6 @@ void SignDialog::processButtonOperation(bool running)
         button->setEnabled(!running);
     m_ui->m_comboBoxBuildTargets->setEnabled(!running);
     m_ui->rpmPathChooser->setEnabled(!running || typing);
-}
-
-// "Subject: CN=Regular\nGroup: developer\nSubgroup: regular\n" gives
-// "Subject: CN=Regular\nGroup: developer\n"
-QString parseDumpForSort(const QString &dump)
-{
-    static const QRegularExpression line(QStringLiteral(
-        "(?:Subject:(.*))|(?:Group:(.*))|(?:Subgroup:(.*))|(?:Key ID:(.*))|(?:Signature:(.*))"));
-    QString summary;
-    for (auto matches = line.globalMatch(dump); matches.hasNext();) {
-        const QString match = matches.next().captured();
-        qCDebug(debugLog) << match;
-        if (match.startsWith(QLatin1String("Subject")) || match.startsWith(QLatin1String("Group")))
-            summary += match + QLatin1Char('\n');
-    }
-    return summary;
 }
 
 } // namespace Sealkit::Internal

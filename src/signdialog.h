@@ -2,6 +2,7 @@
 
 #include "buildengineinfo.h"
 #include "packagewatch.h"
+#include "resultview.h"
 #include "runqueue.h"
 #include "signdata.h"
 #include "targettoolsinfo.h"
@@ -11,8 +12,8 @@
 #include <QDialog>
 #include <QHash>
 
-#include <functional>
 #include <memory>
+#include <stop_token>
 
 class QPushButton;
 class QStatusBar;
@@ -23,8 +24,8 @@ namespace Sealkit::Internal {
 class SignTool;
 
 /// Signs, unsigns, verifies and dumps a package of the user's choice, and makes keys with their
-/// certificate signing requests. The tools run while the event loop turns; when the user chooses
-/// another package meanwhile, its state is shown after the run.
+/// certificate signing requests. What is to be done waits in a queue, which locks the dialog until
+/// all is done. When the user chooses another package meanwhile, its state is shown in the end.
 class SignDialog : public QDialog
 {
     Q_OBJECT
@@ -46,7 +47,7 @@ private slots:
     void onTabChanged(int index);
 
 private:
-    using Run = RunQueue::Run;
+    using Task = RunQueue::Task;
 
     void initPathChoosers();
     void connectButtons();
@@ -58,47 +59,44 @@ private:
     QString package() const;
     KeyGenerationData keyGenerationData() const;
     bool verifyPath(const QString &path, bool mustExist, QString *error) const;
+    QString problemOfFields(const SignData &signData) const;
 
     void setTargets(const QStringList &targets);
-    void showEngineProblem(BuildEngineInfo::Problem problem);
     void setTargetName(const QString &name);
-    void followTarget();
-    void showToolsOfTarget();
-    QString missingTools() const;
+    void showEngineProblem(BuildEngineInfo::Problem problem);
+    void setTools(const TargetToolsInfo &tools);
     SignTool *signTool();
-    void runOnPackage(const std::function<void(SignTool *tool, const Run &run)> &operation,
-                      const std::function<void()> &onNoTool = {});
+    SignTool *toolForPackage();
 
-    QString problemOfFields(const SignData &signData) const;
-    void clearVerdict();
-    void clearDump();
-    void addSignature();
-    void removeSignature();
-    void verifySignature();
-    void dumpSignature();
-    void refreshPackageState();
-    QStringList chosenPackage() const;
-    void showSignatures(const QStringList &blocks);
+    void invalidate();
     void generateRequest();
-
     void updateOpensslInfo();
     void updateOpensslLabel();
-    void invalidate();
-
+    void warnOfMissingClientSignature();
     void processButtonOperation(bool running);
 
+    // The tasks; called by the queue alone.
+    RunQueue::Show work(Task task);
+    RunQueue::Show followTarget();
+    RunQueue::Show lookForOpenssl();
+    RunQueue::Show addSignature();
+    RunQueue::Show removeSignature();
+    RunQueue::Show verifySignature();
+    RunQueue::Show dumpSignature();
+    RunQueue::Show makeRequest();
+
     PackageWatch m_packageWatch;
-    TargetToolsInfo m_current;
+    QString m_targetName;      ///< chosen by the user
+    TargetToolsInfo m_current; ///< of the target that was chosen when the last task began
     QHash<QString, TargetToolsInfo> m_targetTools;
     QHash<QString, SignTool *> m_signTools;
     Utils::FilePath m_workspace;
     const std::unique_ptr<Ui_SignDialog> m_ui;
+    ResultView m_view;
     QList<QPushButton *> m_buttons;
     QStatusBar *m_statusBar = nullptr;
-    RunQueue m_runQueue{this};
+    std::stop_source m_stop; ///< ends the tool that runs when the dialog is deleted
+    RunQueue m_runQueue;
 };
-
-/// The subject and group lines of a signature's dump.
-QString parseDumpForSort(const QString &dump);
 
 } // namespace Sealkit::Internal

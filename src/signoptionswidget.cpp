@@ -7,7 +7,6 @@
 #include "utils.h"
 
 #include <brisk/buildengine.h>
-#include <brisk/sdk.h>
 #include <utils/pathchooser.h>
 
 #include <QSettings>
@@ -35,9 +34,7 @@ SignOptionsWidget::SignOptionsWidget()
                      .pathKey = Constants::GLOBAL_SIGNCERT_KEY,
                      .useDefaultKey = Constants::USE_DEFAULT_SIGNCERT_KEY};
 
-    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
-    if (!engines.isEmpty()) {
-        Brisk::BuildEngine *engine = engines.first();
+    if (const Brisk::BuildEngine *engine = firstBuildEngine()) {
         updateDefaultsKeys(engine->sharedSrcPath());
         connect(
             engine, &Brisk::BuildEngine::sharedSrcPathChanged, this, &Self::onSharedSrcPathChanged);

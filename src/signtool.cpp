@@ -3,8 +3,6 @@
 #include "passworddialog.h"
 #include "runlog.h"
 
-#include <QPointer>
-
 #include <algorithm>
 #include <array>
 
@@ -22,13 +20,33 @@ SignTool::SignTool(QObject *parent)
     connect(this, &SignTool::addError, this, logError);
 }
 
+Command::Result SignTool::run(const QPointer<const SignTool> &tool, const QStringList &commandLine)
+{
+    if (!tool)
+        return Command::Result::notRun(Command::ToolObjectGone);
+    Command::Result result = Command::exec(tool->m_handler, commandLine, tool->m_stopToken);
+    if (!tool && result.cancelled == Command::PromptDeclined)
+        result.cancelled = Command::ToolObjectGone;
+    return result;
+}
+
 bool SignTool::handleIO(const QByteArray &stdOutChunk,
                         const QByteArray &stdErrChunk,
                         QByteArray &input)
 {
-    const QPointer<SignTool> self(this);
-    return handleIOInternal(stdOutChunk, false, input) && self
+    return handleIOInternal(stdOutChunk, false, input)
            && handleIOInternal(stdErrChunk, true, input);
+}
+
+/// Asks the user what a tool asks for with \a prompt. False when the user declines.
+static bool answer(const QString &prompt, const std::stop_token &stop, QByteArray &input)
+{
+    bool ok = false;
+    const QString password = PasswordDialog::getPassord(prompt, &ok, stop);
+    if (!ok || password.isEmpty())
+        return false;
+    input += password.toUtf8() + '\n';
+    return true;
 }
 
 bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArray &input)
@@ -38,19 +56,15 @@ bool SignTool::handleIOInternal(const QByteArray &chunk, bool isError, QByteArra
     const QString text = QString::fromUtf8(chunk).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     const QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString &line : lines) {
-        if (isPasswordReq(line)) {
-            bool ok = false;
-            const QString password = PasswordDialog::getPassord(line, &ok, m_stopToken);
-            if (!self || !ok || password.isEmpty())
-                return false;
-            input += password.toUtf8() + '\n';
-        } else if (isError) {
+        bool goesOn = true;
+        if (isPasswordReq(line))
+            goesOn = answer(line, m_stopToken, input);
+        else if (isError)
             emit addError(line);
-        } else {
+        else
             emit addOutput(line);
-        }
-        if (!self)
-            return false; // a receiver of the line has deleted this object
+        if (!self || !goesOn)
+            return false; // whoever was told of the line may have deleted this object
     }
     return true;
 }

@@ -3,6 +3,7 @@
 #include "command.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <stop_token>
 #include <utility>
@@ -47,14 +48,13 @@ signals:
     void addError(const QString &error);
 
 protected:
-    Command::Result run(const QStringList &commandLine) const
-    {
-        return Command::exec(m_handler, commandLine, m_stopToken);
-    }
+    /// Runs a command line of \a tool; none when the object has been deleted in an earlier run.
+    static Command::Result run(const QPointer<const SignTool> &tool,
+                               const QStringList &commandLine);
     template<typename Tag, typename... Args>
     Command::Result run(const Args &...args) const
     {
-        return run(Command::compose<Tag>(args...));
+        return run(QPointer(this), Command::compose<Tag>(args...));
     }
 
     /// A copy of it can be called when this object is gone; it then kills the program.

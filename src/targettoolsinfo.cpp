@@ -8,26 +8,32 @@ using Command::Target;
 
 /// Whether the tool is there. Only its exit code counts once it was started; it may even crash.
 template<typename Help>
-static bool showsHelp(const QString &target)
+static bool showsHelp(const QString &target, const std::stop_token &stop)
 {
-    const Command::Result result = Command::exec<Help>({}, target);
+    const Command::Result result = Command::exec({}, Command::compose<Help>(target), stop);
     return result.started && result.exitCode == 0;
 }
 
-TargetToolsInfo::TargetToolsInfo(const QString &target)
-    : name(target)
+template<typename Version>
+static bool tellsVersion(const QString &target, const std::stop_token &stop)
 {
-    hasRpmsignExternal = Command::exec<Target::rpmsign_external::version>({}, target).succeeded();
-    if (!hasRpmsignExternal) {
-        hasCustomerSign = showsHelp<Target::customer_sign::help>(target);
-        hasNxvcertCli = showsHelp<Target::nxvcert_cli::help>(target);
-    }
-    updateOpensslState();
+    return Command::exec({}, Command::compose<Version>(target), stop).succeeded();
 }
 
-void TargetToolsInfo::updateOpensslState()
+TargetToolsInfo::TargetToolsInfo(const QString &target, const std::stop_token &stop)
+    : name(target)
 {
-    hasOpenssl = Command::exec<Target::openssl::version>({}, name).succeeded();
+    hasRpmsignExternal = tellsVersion<Target::rpmsign_external::version>(target, stop);
+    if (!hasRpmsignExternal) {
+        hasCustomerSign = showsHelp<Target::customer_sign::help>(target, stop);
+        hasNxvcertCli = showsHelp<Target::nxvcert_cli::help>(target, stop);
+    }
+    updateOpensslState(stop);
+}
+
+void TargetToolsInfo::updateOpensslState(const std::stop_token &stop)
+{
+    hasOpenssl = tellsVersion<Target::openssl::version>(name, stop);
 }
 
 } // namespace Sealkit::Internal

@@ -2,17 +2,19 @@
 
 #include <QString>
 
+#include <stop_token>
+
 namespace Sealkit::Internal {
 
 /// Which tools a build target has.
 struct TargetToolsInfo
 {
     TargetToolsInfo() = default;
-    /// Runs the tools in \a target to find out.
-    explicit TargetToolsInfo(const QString &target);
+    /// Runs the tools in \a target to find out; when \a stop is requested they end at once.
+    explicit TargetToolsInfo(const QString &target, const std::stop_token &stop = {});
 
     /// Looks for openssl again, and only for openssl.
-    void updateOpensslState();
+    void updateOpensslState(const std::stop_token &stop = {});
 
     QString name;
     bool hasRpmsignExternal = false;

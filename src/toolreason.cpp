@@ -69,12 +69,29 @@ QString tellingLine(const QString &output)
     return lines.isEmpty() ? QString() : lines.last();
 }
 
+static QString whyCancelled(Command::Cancellation cancelled)
+{
+    switch (cancelled) {
+    case Command::PromptDeclined:
+        return QObject::tr("Cancelled: no pass phrase was given");
+    case Command::StoppedByUser:
+        return QObject::tr("Stopped by the user");
+    case Command::IdeClosing:
+        return QObject::tr("Stopped: the IDE closes");
+    case Command::ToolObjectGone:
+        return QObject::tr("Stopped: the step or dialog that started the tool is gone");
+    case Command::NotCancelled:
+        break;
+    }
+    return {};
+}
+
 QString whyFailed(const Command::Result &result)
 {
+    if (result.cancelled)
+        return whyCancelled(result.cancelled);
     if (!result.started)
         return QObject::tr("The tool could not be started; see the General Messages");
-    if (result.cancelled)
-        return QObject::tr("Cancelled: no pass phrase was given");
     const QString line = tellingLine(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
     return line.isEmpty()
                ? QObject::tr("The tool gave no reason; its exit code was %1").arg(result.exitCode)

@@ -8,11 +8,16 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSet>
 
 namespace Sealkit::Internal {
 
 Q_LOGGING_CATEGORY(debugLog, "qtc.sealkit", QtWarningMsg)
+
+Brisk::BuildEngine *firstBuildEngine()
+{
+    const QList<Brisk::BuildEngine *> engines = Brisk::Sdk::buildEngines();
+    return engines.isEmpty() ? nullptr : engines.first();
+}
 
 void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup)
 {
@@ -107,72 +112,41 @@ QStringList getRpmListFrom(const QString &path)
     return paths;
 }
 
-QList<PackageDump> splitDumpByPackage(const QString &text)
+/// The package that \a line of a dump names: the one whose path it is, or else the one whose file
+/// name ends last in it, since a target may see the folder under another path. Empty when there is
+/// none.
+static QString packageNamedIn(const QString &line, const QStringList &packages)
 {
-    static const QRegularExpression packagePath(QStringLiteral("(\\/.*.rpm)"),
-                                                QRegularExpression::InvertedGreedinessOption);
-    QList<PackageDump> dumps;
-    qsizetype start = 0;
-    const auto endLastAt = [&](qsizetype end) {
-        if (!dumps.isEmpty())
-            dumps.last().dump = text.mid(start, end - start);
-    };
-    for (auto matches = packagePath.globalMatch(text); matches.hasNext();) {
-        const QRegularExpressionMatch match = matches.next();
-        endLastAt(match.capturedStart());
-        start = match.capturedStart();
-        dumps << PackageDump{match.captured(1), {}};
-    }
-    endLastAt(text.size());
-    return dumps;
-}
-
-/// The package whose file name stands first in \a line and ends at \a minEnd or later; if several
-/// names start there, the longest one. Empty when there is none.
-static QString packageInLine(QStringView line, qsizetype minEnd, const QStringList &packages)
-{
+    if (packages.contains(line))
+        return line;
     QString found;
-    qsizetype foundAt = line.size();
-    qsizetype foundSize = 0;
+    qsizetype foundEnd = 0;
     for (const QString &package : packages) {
         const QString name = QLatin1Char('/') + QFileInfo(package).fileName();
-        const qsizetype at = line.indexOf(name, qMax(qsizetype(0), minEnd - name.size()));
-        if (at < 0 || at > foundAt || (at == foundAt && name.size() <= foundSize))
-            continue;
-        found = package;
-        foundAt = at;
-        foundSize = name.size();
+        const qsizetype at = line.lastIndexOf(name);
+        if (at >= 0 && at + name.size() > foundEnd) {
+            found = package;
+            foundEnd = at + name.size();
+        }
     }
     return found;
 }
 
+// Of "/w/a.rpm" and "/w/b.rpm", "/w/a.rpm\r\nSubject: x\r\nGroup: client\r\n/w/b.rpm\r\n" gives the
+// first three lines for the one, and the last line for the other.
 QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages)
 {
     QList<PackageDump> dumps;
-    const QSet<QString> known(packages.begin(), packages.end());
-    const QList<PackageDump> sections = splitDumpByPackage(text);
-    qsizetype start = text.size();
-    for (const PackageDump &section : sections)
-        start -= section.dump.size();
-
-    qsizetype lastLineStart = -1;
-    for (const PackageDump &section : sections) {
-        const qsizetype lineStart = text.lastIndexOf(QLatin1Char('\n'), start) + 1;
-        const qsizetype nextLine = text.indexOf(QLatin1Char('\n'), start);
-        const qsizetype lineEnd = nextLine < 0 ? text.size() : nextLine;
-        const QString line = text.mid(lineStart, lineEnd - lineStart).remove(QLatin1Char('\r'));
-        const qsizetype pathEnd = start - lineStart + section.packagePath.size();
-        const QString package =
-            known.contains(line) ? line : packageInLine(line, pathEnd, packages);
-        const bool goesOn =
-            lineStart == lastLineStart && !dumps.isEmpty() && package == dumps.last().packagePath;
-        if (!package.isEmpty() && !goesOn) {
-            dumps << PackageDump{package, section.dump};
-            lastLineStart = lineStart;
-        } else if (!dumps.isEmpty()) {
-            dumps.last().dump += section.dump;
-        }
-        start += section.dump.size();
+    qsizetype end = 0;
+    for (qsizetype start = 0; start < text.size(); start = end) {
+        const qsizetype lineEnd = text.indexOf(QLatin1Char('\n'), start);
+        end = lineEnd < 0 ? text.size() : lineEnd + 1;
+        const QString line = text.mid(start, end - start);
+        const QString package = packageNamedIn(line.trimmed(), packages);
+        if (!package.isEmpty())
+            dumps << PackageDump{package, {}};
+        if (!dumps.isEmpty())
+            dumps.last().dump += line;
     }
     return dumps;
 }

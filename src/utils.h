@@ -7,6 +7,10 @@
 #include <QLoggingCategory>
 #include <QStringList>
 
+namespace Brisk {
+class BuildEngine;
+}
+
 namespace Utils {
 class PathChooser;
 }
@@ -15,6 +19,10 @@ namespace Sealkit::Internal {
 
 /// For developers. Silent unless the rule "qtc.sealkit.debug=true" asks for it.
 Q_DECLARE_LOGGING_CATEGORY(debugLog)
+
+/// The engine whose targets and workspace this plugin takes where no kit names one. Null when the
+/// SDK has none.
+Brisk::BuildEngine *firstBuildEngine();
 
 /// What a chooser of an existing file needs; the texts are in the user's language.
 struct ChooserSetup
@@ -59,12 +67,8 @@ struct PackageDump
     friend bool operator==(const PackageDump &, const PackageDump &) = default;
 };
 
-/// Cuts a dump of several packages where a line names the next one. A path ends at its first "rpm",
-/// which may be in the name of a folder.
-QList<PackageDump> splitDumpByPackage(const QString &text);
-
-/// Cuts a dump of \a packages where a line names one of them. Other paths stay part of the dump of
-/// the package in which they stand.
+/// Cuts a dump of several packages at each line that names one of \a packages. What stands before
+/// the first such line is left out; lines that name other paths stay where they stand.
 QList<PackageDump> dumpsOfPackages(const QString &text, const QStringList &packages);
 
 /// Which kinds of signatures a dump shows.

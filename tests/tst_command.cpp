@@ -51,8 +51,8 @@ private slots:
     void stopsAtADeclinedPrompt();
     void survivesItsToolBeingDeleted();
 
-    void killsWhenTheIdeCloses_data();
-    void killsWhenTheIdeCloses();
+    void killsWhatIsNotWantedAnyMore_data();
+    void killsWhatIsNotWantedAnyMore();
     void startsNothingAfterTheIdeHasClosed();
 
 private:
@@ -269,7 +269,8 @@ void CommandTest::stopsAtADeclinedPrompt()
                                        "prompt:Enter pass phrase for a",
                                        "prompt:Enter pass phrase for b",
                                        "exit:0"});
-    QVERIFY(result.crashed && result.cancelled);
+    QVERIFY(result.crashed);
+    QCOMPARE(result.cancelled, Command::PromptDeclined);
     QCOMPARE(user.prompts().size(), 2);
 }
 
@@ -288,37 +289,50 @@ void CommandTest::survivesItsToolBeingDeleted()
         lines << line;
         telling.reset();
     });
-    QVERIFY(telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "sleep:5"}).crashed);
+    const Result result = telling->run({FAKE_TOOL, "err:first\\nsecond\\n", "sleep:5"});
+    QVERIFY(result.crashed);
+    QCOMPARE(result.cancelled, Command::ToolObjectGone);
     QCOMPARE(lines, QStringList{"first"});
 }
 
-void CommandTest::killsWhenTheIdeCloses_data()
+void CommandTest::killsWhatIsNotWantedAnyMore_data()
 {
-    QTest::addColumn<bool>("isRead");
+    addColumns<Command::Cancellation, bool>("why", "isRead");
 
-    addRow("a program that is read", true);
-    addRow("a silent one", false);
+    addRow("the IDE closes, a program that is read", Command::IdeClosing, true);
+    addRow("the IDE closes, a silent one", Command::IdeClosing, false);
+    addRow("a stop, a program that is read", Command::StoppedByUser, true);
+    addRow("a stop, a silent one", Command::StoppedByUser, false);
 }
 
-void CommandTest::killsWhenTheIdeCloses()
+void CommandTest::killsWhatIsNotWantedAnyMore()
 {
     if (ranInOwnProgram())
         return;
+    QFETCH(Command::Cancellation, why);
     QFETCH(bool, isRead);
     // What it printed before may be a prompt; there is nobody left to answer it.
-    QTimer::singleShot(0, [] {
+    std::stop_source stop;
+    QTimer::singleShot(0, [&] {
         QTest::qSleep(200);
-        emit Core::ICore::instance()->coreAboutToClose();
+        if (why == Command::IdeClosing)
+            emit Core::ICore::instance()->coreAboutToClose();
+        else
+            stop.request_stop();
     });
     QByteArray received;
     const auto handler = [&received](const QByteArray &out, const QByteArray &, QByteArray &) {
         received += out;
         return true;
     };
-    QVERIFY(
-        Command::exec(isRead ? Command::Handler(handler) : nullptr, {FAKE_TOOL, "out:x", "hang"})
-            .crashed);
+    const QStringList program{FAKE_TOOL, "out:x", "hang"};
+    const Result result =
+        Command::exec(isRead ? Command::Handler(handler) : nullptr, program, stop.get_token());
+    QVERIFY(result.crashed);
+    QCOMPARE(result.cancelled, why);
     QCOMPARE(received, QByteArray());
+    if (why == Command::StoppedByUser)
+        QCOMPARE(Command::exec({}, program, stop.get_token()), Result::notRun(why));
 }
 
 void CommandTest::startsNothingAfterTheIdeHasClosed()

@@ -4,22 +4,22 @@
 #include <QTest>
 
 using Sealkit::Internal::RunQueue;
+using Task = RunQueue::Task;
 
-/// Has a field that is locked during a run, between two that stay usable.
+/// Has a field that is locked while tasks are done, between two that stay usable.
 class Window : public QWidget
 {
 public:
-    Window()
+    explicit Window(const RunQueue::Work &work)
+        : queue(this, work)
     {
         connect(&queue, &RunQueue::lockChanged, &locked, &QWidget::setDisabled);
-        connect(&queue, &RunQueue::busyChanged, this, [this](bool busy) { isBusy = busy; });
         show();
         locked.setFocus();
     }
 
-    RunQueue queue{this};
     QLineEdit free{this}, locked{this}, other{this};
-    bool isBusy = false;
+    RunQueue queue;
 };
 
 class RunQueueTest : public QObject
@@ -27,53 +27,68 @@ class RunQueueTest : public QObject
     Q_OBJECT
 
 private slots:
-    void locksAndGivesTheFocusBack();
-    void doesRequestsAfterTheRun();
+    void locksFromTheFirstTaskToTheLast();
+    void leavesTheFocusWhereTheUserMovedIt();
     void survivesItsWindow();
 };
 
-void RunQueueTest::locksAndGivesTheFocusBack()
+void RunQueueTest::locksFromTheFirstTaskToTheLast()
 {
-    Window window;
-    {
-        const RunQueue::Run outer(&window.queue);
-        RunQueue::Run{&window.queue}; // within the outer one
-        QVERIFY(window.isBusy && !window.locked.isEnabled());
-    }
-    QVERIFY(!window.isBusy && window.locked.isEnabled());
+    QList<Task> begun, shown;
+    Window *self = nullptr;
+    const auto work = [&](Task task) -> RunQueue::Show {
+        begun << task;
+        if (task == Task::Sign)
+            self->queue.request({Task::Verify, Task::Dump}); // by the user
+        QCoreApplication::processEvents();                   // as a tool's run does
+        if (task == Task::Remove)
+            return {};
+        return [&, task] {
+            QVERIFY(!self->locked.isEnabled());
+            shown << task;
+            if (task == Task::Sign)
+                self->queue.request({Task::Verify, Task::Dump}); // once more
+        };
+    };
+    Window window(work);
+    self = &window;
+    window.queue.request({Task::Dump, Task::Sign});
+    window.queue.request({Task::Remove});
+    QVERIFY(!window.locked.isEnabled() && begun.isEmpty());
+    QCoreApplication::processEvents();
+    QCOMPARE(begun, QList({Task::Dump, Task::Sign, Task::Remove, Task::Verify, Task::Dump}));
+    QCOMPARE(shown, QList({Task::Dump, Task::Sign, Task::Verify, Task::Dump}));
+    QVERIFY(window.locked.isEnabled());
     QCOMPARE(window.focusWidget(), &window.locked);
+
+    window.queue.request({Task::Remove});
+    QCoreApplication::processEvents();
+    QCOMPARE(begun.last(), Task::Remove);
 }
 
-void RunQueueTest::doesRequestsAfterTheRun()
+void RunQueueTest::leavesTheFocusWhereTheUserMovedIt()
 {
-    Window window;
-    QStringList done;
-    {
-        const RunQueue::Run run(&window.queue);
-        for (const char *name : {"one", "two", "withdrawn", "one"})
-            window.queue.request(name, [&done, name] { done << name; });
-        window.queue.withdraw("withdrawn");
-        window.free.setFocus(); // by the user, who goes on there
-        QCoreApplication::processEvents();
-        QCOMPARE(done, QStringList());
-    }
-    QVERIFY(window.isBusy);
+    Window window([](Task) { return RunQueue::Show(); });
+    window.queue.request({Task::Verify});
+    window.free.setFocus();
     QCoreApplication::processEvents();
-    QCOMPARE(done, QStringList({"one", "two"}));
-    QVERIFY(!window.isBusy && window.focusWidget() == &window.free);
+    QVERIFY(window.locked.isEnabled());
+    QCOMPARE(window.focusWidget(), &window.free);
 }
 
 void RunQueueTest::survivesItsWindow()
 {
-    const QPointer<Window> window(new Window);
-    window->queue.request("close", [&window] {
-        const RunQueue::Run run(&window->queue);
-        window->queue.request("too late", [] { QFAIL("The window has gone."); });
+    QPointer<Window> window;
+    int begun = 0;
+    window = new Window([&](Task) {
+        ++begun;
         delete window;
-        QVERIFY(!run);
+        return [] { QFAIL("The window has gone."); };
     });
+    window->queue.request({Task::Verify, Task::Dump});
     QCoreApplication::processEvents();
     QVERIFY(!window);
+    QCOMPARE(begun, 1);
 }
 
 QTEST_MAIN(RunQueueTest)

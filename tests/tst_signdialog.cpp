@@ -600,7 +600,7 @@ void SignDialogTest::locksItselfDuringARun()
     QCOMPARE(meanwhile, "");
     QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
     QCOMPARE(enabled(), lockable);
-    QVERIFY(messages.take().last().endsWith(" openssl version"));
+    QCOMPARE(messages.take().filter(" openssl version").size(), 1);
 }
 
 void SignDialogTest::showsNothingOfTheFormerPackage_data()
@@ -662,18 +662,14 @@ void SignDialogTest::looksAgainWhenFilesChange()
         NOT_VERIFIED + "|signature 1 is NOT valid: the package was changed after it was signed";
     shows(VERIFIED + '|');
 
-    // A twin of the same time takes its place, and is watched in turn.
-    QVERIFY(QFile::copy(package, package + ".new"));
+    // A twin of the same size and time takes its place, and is watched in turn.
+    writeFile(package + ".new", QByteArray(goodPackage).replace(".rpm", ".RPM"));
     QFile twin(package + ".new");
     QVERIFY(twin.open(QIODevice::ReadWrite)
             && twin.setFileTime(QFileInfo(package).lastModified(), QFile::FileModificationTime));
     QVERIFY(QFile::remove(package) && twin.rename(package));
-    QTest::qWait(600);
-    QCOMPARE(verdict(), VERIFIED + '|');
-    writeFile(package, QByteArray(goodPackage).replace(".rpm", ".RPM"));
     shows(changed);
-    writeFile(package + ".new", goodPackage);
-    QVERIFY(QFile::remove(package) && QFile::rename(package + ".new", package));
+    writeFile(package, goodPackage);
     shows(VERIFIED + '|');
     QVERIFY(QFile::remove(signature));
     shows(NOT_VERIFIED + "|not signed");

@@ -22,9 +22,17 @@ void ToolReasonTest::alwaysKnowsAReason_data()
     addRow("not started",
            Result{.stdErr = {}, .stdOut = {}, .started = false},
            "The tool could not be started; see the General Messages");
-    addRow("declined prompt",
-           Result{.crashed = true, .stdErr = {}, .stdOut = "a line\n", .cancelled = true},
-           "Cancelled: no pass phrase was given");
+    const auto cancelled = [](const char *name, Command::Cancellation why, const char *reason) {
+        addRow(name,
+               Result{.crashed = true, .stdErr = {}, .stdOut = "a line\n", .cancelled = why},
+               QString(reason));
+    };
+    cancelled("declined prompt", Command::PromptDeclined, "Cancelled: no pass phrase was given");
+    cancelled("stopped", Command::StoppedByUser, "Stopped by the user");
+    cancelled("closing", Command::IdeClosing, "Stopped: the IDE closes");
+    cancelled("deleted",
+              Command::ToolObjectGone,
+              "Stopped: the step or dialog that started the tool is gone");
     addRow(
         "told on both channels", Result{.exitCode = 1, .stdErr = "why", .stdOut = "what"}, "why");
 

@@ -62,7 +62,9 @@ void UtilsTest::findsThePackagesOfADump_data()
     row("rpm in a package's name", {dumpOf("/w/my-rpm-app/rpm-tools.rpm"), b});
     row("a name that goes on", {dumpOf("/w/a.rpm", "/src"), dumpOf("/w/a.rpm.x.rpm", "/src")});
     row("one name in two folders", {dumpOf("/w/1/a.rpm"), dumpOf("/w/2/a.rpm")});
-    row("two on a line", {{a.packagePath, a.packagePath + ' '}, b});
+    row("a folder's name is a package's", {dumpOf("/w/x.rpm"), dumpOf("/w/x.rpm/a.rpm", "/src")});
+    row("words around", {{a.packagePath, "Package " + a.packagePath + ":\nGroup: y\n"}, b});
+    row("cut off", {a, {b.packagePath, b.packagePath + "\nGroup: y"}});
     row("mapped into the engine",
         {dumpOf("/w/a.rpm", "/src/my-rpm"), dumpOf("/w/b.rpm", "/src/my-rpm")});
     row("a path in a signature", {{a.packagePath, a.dump + "Subject: CN=/c.rpm\n"}, b});

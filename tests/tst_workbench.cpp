@@ -49,6 +49,7 @@ private slots:
     void windowStopsADeploy_data();
     void windowStopsADeploy();
     void windowSaysWhatFailedAndRemembersSteps();
+    void windowGoesOnWhileItLooksAtPackages();
     void optionsHoldLanguageAndSdk();
 
 private:
@@ -203,6 +204,14 @@ void WorkbenchTest::checksTheDisplay()
     QVERIFY(workbench.exitStatus() == QProcess::CrashExit || workbench.exitCode() != 0);
 }
 
+static void trigger(const MainWindow &window, const QString &text)
+{
+    for (QAction *action : window.findChildren<QAction *>()) {
+        if (action->text() == text)
+            action->trigger();
+    }
+}
+
 void WorkbenchTest::windowStopsADeploy_data()
 {
     addColumns<QString>("action");
@@ -217,19 +226,13 @@ void WorkbenchTest::windowStopsADeploy()
     Session session;
     MainWindow window(&session);
     open(&window, project());
-    const auto trigger = [&window](const QString &text) {
-        for (QAction *candidate : window.findChildren<QAction *>()) {
-            if (candidate->text() == text)
-                candidate->trigger();
-        }
-    };
     const auto *messages = window.findChild<QPlainTextEdit *>("generalMessages");
     QTimer stops;
     stops.callOnTimeout([&] {
         if (!messages->toPlainText().contains("hanging"))
             return;
         stops.stop();
-        trigger(action);
+        trigger(window, action);
     });
     stops.start(10);
     QTimer confirms;
@@ -238,7 +241,7 @@ void WorkbenchTest::windowStopsADeploy()
             question->button(QMessageBox::Yes)->click();
     });
     confirms.start(10);
-    trigger("&Deploy");
+    trigger(window, "&Deploy");
     const auto *verdict = window.findChild<QLabel *>("verdict");
     QTRY_COMPARE_WITH_TIMEOUT(verdict->text(),
                               "The deploy failed. Nothing was signed: Package sign stopped by user",
@@ -249,6 +252,25 @@ void WorkbenchTest::windowStopsADeploy()
     session.shutdown();
 }
 
+void WorkbenchTest::windowGoesOnWhileItLooksAtPackages()
+{
+    replaceTool("#!/bin/sh\n[ $1 = dump ] && /bin/sleep 2\nexit 0\n");
+    Session session;
+    MainWindow window(&session);
+    open(&window, project());
+    trigger(window, "&Deploy");
+    qint64 longestWait = 0;
+    QElapsedTimer lastTurn;
+    lastTurn.start();
+    QTimer turns;
+    turns.callOnTimeout([&] { longestWait = qMax(longestWait, lastTurn.restart()); });
+    turns.start(10);
+    const auto *verdict = window.findChild<QLabel *>("verdict");
+    QTRY_COMPARE_WITH_TIMEOUT(verdict->text(), "Nothing was signed.", RUN_TIMEOUT);
+    longestWait = qMax(longestWait, lastTurn.elapsed());
+    QVERIFY2(longestWait < 1500, qPrintable(QString::number(longestWait)));
+}
+
 void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
 {
     replaceTool("#!/bin/sh\necho refused; exit 3\n");
@@ -257,10 +279,7 @@ void WorkbenchTest::windowSaysWhatFailedAndRemembersSteps()
         Session session;
         MainWindow window(&session);
         open(&window, project());
-        for (QAction *action : window.findChildren<QAction *>()) {
-            if (action->text() == "&Deploy")
-                action->trigger();
-        }
+        trigger(window, "&Deploy");
         const auto *verdict = window.findChild<QLabel *>("verdict");
         QTRY_COMPARE(verdict->text(),
                      "The deploy failed. Nothing was signed: Error: package sign failed: refused");

@@ -136,6 +136,18 @@
         <translation>Der Pfad muss im Arbeitsbereich liegen:
 %1</translation>
     </message>
+    <message>
+        <source>Stopped by the user</source>
+        <translation>Vom Benutzer abgebrochen</translation>
+    </message>
+    <message>
+        <source>Stopped: the IDE closes</source>
+        <translation>Abgebrochen: Die IDE wird geschlossen</translation>
+    </message>
+    <message>
+        <source>Stopped: the step or dialog that started the tool is gone</source>
+        <translation>Abgebrochen: Den Schritt oder Dialog, der das Werkzeug gestartet hat, gibt es nicht mehr</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -265,6 +277,45 @@
     <message>
         <source>Password contains invalid newline characters</source>
         <translation>Das Passwort enthält unzulässige Zeilenumbrüche</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::ResultView</name>
+    <message>
+        <source>Signatures successfully verified</source>
+        <translation>Die Signaturen sind gültig</translation>
+    </message>
+    <message>
+        <source>Could not verify signatures</source>
+        <translation>Die Signaturen konnten nicht bestätigt werden</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be verified</source>
+        <translation>Das Paket kann nicht geprüft werden</translation>
+    </message>
+    <message>
+        <source>No signatures found in package</source>
+        <translation>Das Paket enthält keine Signaturen</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be dumped</source>
+        <translation>Die Signaturen des Pakets können nicht ausgelesen werden</translation>
+    </message>
+    <message>
+        <source>OpenSSL not found in target &apos;%1&apos;, please install it.</source>
+        <translation>OpenSSL fehlt im Ziel „%1“, bitte installieren.</translation>
+    </message>
+    <message>
+        <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
+        <translation>Zu finden unter: Extras - Einstellungen - Veyra OS - Manage Build Targets</translation>
+    </message>
+    <message>
+        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
+        <translation>Das Ziel %1 kann nicht signieren: Es hat weder rpmsign-external noch customer-sign</translation>
+    </message>
+    <message>
+        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
+        <translation>Das Ziel %1 kann nur signieren: Ohne nxvcert-cli werden Signaturen weder angezeigt noch entfernt</translation>
     </message>
 </context>
 <context>
@@ -406,36 +457,8 @@
         <translation>Die Datei existiert nicht</translation>
     </message>
     <message>
-        <source>Package can&apos;t be verified</source>
-        <translation>Das Paket kann nicht geprüft werden</translation>
-    </message>
-    <message>
-        <source>Signatures successfully verified</source>
-        <translation>Die Signaturen sind gültig</translation>
-    </message>
-    <message>
-        <source>Could not verify signatures</source>
-        <translation>Die Signaturen konnten nicht bestätigt werden</translation>
-    </message>
-    <message>
-        <source>Package can&apos;t be dumped</source>
-        <translation>Die Signaturen des Pakets können nicht ausgelesen werden</translation>
-    </message>
-    <message>
-        <source>No signatures found in package</source>
-        <translation>Das Paket enthält keine Signaturen</translation>
-    </message>
-    <message>
         <source>Failed to generate request: %1</source>
         <translation>Die Anforderung konnte nicht erzeugt werden: %1</translation>
-    </message>
-    <message>
-        <source>OpenSSL not found in target &apos;%1&apos;, please install it.</source>
-        <translation>OpenSSL fehlt im Ziel „%1“, bitte installieren.</translation>
-    </message>
-    <message>
-        <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
-        <translation>Zu finden unter: Extras - Einstellungen - Veyra OS - Manage Build Targets</translation>
     </message>
     <message>
         <source>There is no build engine: open or repair the SDK</source>
@@ -448,14 +471,6 @@
     <message>
         <source>The build engine has no targets: install one</source>
         <translation>Die Build-Engine hat keine Ziele: Installieren Sie eines</translation>
-    </message>
-    <message>
-        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
-        <translation>Das Ziel %1 kann nicht signieren: Es hat weder rpmsign-external noch customer-sign</translation>
-    </message>
-    <message>
-        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
-        <translation>Das Ziel %1 kann nur signieren: Ohne nxvcert-cli werden Signaturen weder angezeigt noch entfernt</translation>
     </message>
     <message>
         <source>No client signature was added: it needs a client key and its certificate</source>

@@ -136,6 +136,18 @@
         <translation>パスはワークスペースフォルダーの中でなければなりません:
 %1</translation>
     </message>
+    <message>
+        <source>Stopped by the user</source>
+        <translation>ユーザーによって中止されました</translation>
+    </message>
+    <message>
+        <source>Stopped: the IDE closes</source>
+        <translation>中止: IDE が終了します</translation>
+    </message>
+    <message>
+        <source>Stopped: the step or dialog that started the tool is gone</source>
+        <translation>中止: ツールを起動したステップまたはダイアログがなくなりました</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -265,6 +277,45 @@
     <message>
         <source>Password contains invalid newline characters</source>
         <translation>パスワードに改行文字を含めることはできません</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::ResultView</name>
+    <message>
+        <source>Signatures successfully verified</source>
+        <translation>署名の検証に成功しました</translation>
+    </message>
+    <message>
+        <source>Could not verify signatures</source>
+        <translation>署名を検証できませんでした</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be verified</source>
+        <translation>パッケージを検証できません</translation>
+    </message>
+    <message>
+        <source>No signatures found in package</source>
+        <translation>パッケージに署名がありません</translation>
+    </message>
+    <message>
+        <source>Package can&apos;t be dumped</source>
+        <translation>パッケージの署名の内容を表示できません</translation>
+    </message>
+    <message>
+        <source>OpenSSL not found in target &apos;%1&apos;, please install it.</source>
+        <translation>ターゲット「%1」に OpenSSL がありません。インストールしてください。</translation>
+    </message>
+    <message>
+        <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
+        <translation>場所: ツール - オプション - Veyra OS - Manage Build Targets</translation>
+    </message>
+    <message>
+        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
+        <translation>ターゲット %1 は署名できません。rpmsign-external も customer-sign もありません</translation>
+    </message>
+    <message>
+        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
+        <translation>ターゲット %1 は署名しかできません。nxvcert-cli がないため、署名の表示と削除はできません</translation>
     </message>
 </context>
 <context>
@@ -406,36 +457,8 @@
         <translation>ファイルが存在しません</translation>
     </message>
     <message>
-        <source>Package can&apos;t be verified</source>
-        <translation>パッケージを検証できません</translation>
-    </message>
-    <message>
-        <source>Signatures successfully verified</source>
-        <translation>署名の検証に成功しました</translation>
-    </message>
-    <message>
-        <source>Could not verify signatures</source>
-        <translation>署名を検証できませんでした</translation>
-    </message>
-    <message>
-        <source>Package can&apos;t be dumped</source>
-        <translation>パッケージの署名の内容を表示できません</translation>
-    </message>
-    <message>
-        <source>No signatures found in package</source>
-        <translation>パッケージに署名がありません</translation>
-    </message>
-    <message>
         <source>Failed to generate request: %1</source>
         <translation>署名要求を生成できませんでした: %1</translation>
-    </message>
-    <message>
-        <source>OpenSSL not found in target &apos;%1&apos;, please install it.</source>
-        <translation>ターゲット「%1」に OpenSSL がありません。インストールしてください。</translation>
-    </message>
-    <message>
-        <source>Available in: Tools - Options - Veyra OS - Manage Build Targets</source>
-        <translation>場所: ツール - オプション - Veyra OS - Manage Build Targets</translation>
     </message>
     <message>
         <source>There is no build engine: open or repair the SDK</source>
@@ -448,14 +471,6 @@
     <message>
         <source>The build engine has no targets: install one</source>
         <translation>ビルドエンジンにターゲットがありません。インストールしてください</translation>
-    </message>
-    <message>
-        <source>Target %1 cannot sign: it has neither rpmsign-external nor customer-sign</source>
-        <translation>ターゲット %1 は署名できません。rpmsign-external も customer-sign もありません</translation>
-    </message>
-    <message>
-        <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
-        <translation>ターゲット %1 は署名しかできません。nxvcert-cli がないため、署名の表示と削除はできません</translation>
     </message>
     <message>
         <source>No client signature was added: it needs a client key and its certificate</source>

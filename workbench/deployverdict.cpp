@@ -10,11 +10,13 @@
 
 #include <veyraos/kilnkb2rpmbuildstep.h>
 #include <veyraos/kilnsdkkitaspect.h>
-#include <veyraos/kilnsettings.h>
+#include <veyraos/targetcommand.h>
 
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegularExpression>
+#include <QTimer>
+
+#include <chrono>
 
 using namespace ProjectExplorer;
 
@@ -22,7 +24,7 @@ namespace Workbench {
 
 const QString RPMSIGN_EXTERNAL = QStringLiteral("rpmsign-external");
 const QString NXVCERT_CLI = QStringLiteral("nxvcert-cli");
-constexpr int DUMP_TIMEOUT = 30'000;
+constexpr std::chrono::seconds DUMP_TIMEOUT{30};
 
 static bool isSignStep(const BuildStep *step)
 {
@@ -38,6 +40,13 @@ DeployVerdict::DeployVerdict(const BuildStepList *stepList)
     }
     connect(BuildManager::instance(), &BuildManager::outputAdded, this, &DeployVerdict::readOutput);
     connect(Host::Issues::instance(), &Host::Issues::added, this, &DeployVerdict::readIssue);
+}
+
+DeployVerdict::~DeployVerdict()
+{
+    m_dump.disconnect(this);
+    m_dump.kill();
+    m_dump.waitForFinished();
 }
 
 /// The rest of \a line after \a begin, once.
@@ -87,41 +96,49 @@ QStringList DeployVerdict::packagesToBeSigned() const
     return packages;
 }
 
-// A dump tells a group for each signature of the package. The package's own path stands before, or
-// behind them if it is the only one.
-QStringList DeployVerdict::unsignedOnes(const QStringList &packages) const
+void DeployVerdict::setEnding(Ending ending)
+{
+    m_ending = ending;
+    m_toBeSigned = packagesToBeSigned();
+    if (ending == Finished && m_error.isEmpty() && !m_signSteps.isEmpty()
+        && !m_toBeSigned.isEmpty())
+        startDump();
+    else
+        emit known();
+}
+
+void DeployVerdict::startDump()
 {
     using namespace Kiln::Internal;
     const auto target = KilnSdkKitAspectFactory::buildTarget(m_stepList->target()->kit());
     const QString tool = target.tools.contains(RPMSIGN_EXTERNAL) ? RPMSIGN_EXTERNAL : NXVCERT_CLI;
-    QProcess brisk;
-    brisk.start(KilnSettings::briskPath(),
-                QStringList{"engine", "exec", "-tt", "sb2", "-t", target.name, tool, "dump"}
-                    + packages);
-    brisk.closeWriteChannel();
-    if (!brisk.waitForFinished(DUMP_TIMEOUT)) {
-        brisk.kill();
-        brisk.waitForFinished();
-    }
-    QStringList left = packages;
-    QString package = packages.size() == 1 ? packages.constFirst() : QString();
-    for (const QByteArray &line : brisk.readAllStandardOutput().split('\n')) {
-        const QString text = QString::fromUtf8(line).trimmed();
-        if (packages.contains(text))
-            package = text;
-        else if (text.startsWith("Group: "))
-            left.removeOne(package);
-    }
-    return left;
+    const QStringList words{tool, "dump"};
+    const QStringList commandLine = commandInTarget(target.name, words + m_toBeSigned);
+    connect(&m_dump, &QProcess::finished, this, &DeployVerdict::readDump);
+    connect(&m_dump, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            readDump();
+    });
+    m_dump.start(commandLine.first(), commandLine.mid(1));
+    m_dump.closeWriteChannel();
+    QTimer::singleShot(DUMP_TIMEOUT, &m_dump, &QProcess::kill);
 }
 
-void DeployVerdict::setEnding(Ending ending)
+// A dump tells a group for each signature of the package. The package's own path stands before, or
+// behind them if it is the only one.
+void DeployVerdict::readDump()
 {
-    m_ending = ending;
-    const QStringList packages = packagesToBeSigned();
-    if (ending == Finished && m_error.isEmpty() && !m_signSteps.isEmpty() && !packages.isEmpty())
-        m_unsigned = unsignedOnes(packages);
+    m_unsigned = m_toBeSigned;
+    QString package = m_toBeSigned.size() == 1 ? m_toBeSigned.constFirst() : QString();
+    for (const QByteArray &line : m_dump.readAllStandardOutput().split('\n')) {
+        const QString text = QString::fromUtf8(line).trimmed();
+        if (m_toBeSigned.contains(text))
+            package = text;
+        else if (text.startsWith("Group: "))
+            m_unsigned.removeOne(package);
+    }
     m_packages.removeIf([this](const QString &path) { return m_unsigned.contains(path); });
+    emit known();
 }
 
 bool DeployVerdict::isGood() const

@@ -2,6 +2,7 @@
 
 #include <projectexplorer/buildstep.h>
 
+#include <QProcess>
 #include <QStringList>
 
 namespace ProjectExplorer {
@@ -20,10 +21,14 @@ class DeployVerdict : public QObject
 public:
     /// Of the run of \a stepList that begins now.
     explicit DeployVerdict(const ProjectExplorer::BuildStepList *stepList);
+    ~DeployVerdict() override;
 
     enum Ending { Finished, Interrupted, Stopped };
-    /// After a run that has finished it looks at the packages, whatever the steps have said.
+    /// After a run that has finished it looks at the packages, whatever the steps have said, while
+    /// the event loop turns.
     void setEnding(Ending ending);
+
+    // To be asked when the verdict is known.
 
     /// Whether every step did its work and the packages are signed.
     bool isGood() const;
@@ -32,20 +37,26 @@ public:
     void readOutput(const QString &text, ProjectExplorer::BuildStep::OutputFormat format);
     void readIssue(const ProjectExplorer::Task &issue);
 
+signals:
+    void known();
+
 private:
     QString whatWasSigned() const;
     QString whyNothingWasSigned() const;
 
     QStringList packagesToBeSigned() const;
-    QStringList unsignedOnes(const QStringList &packages) const;
+    void startDump();
+    void readDump();
 
     const ProjectExplorer::BuildStepList *const m_stepList;
     Ending m_ending = Finished;
     QStringList m_signSteps;
     QStringList m_packages; ///< what the tools say that they have signed
+    QStringList m_toBeSigned;
     QStringList m_unsigned; ///< what is not signed in the end
     QStringList m_signers;
     QString m_error;
+    QProcess m_dump;
 };
 
 } // namespace Workbench

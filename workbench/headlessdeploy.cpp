@@ -119,15 +119,17 @@ void HeadlessDeploy::deploy()
         return;
     }
     const auto verdict = std::make_shared<DeployVerdict>(m_stepList);
-    const auto end = [this, verdict](bool finished) {
-        verdict->setEnding(m_signalNumber ? DeployVerdict::Interrupted
-                           : finished     ? DeployVerdict::Finished
-                                          : DeployVerdict::Stopped);
+    connect(verdict.get(), &DeployVerdict::known, this, [this, verdict = verdict.get()] {
         if (verdict->isGood())
             printLine(verdict->text());
         else
             printError(verdict->text());
         QCoreApplication::exit(verdict->isGood() ? 0 : FAILURE);
+    });
+    const auto end = [this, verdict](bool finished) {
+        verdict->setEnding(m_signalNumber ? DeployVerdict::Interrupted
+                           : finished     ? DeployVerdict::Finished
+                                          : DeployVerdict::Stopped);
     };
     connect(BuildManager::instance(), &BuildManager::buildQueueFinished, this, end);
     BuildManager::buildList(m_stepList);

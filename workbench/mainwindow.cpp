@@ -305,8 +305,11 @@ void MainWindow::startRun()
     m_busy->show();
     m_verdictLabel->clear();
     m_verdictLabel->setToolTip({});
-    if (const BuildStepList *stepList = m_page->stepList())
+    m_verdict.reset();
+    if (const BuildStepList *stepList = m_page->stepList()) {
         m_verdict = std::make_unique<DeployVerdict>(stepList);
+        connect(m_verdict.get(), &DeployVerdict::known, this, &MainWindow::showVerdict);
+    }
     statusBar()->showMessage(tr("Deploying..."));
 }
 
@@ -314,15 +317,14 @@ void MainWindow::endRun(bool success)
 {
     m_busy->hide();
     statusBar()->clearMessage();
-    if (const std::unique_ptr<DeployVerdict> verdict = std::move(m_verdict)) {
-        verdict->setEnding(success ? DeployVerdict::Finished : DeployVerdict::Stopped);
-        showVerdict(*verdict);
-    }
+    if (m_verdict)
+        m_verdict->setEnding(success ? DeployVerdict::Finished : DeployVerdict::Stopped);
     m_refreshTimer->start();
 }
 
-void MainWindow::showVerdict(const DeployVerdict &verdict)
+void MainWindow::showVerdict()
 {
+    const DeployVerdict &verdict = *m_verdict;
     m_compileOutput->append(verdict.text() + '\n',
                             verdict.isGood() ? BuildStep::OutputFormat::NormalMessage
                                              : BuildStep::OutputFormat::ErrorMessage);

@@ -60,7 +60,7 @@ private:
     void showProblem(const QString &message);
     void startRun();
     void endRun(bool success);
-    void showVerdict(const DeployVerdict &verdict);
+    void showVerdict();
     void refresh();
     void prepareToClose();
 
@@ -74,7 +74,7 @@ private:
     IssuesPane *m_issues;
     QProgressBar *m_busy;
     QLabel *m_verdictLabel;
-    std::unique_ptr<DeployVerdict> m_verdict; ///< of the run that goes on
+    std::unique_ptr<DeployVerdict> m_verdict; ///< of the run that goes on, or of the last one
     QAction *m_closeProjectAction = nullptr;
     QTimer *m_refreshTimer;
     bool m_hasOpened = false;

@@ -15,10 +15,7 @@ public:
     {
     }
 
-    Result run(const QStringList &commandLine)
-    {
-        return Sealkit::Internal::Command::exec(m_handler, commandLine);
-    }
+    Result run(const QStringList &commandLine) { return SignTool::run(this, commandLine); }
 
     Result addSignature(const QString &, const QStringList &, const SignData &) override
     {

@@ -1,0 +1,194 @@
+#include "resultview.h"
+
+#include "command.h"
+#include "targettoolsinfo.h"
+#include "toolreason.h"
+#include "ui_signdialog.h"
+#include "utils.h"
+
+#include <utils/utilsicons.h>
+
+#include <QFontDatabase>
+#include <QRegularExpression>
+
+namespace Sealkit::Internal {
+
+constexpr int MAX_REASONS = 4;
+constexpr int REQUEST_TAB = 2;
+
+ResultView::ResultView(Ui_SignDialog *ui)
+    : m_ui(ui)
+{
+    m_ui->clientSignatureTextBrowser->hide();
+    m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
+    const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    m_ui->developerSignatureTextBrowser->setFont(dumpFont);
+    m_ui->clientSignatureTextBrowser->setFont(dumpFont);
+}
+
+/// Which tools a target lacks, in a sentence for the user; empty when it lacks none.
+static QString missingTools(const TargetToolsInfo &tools)
+{
+    if (tools.hasRpmsignExternal)
+        return {};
+    if (!tools.hasCustomerSign) {
+        return ResultView::tr(
+                   "Target %1 cannot sign: it has neither rpmsign-external nor customer-sign")
+            .arg(tools.name);
+    }
+    if (!tools.hasNxvcertCli) {
+        return ResultView::tr("Target %1 can only sign: without nxvcert-cli, signatures are "
+                              "neither shown nor removed")
+            .arg(tools.name);
+    }
+    return {};
+}
+
+void ResultView::showTools(const TargetToolsInfo &tools)
+{
+    const bool hasRpmsignExternal = tools.hasRpmsignExternal;
+    const bool hasCustomerSign = tools.hasCustomerSign;
+    const bool canInspect = hasRpmsignExternal || tools.hasNxvcertCli;
+    const bool needsBinaryKey = !hasRpmsignExternal && hasCustomerSign;
+
+    m_ui->addSignaturePushButton->setVisible(hasRpmsignExternal || hasCustomerSign);
+    m_ui->removeSignaturePushButton->setVisible(canInspect);
+    m_ui->verifySignaturePushButton->setVisible(canInspect);
+    m_ui->dumpPushButton->setVisible(canInspect);
+    m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
+    m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
+    m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
+    m_ui->toolsNoteLabel->setNote(missingTools(tools), NoteLabel::Warning);
+}
+
+void ResultView::showOpenssl(const TargetToolsInfo &tools)
+{
+    QTextEdit *label = m_ui->opensslStatusLabel;
+    label->clear();
+    if (tools.hasOpenssl)
+        return;
+    label->setTextColor(QColor::fromString(QLatin1String("red")));
+    label->setText(tr("OpenSSL not found in target '%1', please install it.").arg(tools.name));
+    label->setTextColor(QApplication::palette().color(QPalette::Text));
+    label->append(tr("Available in: Tools - Options - Veyra OS - Manage Build Targets"));
+}
+
+static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
+{
+    icon->setPixmap((problem.isEmpty() ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
+    reason->setNote(problem, NoteLabel::Warning);
+}
+
+static void clearOutcome(QLabel *icon, NoteLabel *reason)
+{
+    icon->clear();
+    reason->setNote({});
+}
+
+void ResultView::showSigning(const QString &problem)
+{
+    showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
+}
+
+void ResultView::clearSigning()
+{
+    clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
+}
+
+void ResultView::showRequest(const QString &problem)
+{
+    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem);
+}
+
+void ResultView::clearRequest()
+{
+    clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
+}
+
+/// What a tool says about the signatures of \a package that it rejects, a line for each.
+static QString problemOfSignatures(const Command::Result &result, const QString &package)
+{
+    QStringList lines = tellingLines(QString::fromUtf8(result.stdOut + '\n' + result.stdErr));
+    for (QString &line : lines) {
+        if (line.startsWith(package + QLatin1String(": ")))
+            line.remove(0, package.size() + 2);
+    }
+    return lines.isEmpty() ? whyFailed(result) : lines.join(QLatin1Char('\n'));
+}
+
+void ResultView::showVerdict(const Command::Result &result, const QString &package)
+{
+    m_ui->verifyLabel->setText(result.succeeded() ? tr("Signatures successfully verified")
+                                                  : tr("Could not verify signatures"));
+    showOutcome(m_ui->verifyIconLabel,
+                m_ui->verifyReasonLabel,
+                result.succeeded() ? QString() : problemOfSignatures(result, package));
+}
+
+void ResultView::showNoVerdict()
+{
+    m_ui->verifyLabel->setText(tr("Package can't be verified"));
+    m_ui->verifyIconLabel->setPixmap(Utils::Icons::BROKEN.pixmap());
+}
+
+void ResultView::clearVerdict()
+{
+    m_ui->verifyLabel->clear();
+    clearOutcome(m_ui->verifyIconLabel, m_ui->verifyReasonLabel);
+}
+
+static QString summaryOf(const QString &block)
+{
+    // The tool writes for a terminal, which takes "\r\n" for the end of a line.
+    return parseDumpForSort(QString(block).remove(QLatin1Char('\r')));
+}
+
+void ResultView::showDump(const QString &dump)
+{
+    const QStringList blocks = midDumpOutput(dump);
+    if (blocks.isEmpty()) {
+        m_ui->developerSignatureTextBrowser->setText(tr("No signatures found in package"));
+        return;
+    }
+    m_ui->developerSignatureTextBrowser->setText(blocks.first());
+    m_ui->developerSignatureTextBrowser->show();
+    m_ui->developerSignatureShortLabel->setText(summaryOf(blocks.first()));
+
+    const bool hasClient = blocks.size() > 1;
+    if (hasClient) {
+        m_ui->clientSignatureTextBrowser->setText(blocks.at(1));
+        m_ui->clientSignatureShortLabel->setText(summaryOf(blocks.at(1)));
+    }
+    m_ui->clientSignatureTextBrowser->setVisible(hasClient);
+}
+
+void ResultView::showNoDump()
+{
+    m_ui->developerSignatureTextBrowser->setPlainText(tr("Package can't be dumped"));
+}
+
+void ResultView::clearDump()
+{
+    m_ui->developerSignatureTextBrowser->clear();
+    m_ui->clientSignatureTextBrowser->clear();
+    m_ui->developerSignatureShortLabel->clear();
+    m_ui->clientSignatureShortLabel->clear();
+}
+
+// "Subject: CN=Regular\nGroup: developer\nSubgroup: regular\n" gives
+// "Subject: CN=Regular\nGroup: developer\n"
+QString parseDumpForSort(const QString &dump)
+{
+    static const QRegularExpression line(QStringLiteral(
+        "(?:Subject:(.*))|(?:Group:(.*))|(?:Subgroup:(.*))|(?:Key ID:(.*))|(?:Signature:(.*))"));
+    QString summary;
+    for (auto matches = line.globalMatch(dump); matches.hasNext();) {
+        const QString match = matches.next().captured();
+        qCDebug(debugLog) << match;
+        if (match.startsWith(QLatin1String("Subject")) || match.startsWith(QLatin1String("Group")))
+            summary += match + QLatin1Char('\n');
+    }
+    return summary;
+}
+
+} // namespace Sealkit::Internal

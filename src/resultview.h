@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+class Ui_SignDialog;
+
+namespace Sealkit::Internal {
+
+namespace Command {
+struct Result;
+}
+struct TargetToolsInfo;
+
+/// Shows in the sign dialog what its tools have found. It runs nothing.
+class ResultView
+{
+    Q_DECLARE_TR_FUNCTIONS(Sealkit::Internal::ResultView)
+
+public:
+    explicit ResultView(Ui_SignDialog *ui);
+
+    /// Offers what can be done with the tools of a target, and says which of them it lacks.
+    void showTools(const TargetToolsInfo &tools);
+    /// Says what to do when openssl is lacking.
+    void showOpenssl(const TargetToolsInfo &tools);
+
+    // How an operation went: an empty problem is a good end.
+    void showSigning(const QString &problem);
+    void clearSigning();
+    void showRequest(const QString &problem);
+    void clearRequest();
+
+    void showVerdict(const Command::Result &result, const QString &package);
+    void showNoVerdict(); ///< for lack of a tool
+    void clearVerdict();
+
+    void showDump(const QString &dump);
+    void showNoDump(); ///< for lack of a tool
+    void clearDump();
+
+private:
+    Ui_SignDialog *const m_ui;
+};
+
+/// The subject and group lines of a signature's dump.
+QString parseDumpForSort(const QString &dump);
+
+} // namespace Sealkit::Internal
