@@ -105,7 +105,7 @@ void ProjectExplorerTest::stepsRunInOrder()
     first->setDisplayName("First");
     const QString start = "Running steps for project project...\n";
     const QString second = "Running step \"Test Step\"...\nout: text\nissue (why)\n"
-                           "The steps for project project finished successfully.\nsuccess";
+                           "The steps for project project are over.\nsuccess";
     const QString failure =
         "! Error while building/deploying project project (kit: " + RPMSIGN_TARGET
         + ")\n! When executing step \"First\"\n! The steps for project project failed.\n";

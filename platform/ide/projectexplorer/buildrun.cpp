@@ -87,7 +87,7 @@ void BuildRun::treeDone(Tasking::DoneWith with)
     if (with == Tasking::DoneWith::Error)
         finish(false, Tr::tr("The steps for project %1 failed.").arg(m_projectName));
     else
-        finish(true, Tr::tr("The steps for project %1 finished successfully.").arg(m_projectName));
+        finish(true, Tr::tr("The steps for project %1 are over.").arg(m_projectName));
 }
 
 void BuildRun::reportFailureOf(const BuildStep *step)
