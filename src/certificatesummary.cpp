@@ -1,14 +1,16 @@
 #include "certificatesummary.h"
 
+#include "keyfile.h"
+
 #include <QCoreApplication>
-#include <QFile>
+#include <QFileInfo>
 #include <QSslCertificate>
+
+#include <chrono>
 
 namespace Sealkit::Internal {
 
-constexpr int WARNING_DAYS = 30;
-/// A larger file is no certificate; it is not read, since the user may be typing its path.
-constexpr qint64 LARGEST_CERTIFICATE_FILE = 1 << 18;
+constexpr std::chrono::hours WARNING_TIME{30 * 24};
 
 // "CN=Regular Developer, OU=regular, OU=developer, O=Veyra OS Demo"
 static QString subjectOf(const QSslCertificate &certificate)
@@ -28,19 +30,13 @@ static QString subjectOf(const QSslCertificate &certificate)
     return texts.isEmpty() ? certificate.subjectDisplayName() : texts.join(QLatin1String(", "));
 }
 
-static QSslCertificate readCertificate(const QString &path)
-{
-    QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly)
-        || file.size() > LARGEST_CERTIFICATE_FILE) {
-        return QSslCertificate();
-    }
-    return QSslCertificate::fromData(file.readAll()).value(0);
-}
-
 CertificateSummary summarizeCertificate(const QString &path, const QDateTime &now)
 {
-    const QSslCertificate certificate = readCertificate(path);
+    const QSslCertificate certificate = QSslCertificate::fromData(readKeyFile(path)).value(0);
+    if (certificate.isNull() && QFileInfo(path).isFile())
+        return {QCoreApplication::translate("Sealkit::Internal::CertificateSummary",
+                                            "There is no certificate in this file"),
+                true};
     if (certificate.isNull())
         return {};
 
@@ -62,7 +58,7 @@ CertificateSummary summarizeCertificate(const QString &path, const QDateTime &no
             QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "Not valid before %1: %2"),
             begin,
             true);
-    const bool endsSoon = now.daysTo(end) < WARNING_DAYS;
+    const bool endsSoon = now.addDuration(WARNING_TIME) > end;
     return summary(QT_TRANSLATE_NOOP("Sealkit::Internal::CertificateSummary", "Valid until %1: %2"),
                    end,
                    endsSoon);

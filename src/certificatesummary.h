@@ -8,7 +8,7 @@ namespace Sealkit::Internal {
 /// Whose certificate a file holds, and until when. Read on the host, without a tool.
 struct CertificateSummary
 {
-    QString text; ///< empty when there is no certificate that can be read
+    QString text; ///< empty when there is no such file
     bool isWarning = false;
 
     friend bool operator==(const CertificateSummary &, const CertificateSummary &) = default;

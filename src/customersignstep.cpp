@@ -2,6 +2,7 @@
 
 #include "constants.h"
 #include "customersignstepwidget.h"
+#include "utils.h"
 
 #include <brisk/buildengine.h>
 #include <projectexplorer/deployconfiguration.h>
@@ -94,7 +95,7 @@ std::optional<QStringList> CustomerSignStep::findPackages() const
     QStringList packages = m_rpmBuildStep->deployablePackagesFileNames();
     if (!m_signDebugPackages)
         packages.removeIf(isDebugPackage);
-    return packages;
+    return m_buildEngine ? pathsInWorkspace(packages, m_buildEngine->sharedSrcPath()) : packages;
 }
 
 void CustomerSignStep::doCancel()

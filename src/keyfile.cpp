@@ -1,11 +1,13 @@
-#include "privatekey.h"
+#include "keyfile.h"
 
 #include <QFile>
+#include <QFileInfo>
+#include <QSslCertificate>
+#include <QSslKey>
 
 namespace Sealkit::Internal {
 
-/// Key files are much smaller; a package or an image is not read whole.
-constexpr qint64 LARGEST_KEY_FILE = 1 << 20;
+constexpr qint64 LARGEST_KEY_FILE = 1 << 20; // bytes; a bundle of root certificates fits
 
 enum DerTag : char { INTEGER = 0x02, OBJECT_IDENTIFIER = 0x06, SEQUENCE = 0x30 };
 
@@ -32,13 +34,68 @@ static bool isDerKey(QByteArrayView der)
            || (!algorithm.isEmpty() && algorithm.front() == OBJECT_IDENTIFIER);
 }
 
+QByteArray readKeyFile(const QString &path)
+{
+    const QFileInfo info(path);
+    QFile file(path);
+    // To open a named pipe would wait for somebody who writes to it.
+    if (!info.isFile() || info.size() > LARGEST_KEY_FILE || !file.open(QIODevice::ReadOnly))
+        return {};
+    return file.read(LARGEST_KEY_FILE);
+}
+
 bool holdsPrivateKey(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray content = file.read(LARGEST_KEY_FILE);
+    const QByteArray content = readKeyFile(path);
     return content.contains("PRIVATE KEY-----") || isDerKey(content);
+}
+
+bool holdsRequest(const QString &path)
+{
+    const QByteArray content = readKeyFile(path);
+    return !content.contains("PRIVATE KEY") && content.contains("CERTIFICATE REQUEST-----");
+}
+
+bool holdsCertificate(const QString &path)
+{
+    return !QSslCertificate::fromData(readKeyFile(path)).isEmpty();
+}
+
+/// What is inside of the sequence's last element, a bit string: the modulus and the exponent of an
+/// RSA key, the point of one on a curve. A private key has the same bytes in it.
+static QByteArrayView publicPart(QByteArrayView subjectPublicKeyInfo)
+{
+    constexpr char BIT_STRING = 0x03;
+    const QByteArrayView content = contentOfSequence(subjectPublicKeyInfo);
+    // The sequence that names the algorithm comes first; its length fits into one byte.
+    const qsizetype algorithmSize = content.size() < 2 ? 0 : 2 + qsizetype(uchar(content.at(1)));
+    const QByteArrayView bitString = content.sliced(qMin(algorithmSize, content.size()));
+    if (bitString.size() < 3 || bitString.front() != BIT_STRING)
+        return {};
+    const auto length = uchar(bitString.at(1));
+    // The first byte of the content says how many bits of the last one are unused.
+    const qsizetype headerSize = (length < 0x80 ? 2 : 2 + (length & 0x7f)) + 1;
+    const QByteArrayView bits = bitString.sliced(qMin(headerSize, bitString.size()));
+    const QByteArrayView sequence = contentOfSequence(bits);
+    return sequence.isEmpty() ? bits : sequence;
+}
+
+std::optional<bool> belongTogether(const QString &keyPath, const QString &certificatePath)
+{
+    const QByteArray content = readKeyFile(keyPath);
+    const QSslCertificate certificate =
+        QSslCertificate::fromData(readKeyFile(certificatePath)).value(0);
+    if (certificate.isNull() || content.contains("ENCRYPTED"))
+        return {};
+    const QByteArray publicKey = certificate.publicKey().toDer();
+    if (publicKey.isEmpty())
+        return {};
+    for (const QSsl::KeyAlgorithm algorithm : {QSsl::Rsa, QSsl::Ec}) {
+        const QSslKey key(content, algorithm, QSsl::Pem, QSsl::PrivateKey);
+        if (!key.isNull())
+            return key.toDer().contains(publicPart(publicKey));
+    }
+    return {};
 }
 
 } // namespace Sealkit::Internal

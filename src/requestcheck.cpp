@@ -1,6 +1,6 @@
 #include "requestcheck.h"
 
-#include "privatekey.h"
+#include "keyfile.h"
 #include "signdata.h"
 
 #include <QDir>
@@ -12,11 +12,12 @@ namespace Sealkit::Internal {
 
 constexpr qsizetype MAX_COMPANY_NAME = 64; // characters; openssl refuses more
 
-/// The name is written into openssl's configuration as it is. There some signs have a meaning of
-/// their own: openssl would leave them out, and some also hide the text after them.
+/// The name is written into openssl's configuration. There some signs have a meaning of their own:
+/// openssl would leave them out, and some also hide the text after them. Apostrophes, which names
+/// do have, are quoted.
 static QString problemOfName(const QString &name)
 {
-    for (const char *sign : {"\"", "'", "`", "#", "$", "\\"}) {
+    for (const char *sign : {"\"", "`", "#", "$", "\\"}) {
         if (name.contains(QLatin1String(sign)))
             return QObject::tr("Company name cannot contain %1").arg(QLatin1String(sign));
     }
@@ -68,6 +69,11 @@ QString whyNoRequest(const KeyGenerationData &request)
     if (holdsPrivateKey(path))
         return QObject::tr("The request would overwrite the private key in %1")
             .arg(request.requestPath.toUserOutput());
+    if (QFileInfo::exists(path) && !holdsRequest(path)) {
+        return QObject::tr(
+                   "The request would overwrite %1, which is no certificate signing request")
+            .arg(request.requestPath.toUserOutput());
+    }
     return {};
 }
 

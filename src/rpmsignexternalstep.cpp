@@ -106,7 +106,11 @@ SetupResult RpmsignExternalStep::doRun(SignRun &run)
 std::optional<QStringList> RpmsignExternalStep::findPackages() const
 {
     const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
-    return buildStep ? std::optional(buildStep->packages()) : std::nullopt;
+    if (!buildStep)
+        return {};
+    return m_keys.buildEngine
+               ? pathsInWorkspace(buildStep->packages(), m_keys.buildEngine->sharedSrcPath())
+               : buildStep->packages();
 }
 
 void RpmsignExternalStep::dumpSign(SignRun &run, const QStringList &packages)

@@ -111,6 +111,10 @@ void SealkitPlugin::watchBuildEngines()
                 [this](const FilePath &path) { onSharedSrcPathChanged(path, true); });
         onSharedSrcPathChanged(engine->sharedSrcPath(), false);
     }
+    if (const Brisk::BuildEngine *engine = firstBuildEngine()) {
+        connect(engine, &Brisk::BuildEngine::sharedSrcPathChanged, this, followRegularKeys);
+        followRegularKeys(engine->sharedSrcPath());
+    }
 }
 
 void SealkitPlugin::onSharedSrcPathChanged(const FilePath &sharedSrcPath, bool printUserLog)

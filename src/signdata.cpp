@@ -65,7 +65,8 @@ static QByteArray csrConfig(const QString &companyName)
                       " keyUsage=digitalSignature\n"
                       " subjectKeyIdentifier=hash\n"
                       " authorityKeyIdentifier=keyid\n");
-    return config.replace("%COMPANY_NAME%", companyName.toUtf8());
+    // As it stands, an apostrophe would begin a text in quotes.
+    return config.replace("%COMPANY_NAME%", companyName.toUtf8().replace("'", "\\'"));
 }
 
 QFileInfo KeyGenerationData::generateCsrConfig(const QString &companyName, QString *error)

@@ -221,7 +221,8 @@ void SignDialog::initPathChoosers()
         chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
         chooser->buttonAtIndex(0)->setText({});
     }
-    m_ui->caCertificatePathChooser->setToolTip(
+    setLastingToolTip(
+        m_ui->caCertificatePathChooser,
         tr("Path to PEM-encoded bundle with root certificates. If not set, default value will be "
            "used."));
 }

@@ -2,7 +2,7 @@
 
 #include "certificatenote.h"
 #include "constants.h"
-#include "privatekey.h"
+#include "keyfile.h"
 #include "ui_signoptionswidget.h"
 #include "utils.h"
 
@@ -77,14 +77,14 @@ void SignOptionsWidget::initFileChoice(const FileChoice &choice,
     const auto isValid = [this, chooser = choice.chooser](FancyLineEdit *, QString *error) -> bool {
         return verifyPath(chooser->filePath().toFSPathString(), error);
     };
-    choice.chooser->setToolTip(toolTip);
     initPathChooser(
         choice.chooser,
         {.title = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_TITLE),
          .isValid = isValid,
          .filter = Constants::translated(Constants::SIGN_DATA_PEM_PROMPT_DIALOG_FILTER),
          .placeholderText = Constants::translated(Constants::SIGN_DATA_KEY_PLACEHOLDERTEXT),
-         .historyKey = historyKey});
+         .historyKey = historyKey,
+         .toolTip = toolTip});
     choice.comboBox->addItems(items);
 }
 

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSettings>
 
 namespace Sealkit::Internal {
 
@@ -32,6 +33,12 @@ void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup)
     // would stay until the next change.
     QMetaObject::invokeMethod(
         chooser->lineEdit(), &Utils::FancyLineEdit::validate, Qt::QueuedConnection);
+    setLastingToolTip(chooser, setup.toolTip);
+}
+
+void setLastingToolTip(Utils::PathChooser *chooser, const QString &toolTip)
+{
+    chooser->QWidget::setToolTip(toolTip);
 }
 
 QString getDefaultKeysDir(const Utils::FilePath &workspace)
@@ -61,6 +68,20 @@ Utils::FilePath getDefaultCertificate(const Utils::FilePath &workspace)
     return defaultKeysFile(workspace, Constants::PREINSTALL_CERT_NAME);
 }
 
+void followRegularKeys(const Utils::FilePath &workspace)
+{
+    using namespace Constants;
+    QSettings settings;
+    const auto follow = [&settings](const char *useDefaultKey,
+                                    const char *pathKey,
+                                    const Utils::FilePath &regularPath) {
+        if (settings.value(QLatin1String(useDefaultKey), false).toBool())
+            settings.setValue(QLatin1String(pathKey), regularPath.toFSPathString());
+    };
+    follow(USE_DEFAULT_SIGNKEY_KEY, GLOBAL_SIGNKEY_KEY, getDefaultKey(workspace));
+    follow(USE_DEFAULT_SIGNCERT_KEY, GLOBAL_SIGNCERT_KEY, getDefaultCertificate(workspace));
+}
+
 static Qt::CaseSensitivity hostFileNameCase()
 {
 #if defined(Q_OS_WIN) || defined(Q_OS_MACOS)
@@ -87,6 +108,25 @@ bool isInWorkspace(const QString &path, const Utils::FilePath &workspace, QStrin
                      .arg(workspace.toUserOutput());
     }
     return false;
+}
+
+static QString pathInWorkspace(const QString &path, const Utils::FilePath &workspace)
+{
+    if (isFileChildOf(path, workspace))
+        return path;
+    const QString folder = QFileInfo(workspace.toFSPathString()).canonicalFilePath();
+    const QString place = QFileInfo(path).canonicalFilePath();
+    return folder.isEmpty() || !place.startsWith(folder + QLatin1Char('/'))
+               ? path
+               : workspace.toFSPathString() + place.mid(folder.size());
+}
+
+QStringList pathsInWorkspace(const QStringList &paths, const Utils::FilePath &workspace)
+{
+    QStringList inside;
+    for (const QString &path : paths)
+        inside << pathInWorkspace(path, workspace);
+    return inside;
 }
 
 QStringList midDumpOutput(const QString &text)

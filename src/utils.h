@@ -32,8 +32,12 @@ struct ChooserSetup
     QString filter = QString();                       ///< of the dialog to browse in
     QString placeholderText = QString();
     Utils::Key historyKey = Utils::Key(); ///< without one, no history is kept
+    QString toolTip = QString();
 };
 void initPathChooser(Utils::PathChooser *chooser, const ChooserSetup &setup);
+
+/// Sets a tool tip that lasts: the chooser's own is where verdicts on the path take its place.
+void setLastingToolTip(Utils::PathChooser *chooser, const QString &toolTip);
 
 /// The folder of the regular keys: the one in the workspace if it is there, else the SDK
 /// installation's.
@@ -42,12 +46,20 @@ QString getDefaultKeysDir(const Utils::FilePath &workspace);
 Utils::FilePath getDefaultKey(const Utils::FilePath &workspace);
 Utils::FilePath getDefaultCertificate(const Utils::FilePath &workspace);
 
+/// Lets the global key and certificate in the settings follow the \a workspace, where the user has
+/// chosen the regular ones.
+void followRegularKeys(const Utils::FilePath &workspace);
+
 /// Whether the text of \a file begins with that of \a directory; so a sibling whose name begins
 /// with the directory's name counts, too. Nothing lies in an empty directory.
 bool isFileChildOf(const QString &file, const Utils::FilePath &directory);
 
 /// Whether \a path lies in \a workspace; otherwise \a error, if given, is a text for the user.
 bool isInWorkspace(const QString &path, const Utils::FilePath &workspace, QString *error);
+
+/// \a paths as tools can open them: a file that is reached through a link, but lies in
+/// \a workspace, gets its path there. Any other path stays as it is.
+QStringList pathsInWorkspace(const QStringList &paths, const Utils::FilePath &workspace);
 
 /// One text per signature in a dump, each beginning at its "Subject". The length of a text is the
 /// position of the next signature in the dump. So each text but the first goes on into the text of

@@ -153,10 +153,8 @@ void PicturesTest::showsSteps()
 void PicturesTest::signsInTheDialog()
 {
     QString package;
-    for (QDirIterator all(inWorkspace("hello-veyra/RPMS"),
-                          {"*.rpm"},
-                          QDir::Files,
-                          QDirIterator::Subdirectories);
+    for (QDirIterator all(
+             inWorkspace("hello-veyra/RPMS"), {"*.rpm"}, QDir::Files, QDirIterator::Subdirectories);
          all.hasNext() && (package.isEmpty() || package.contains("-debug"));) {
         package = all.next();
     }

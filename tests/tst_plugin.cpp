@@ -37,6 +37,7 @@ private slots:
     void loadsWithItsStepsAndOptions();
     void putsItsDialogIntoTheToolsMenu();
     void copiesTheRegularKeys();
+    void storedRegularKeysFollowTheWorkspace();
     void tellsWhyKeysCannotBeCopied();
 
 private:
@@ -123,6 +124,21 @@ void PluginTest::copiesTheRegularKeys()
     moveWorkspace(other.path());
     QCOMPARE(readFile(ownKey), "own key");
     QCOMPARE(messages.take(), QStringList());
+}
+
+void PluginTest::storedRegularKeysFollowTheWorkspace()
+{
+    QSettings settings;
+    settings.setValue("Sealkit.UseDefaultSignKey", true);
+    settings.setValue("Sealkit.GlobalSignKey", "/old/regular_key.pem");
+    settings.setValue("Sealkit.UseDefaultSignCert", false);
+    settings.setValue("Sealkit.GlobalSignCert", "/own/cert.pem");
+    const QTemporaryDir other;
+    moveWorkspace(other.path());
+    QCOMPARE(settings.value("Sealkit.GlobalSignKey"),
+             other.path() + KEYS_FOLDER + "/regular_key.pem");
+    QCOMPARE(settings.value("Sealkit.GlobalSignCert"), "/own/cert.pem");
+    settings.clear();
 }
 
 void PluginTest::tellsWhyKeysCannotBeCopied()

@@ -9,6 +9,7 @@
 #include "straywarnings.h"
 #include "temporarysdk.h"
 #include "testrow.h"
+#include "tooltips.h"
 #include "wrappedprogram.h"
 
 #include <brisk/installation.h>
@@ -395,6 +396,8 @@ void SignDialogTest::signsVerifiesAndRemoves()
     QVERIFY(clientDump->toPlainText().startsWith(client.section('\n', 0, 0)));
 
     enter("caCertificatePathChooser", inWorkspace("keys/foreign_root.pem"));
+    QVERIFY(shownToolTip(child<PathChooser>("caCertificatePathChooser")->lineEdit())
+                .startsWith("Path to PEM-encoded bundle with root certificates. If not set"));
     click("verifySignaturePushButton");
     QCOMPARE(icon("verifyIconLabel"), "BROKEN");
     const QString foreign = "|signature 1 is NOT valid: its certificate is not issued by";
@@ -462,7 +465,7 @@ void SignDialogTest::makesKeysAndRequests_data()
     addColumns<int, bool, QString, QString>("algorithm", "encrypt", "company", "publicKey");
 
     const QString gost = "GOST R 34.10-2012 with 256 bit modulus";
-    addRow("RSA, encrypted", int(RSA), true, "ООО «Ромашка»", "rsaEncryption");
+    addRow("RSA, encrypted", int(RSA), true, "ООО «Ромашка» O'Reilly's", "rsaEncryption");
     addRow("GOST", int(GOST), false, "A=B, C/D; E+F <%COMPANY_NAME%> @{1}", gost);
 }
 

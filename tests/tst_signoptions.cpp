@@ -3,6 +3,7 @@
 #include "signoptionspage.h"
 #include "straywarnings.h"
 #include "testrow.h"
+#include "tooltips.h"
 
 #include <brisk/buildengine.h>
 #include <brisk/installation.h>
@@ -190,8 +191,9 @@ void SignOptionsTest::unusableCustomFilesAreMarked_data()
     addRow("no file", "ws/none.pem", true, missing, missing);
     addRow("a folder", "ws/.veyraos-regular-keys", true, missing, missing);
     addRow("outside by a detour", "ws/../sdk/sdk.ini", false, outside, outside);
-    addRow("another file", "ws/a.pem", true, "There is no private key in this file", "");
-    addRow("a key", "ws/key.pem", true, "", "");
+    const QString none = "There is no certificate in this file";
+    addRow("another file", "ws/a.pem", true, "There is no private key in this file", none);
+    addRow("a key", "ws/key.pem", true, "", none);
 }
 
 void SignOptionsTest::unusableCustomFilesAreMarked()
@@ -204,6 +206,10 @@ void SignOptionsTest::unusableCustomFilesAreMarked()
         chooser(name)->lineEdit()->setText(file.isEmpty() ? file : path(file));
         QCOMPARE(chooser(name)->errorMessage(), isInside ? QString() : error + path("ws"));
     }
+    QVERIFY(!isInside
+            || shownToolTip(chooser("key")->lineEdit()).startsWith("The path to the key"));
+    QVERIFY(!isInside
+            || shownToolTip(chooser("certificate")->lineEdit()).startsWith("The path to the cert"));
     const auto *ofKey = child<QLabel>("keyNoteLabel");
     const auto *ofCertificate = child<QLabel>("certificateNoteLabel");
     QTEST(ofKey->text(), "ofKey");
@@ -212,7 +218,8 @@ void SignOptionsTest::unusableCustomFilesAreMarked()
     QCOMPARE(chooser("key")->errorMessage(), error + path("moved"));
     QVERIFY(chooser("certificate")->isValid());
     perform("key regular");
-    QCOMPARE(ofKey->text() + ofCertificate->text(), "");
+    QCOMPARE(ofKey->text(), "");
+    QCOMPARE(ofCertificate->text(), "There is no certificate in this file"); // nor is there
 }
 
 void SignOptionsTest::withoutABuildEngine()

@@ -25,6 +25,7 @@ private slots:
     void findsTheGroups();
     void listsPackagesBesideAPath();
     void tellsWhatLiesInAFolder();
+    void followsLinksIntoTheWorkspace();
     void findsTheRegularKeys();
 };
 
@@ -107,6 +108,25 @@ void UtilsTest::tellsWhatLiesInAFolder()
     QVERIFY(!isFileChildOf("/A/b/k.pem", "/a/b"));
     QVERIFY(!isFileChildOf("/a/k.pem", "/a/b"));
     QVERIFY(!isFileChildOf("/a/b", {}));
+}
+
+void UtilsTest::followsLinksIntoTheWorkspace()
+{
+    const QTemporaryDir temporary;
+    const QDir folder(QFileInfo(temporary.path()).canonicalFilePath());
+    writeFile(folder.filePath("workspace/project/a.rpm"), {});
+    writeFile(folder.filePath("elsewhere/b.rpm"), {});
+    QVERIFY(QFile::link(folder.filePath("workspace"), folder.filePath("linked")));
+    QVERIFY(QFile::link(folder.filePath("workspace/project"), folder.filePath("project")));
+    const auto inside = [&folder](const QString &path, const QString &workspace) {
+        const FilePath place = FilePath::fromString(folder.filePath(workspace));
+        return folder.relativeFilePath(pathsInWorkspace({folder.filePath(path)}, place).first());
+    };
+    QCOMPARE(inside("project/a.rpm", "workspace"), "workspace/project/a.rpm");
+    QCOMPARE(inside("workspace/project/a.rpm", "linked"), "linked/project/a.rpm");
+    QCOMPARE(inside("linked/project/a.rpm", "linked"), "linked/project/a.rpm");
+    QCOMPARE(inside("elsewhere/b.rpm", "workspace"), "elsewhere/b.rpm");
+    QCOMPARE(inside("project/none.rpm", "workspace"), "project/none.rpm");
 }
 
 void UtilsTest::findsTheRegularKeys()

@@ -148,6 +148,10 @@
         <source>Stopped: the step or dialog that started the tool is gone</source>
         <translation>Abgebrochen: Den Schritt oder Dialog, der das Werkzeug gestartet hat, gibt es nicht mehr</translation>
     </message>
+    <message>
+        <source>The request would overwrite %1, which is no certificate signing request</source>
+        <translation>Die Zertifikatsanforderung würde %1 überschreiben, das keine Zertifikatsanforderung ist</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -204,6 +208,10 @@
     <message>
         <source>Valid until %1: %2</source>
         <translation>Gültig bis %1: %2</translation>
+    </message>
+    <message>
+        <source>There is no certificate in this file</source>
+        <translation>In dieser Datei ist kein Zertifikat</translation>
     </message>
 </context>
 <context>

@@ -148,6 +148,10 @@
         <source>Stopped: the step or dialog that started the tool is gone</source>
         <translation>中止: ツールを起動したステップまたはダイアログがなくなりました</translation>
     </message>
+    <message>
+        <source>The request would overwrite %1, which is no certificate signing request</source>
+        <translation>証明書署名要求ではない %1 が要求で上書きされてしまいます</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -204,6 +208,10 @@
     <message>
         <source>Valid until %1: %2</source>
         <translation>%1 まで有効: %2</translation>
+    </message>
+    <message>
+        <source>There is no certificate in this file</source>
+        <translation>このファイルには証明書がありません</translation>
     </message>
 </context>
 <context>
