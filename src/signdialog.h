@@ -87,7 +87,7 @@ private:
 
     PackageWatch m_packageWatch;
     QString m_targetName;      ///< chosen by the user
-    TargetToolsInfo m_current; ///< of the target that was chosen when the last task began
+    TargetToolsInfo m_current; ///< of the target that was followed last
     QHash<QString, TargetToolsInfo> m_targetTools;
     QHash<QString, SignTool *> m_signTools;
     Utils::FilePath m_workspace;

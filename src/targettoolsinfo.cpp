@@ -23,10 +23,11 @@ static bool tellsVersion(const QString &target, const std::stop_token &stop)
 TargetToolsInfo::TargetToolsInfo(const QString &target, const std::stop_token &stop)
     : name(target)
 {
-    hasRpmsignExternal = tellsVersion<Target::rpmsign_external::version>(target, stop);
+    // After the first run the caller may be gone, and so may its text.
+    hasRpmsignExternal = tellsVersion<Target::rpmsign_external::version>(name, stop);
     if (!hasRpmsignExternal) {
-        hasCustomerSign = showsHelp<Target::customer_sign::help>(target, stop);
-        hasNxvcertCli = showsHelp<Target::nxvcert_cli::help>(target, stop);
+        hasCustomerSign = showsHelp<Target::customer_sign::help>(name, stop);
+        hasNxvcertCli = showsHelp<Target::nxvcert_cli::help>(name, stop);
     }
     updateOpensslState(stop);
 }

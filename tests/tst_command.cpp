@@ -293,6 +293,11 @@ void CommandTest::survivesItsToolBeingDeleted()
     QVERIFY(result.crashed);
     QCOMPARE(result.cancelled, Command::ToolObjectGone);
     QCOMPARE(lines, QStringList{"first"});
+
+    auto *waiting = new ReadingTool;
+    QTimer::singleShot(100, [waiting] { delete waiting; });
+    QCOMPARE(waiting->run({FAKE_TOOL, "out:a", "sleep:0.4", "out:b\\n", "hang"}).cancelled,
+             Command::ToolObjectGone);
 }
 
 void CommandTest::killsWhatIsNotWantedAnyMore_data()

@@ -1,5 +1,9 @@
 #include "passworddialog.h"
+
+#include "ideclosing.h"
 #include "straywarnings.h"
+
+#include <coreplugin/icore.h>
 
 #include <QtWidgets>
 
@@ -15,6 +19,7 @@ private slots:
     void refusesWhatIsNoAnswer();
     void returnsTheAnswerAsTyped();
     void forgetsWhatWasDeclined();
+    void asksNobodyWhenNothingIsWanted();
 };
 
 void PasswordDialogTest::refusesWhatIsNoAnswer()
@@ -71,6 +76,34 @@ void PasswordDialogTest::forgetsWhatWasDeclined()
     edit->undo();
     QCOMPARE(edit->text(), QString());
     delete dialog;
+}
+
+void PasswordDialogTest::asksNobodyWhenNothingIsWanted()
+{
+    std::stop_source stop;
+    bool ok = true;
+    QTimer::singleShot(0, [&stop] { stop.request_stop(); });
+    QVERIFY(PasswordDialog::getPassord("?", &ok, stop.get_token()).isNull());
+    QVERIFY(!ok);
+    qDeleteAll(QApplication::topLevelWidgets()); // as it was declined
+
+    bool hasAsked = false;
+    const auto ask = [&](const std::stop_token &token) {
+        QTimer::singleShot(0, this, [&] {
+            if (auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget())) {
+                hasAsked = true;
+                dialog->reject();
+            }
+        });
+        PasswordDialog::getPassord("?", &ok, token);
+        QCoreApplication::processEvents();
+    };
+    ask(stop.get_token());
+    watchIdeClosing();
+    emit Core::ICore::instance()->coreAboutToClose();
+    ask({});
+    watchIdeClosing();
+    QVERIFY(!hasAsked);
 }
 
 QTEST_MAIN(PasswordDialogTest)

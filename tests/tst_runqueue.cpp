@@ -74,6 +74,11 @@ void RunQueueTest::leavesTheFocusWhereTheUserMovedIt()
     QCoreApplication::processEvents();
     QVERIFY(window.locked.isEnabled());
     QCOMPARE(window.focusWidget(), &window.free);
+
+    window.free.clearFocus();
+    window.queue.request({Task::Verify});
+    QCoreApplication::processEvents();
+    QCOMPARE(window.focusWidget(), nullptr);
 }
 
 void RunQueueTest::survivesItsWindow()

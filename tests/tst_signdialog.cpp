@@ -308,7 +308,9 @@ void SignDialogTest::takesADroppedPackage()
     }
     waitUntilIdle();
     QCOMPARE(child<PathChooser>("rpmPathChooser")->filePath().toFSPathString(), package);
-    QCOMPARE(messages.take().filter(" dump ").size(), 1);
+    const QStringList looks = messages.take().filter(QRegularExpression(" (verify|dump) "));
+    QCOMPARE(looks.size(), 2);
+    QVERIFY(looks.last().contains(" dump "));
 }
 
 void SignDialogTest::hasFieldsForPaths_data()
@@ -595,7 +597,7 @@ void SignDialogTest::locksItselfDuringARun()
         messages.take();
         child<QTabWidget>()->setCurrentIndex(2); // asks for openssl
         QTest::qWait(50);
-        meanwhile = enabled() + messages.take().join('\n');
+        meanwhile = (isBusy() ? "" : "idle") + enabled() + messages.take().join('\n');
         m_answers = std::make_unique<PromptAnswers>(QStringList());
     });
     child<QWidget>("addSignaturePushButton")->setFocus();
