@@ -75,11 +75,11 @@ void SealkitPlugin::loadTranslations()
         ExtensionSystem::PluginManager::settings()->value("General/OverrideLanguage");
     const QLocale locale = language.metaType().isValid() ? QLocale(language.toString()) : QLocale();
     auto *translator = new QTranslator(this);
-    if (translator->load(
-            locale,
-            QStringLiteral("Sealkit"),
-            QStringLiteral("_"),
-            Core::ICore::resourcePath(QStringLiteral("translations")).toFSPathString())) {
+    const auto load = [translator, &locale](const QString &directory) {
+        return translator->load(locale, QStringLiteral("Sealkit"), QStringLiteral("_"), directory);
+    };
+    if (load(Core::ICore::resourcePath(QStringLiteral("translations")).toFSPathString())
+        || load(QStringLiteral(":/sealkit/translations"))) {
         QCoreApplication::installTranslator(translator);
     }
 }

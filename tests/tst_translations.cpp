@@ -109,20 +109,21 @@ void TranslationsTest::guideExplainsEveryText()
 
 void TranslationsTest::pluginSpeaks_data()
 {
-    addColumns<QVariant, QString>("language", "menuEntry");
+    addColumns<QVariant, QString, QString>("language", "resources", "menuEntry");
 
-    addRow("a country's German", QVariant("de_AT"), "Pakete &signieren");
-    addRow("Japanese", QVariant("ja"), "パッケージの署名(&S)");
-    addRow("not translated", QVariant("fr"), "&Sign Packages");
-    addRow("not chosen, on an English system", QVariant(), "&Sign Packages");
+    addRow("a country's German", QVariant("de_AT"), RESOURCES, "Pakete &signieren");
+    addRow("Japanese, in a plugin beside the IDE", QVariant("ja"), "/none", "パッケージの署名(&S)");
+    addRow("not translated", QVariant("fr"), RESOURCES, "&Sign Packages");
+    addRow("not chosen, on an English system", QVariant(), RESOURCES, "&Sign Packages");
 }
 
 void TranslationsTest::pluginSpeaks()
 {
     QFETCH(QVariant, language);
+    QFETCH(QString, resources);
     PluginManager manager;
     PluginManager::settings()->setValue("General/OverrideLanguage", language);
-    Core::Host::setResourcePath(Utils::FilePath::fromString(RESOURCES));
+    Core::Host::setResourcePath(Utils::FilePath::fromString(resources));
     PluginManager::setPluginPaths({PLUGIN_PATH});
     PluginManager::loadPlugins();
 
