@@ -8,6 +8,9 @@
 #include <QTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 
 constexpr int RUN_TIMEOUT_MS = 30'000;
 
@@ -26,12 +29,18 @@ private slots:
     void toolsTalk();
     void runsAtOnceLoseNothing();
     void packageMustNotChangeMeanwhile();
+    void packageIsJudgedWhenItIsRead_data();
+    void packageIsJudgedWhenItIsRead();
+    void signalsEndAPrompt();
+    void lockIsWaitedFor();
     void newSignatureIsLookedAt();
+    void lateChangeUndoesAllSignatures();
     void endedSigningLeavesWholeSignatures();
 
     void briskRunsATool_data();
     void briskRunsATool();
     void nothingOutlivesBrisk();
+    void passPhrasesAreForgotten();
     void demoSdkIsRefreshed();
 
 private:
@@ -42,7 +51,10 @@ private:
     QString run(const QStringList &words,
                 const QByteArray &input = {},
                 const QString &target = RPMSIGN_TARGET) const;
+    /// Signs a.rpm with a key that has a pass phrase; "pid" then holds the tool's process id.
+    void startAtPrompt(QProcess &process) const;
     QStringList signing(const QString &pair) const;
+    QString withFunctions(const QByteArray &source) const;
     Files files(const QStringList &filters = {"*"}) const;
 
     QString key(const QString &name) const { return m_sdk.workspace() + "/keys/" + name; }
@@ -63,7 +75,9 @@ void EngineTest::init()
         writeFile(path(name), "\xed\xab\xee\xdb" + QByteArray(100'000, name[0]));
     writeFile(path("text"), "no package at all");
     QVERIFY(QFile::link(path("text"), path("-c.rpm.1.p7s.new")));
-    QVERIFY(QDir(m_packages).mkdir("blocked.rpm.1.p7s.new"));
+    QVERIFY(QDir(m_packages).mkdir("blocked.rpm.1.p7s.new") && QDir(m_packages).mkdir("folder"));
+    QCOMPARE(mkfifo(qPrintable(path("pipe")), 0600), 0);
+    writeFile(path("large"), QByteArray(2'000'000, '\n'));
 }
 
 void EngineTest::cleanup()
@@ -97,6 +111,13 @@ EngineTest::run(const QStringList &words, const QByteArray &input, const QString
     return exitCode == "0" ? output : output + "exit code " + exitCode + '\n';
 }
 
+void EngineTest::startAtPrompt(QProcess &process) const
+{
+    start(process, {"echo $$ >pid; exec " + signing("encrypted").join(' ') + " a.rpm"});
+    QByteArray output;
+    QTRY_VERIFY((output += process.readAll()).contains("Enter pass phrase"));
+}
+
 QStringList EngineTest::signing(const QString &pair) const
 {
     return {
@@ -127,6 +148,9 @@ void EngineTest::toolsTalk()
 {
     QFETCH(const QString, talk);
     addTool("copy", "cp \"$@\"");
+    addTool("append", "cat \"$1\" >>\"$2\"");
+    addTool("spoil",
+            "printf ~ | dd of=\"$1\" bs=1 seek=$(($(wc -c <\"$1\") - 1)) conv=notrunc status=none");
     addTool("damage", "printf '~~' | dd of=\"$1\" bs=1 seek=4 conv=notrunc status=none");
     static const QRegularExpression pair("^sign (\\w+)");
     const Files packages = files({"*.rpm", "text"});
@@ -181,22 +205,99 @@ void EngineTest::packageMustNotChangeMeanwhile()
     QVERIFY(files({"*.p7s"}).isEmpty());
 }
 
+void EngineTest::packageIsJudgedWhenItIsRead_data()
+{
+    addColumns<QByteArray, QString>("replacement", "fault");
+    addRow("text", QByteArray("echo no package >a.rpm"), "not an RPM package: a.rpm");
+    addRow("nothing", QByteArray(": >a.rpm"), "not an RPM package: a.rpm");
+    addRow("pipe", QByteArray("mv pipe a.rpm"), "package is no regular file: a.rpm");
+}
+
+/// Something else takes the package's place while the tool asks for the pass phrase.
+void EngineTest::packageIsJudgedWhenItIsRead()
+{
+    QFETCH(const QByteArray, replacement);
+    QFETCH(const QString, fault);
+    QProcess process;
+    startAtPrompt(process);
+    QCOMPARE(std::system("cd " + m_packages.toUtf8() + " && " + replacement), 0);
+    process.write("demo\n");
+    QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+    QCOMPARE(process.readAll(), ("\r\nrpmsign-external: error: " + fault + "\r\n").toUtf8());
+    QVERIFY(files({"?.rpm.*"}).isEmpty());
+}
+
+void EngineTest::signalsEndAPrompt()
+{
+    for (const int signalNumber : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        QProcess process;
+        startAtPrompt(process);
+        QCOMPARE(std::system("kill -" + QByteArray::number(signalNumber) + " $(cat "
+                             + path("pid").toUtf8() + ')'),
+                 0);
+        QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+        QCOMPARE(process.exitCode(), 128 + signalNumber);
+    }
+}
+
+void EngineTest::lockIsWaitedFor()
+{
+    for (const QStringList &words : {signing("client"), {"rpmsign-external", "delete"}}) {
+        const int folder = open(qPrintable(m_packages), O_RDONLY | O_CLOEXEC);
+        QCOMPARE(flock(folder, LOCK_EX), 0);
+        QProcess process;
+        start(process, words + QStringList{"a.rpm"});
+        QByteArray output;
+        QTRY_COMPARE((output += process.readAll()),
+                     "waiting for another run to leave the folder: .\r\n");
+        QCOMPARE(process.state(), QProcess::Running);
+        close(folder);
+        QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+        QCOMPARE(process.exitCode(), 0);
+    }
+}
+
+// What the words of a shell line begin with for a tool with functions of the C library replaced.
+QString EngineTest::withFunctions(const QByteArray &source) const
+{
+    const QString library = path("functions.so");
+    writeFile(path("functions.c"),
+              "#define _GNU_SOURCE\n#include <fcntl.h>\n#include <sys/stat.h>\n"
+              "#include <sys/syscall.h>\n#include <unistd.h>\n"
+                  + source);
+    const QStringList words{"-shared", "-fPIC", "-o", library, path("functions.c")};
+    [&] { QCOMPARE(QProcess::execute("cc", words), 0); }();
+    return "LD_PRELOAD=" + library + " ASAN_OPTIONS=verify_asan_link_order=0 ";
+}
+
 // On a disk that loses what is written, and tells nobody.
 void EngineTest::newSignatureIsLookedAt()
 {
-    writeFile(path("disk.c"),
-              "#include <sys/stat.h>\n#include <sys/syscall.h>\n#include <unistd.h>\n"
-              "ssize_t write(int file, const void *bytes, size_t size) {\n"
-              "    struct stat status;\n"
-              "    return fstat(file, &status) == 0 && S_ISREG(status.st_mode)\n"
-              "        ? (ssize_t)size : syscall(SYS_write, file, bytes, size); }\n");
-    const QString library = path("disk.so");
-    QCOMPARE(QProcess::execute("cc", {"-shared", "-fPIC", "-o", library, path("disk.c")}), 0);
-    const QString tool = "LD_PRELOAD=" + library + " ASAN_OPTIONS=verify_asan_link_order=0 ";
+    const QString tool =
+        withFunctions("ssize_t write(int file, const void *bytes, size_t size) {\n"
+                      "    struct stat status;\n"
+                      "    return fstat(file, &status) == 0 && S_ISREG(status.st_mode)\n"
+                      "        ? (ssize_t)size : syscall(SYS_write, file, bytes, size); }\n");
     QCOMPARE(run({tool + signing("client").join(' ') + " a.rpm"}),
              "rpmsign-external: error: the new signature is not one of the package: a.rpm\n"
              "exit code 1\n");
     QVERIFY(files({"*.p7s"}).isEmpty());
+}
+
+// When the first signature gets its name, somebody changes the other package.
+void EngineTest::lateChangeUndoesAllSignatures()
+{
+    const QString tool =
+        withFunctions("int renameat2(int a, const char *b, int c, const char *d, unsigned e) {\n"
+                      "    int package = open(\"b.rpm\", O_WRONLY | O_APPEND);\n"
+                      "    if (write(package, \"x\", 1) != 1 || close(package) != 0) return -1;\n"
+                      "    return syscall(SYS_renameat2, a, b, c, d, e); }\n");
+    const QByteArray other = readFile(path("a.rpm"));
+    QCOMPARE(run({tool + signing("client").join(' ') + " b.rpm a.rpm"}),
+             "rpmsign-external: error: the package changed meanwhile: b.rpm\nexit code 1\n");
+    QCOMPARE(readFile(path("a.rpm")), other);
+    QVERIFY(readFile(path("b.rpm")).endsWith("bxx"));
+    QVERIFY(files({"?.rpm.*"}).isEmpty());
 }
 
 void EngineTest::endedSigningLeavesWholeSignatures()
@@ -246,6 +347,22 @@ void EngineTest::briskRunsATool_data()
            QStringList{target, "probe 'a b' c || echo \"ended by $?\"; ls /"},
            none,
            "<a b><c>\nended by 7\n/bin/sh: 1: ls: not found\nexit code 127\n");
+    addRow("the end of much output",
+           QStringList{target, "flooding"},
+           none,
+           QString("1234567\n").repeated(20'000));
+    addRow("files that are no tools",
+           QStringList{target, "data"},
+           none,
+           "brisk: data: command not found\nexit code 127\n");
+    addRow("nor folders",
+           QStringList{target, "."},
+           none,
+           "brisk: .: command not found\nexit code 127\n");
+    addRow("open files of the caller stay behind",
+           QStringList{target, "descriptors"},
+           none,
+           "/proc/self/fd/0 /proc/self/fd/1 /proc/self/fd/10 /proc/self/fd/2 /proc/self/fd/3\n");
     addRow("no program of this computer",
            QStringList{target, "/bin/ls"},
            none,
@@ -277,6 +394,11 @@ void EngineTest::briskRunsATool()
     addTool("asking", "sleep 0.3; printf 'Enter pass phrase: '; read -r a; echo; echo ${#a}");
     addTool("reading", "cat; stty -F /dev/tty -icanon icanon; cat; read -r line || echo end");
     addTool("chatting", "yes 1234567 | head -n 20000; read -r line; echo \"$line\"");
+    addTool("flooding", "yes 1234567 | head -n 20000");
+    addTool("descriptors", "echo /proc/self/fd/[0-9]*");
+    writeFile(m_sdk.tool("data"), {});
+    const int inherited = open("/dev/null", O_RDONLY); // NOLINT(android-cloexec-open)
+    const auto closing = qScopeGuard([inherited] { close(inherited); });
     QTEST(run(words.mid(1), input, words.first()), "output");
 }
 
@@ -295,6 +417,38 @@ void EngineTest::nothingOutlivesBrisk()
         for (const QByteArray &pid : pids)
             QTRY_VERIFY2(!isAlive(pid.toLongLong()), pid.constData());
     }
+}
+
+/// At the second question, nobody holds the first answer or the text of the first key.
+void EngineTest::passPhrasesAreForgotten()
+{
+    const QByteArray phrase = "Wq7z pass phrase to be forgotten";
+    const QString first = path("key.pem");
+    const QStringList encrypt{"ec", "-in", key("client_key.pem"), "-aes256", "-out", first};
+    QCOMPARE(QProcess::execute("openssl", encrypt + QStringList{"-passout", "pass:" + phrase}), 0);
+    const QByteArray keyText = readFile(first).split('\n').at(4);
+    QProcess brisk;
+    start(brisk,
+          {"customer-sign",
+           "--binaries-key",
+           first,
+           "--packages-key",
+           key("encrypted_key.pem"),
+           "--packages-cert",
+           key("encrypted_cert.pem"),
+           "a.rpm"},
+          CUSTOMER_TARGET);
+    QByteArray output;
+    QTRY_VERIFY((output += brisk.readAll()).contains("Enter passphrase"));
+    brisk.write(phrase + '\n');
+    QTRY_VERIFY((output += brisk.readAll()).contains("Enter pass phrase"));
+    const QByteArrayList memories = memoriesOf(brisk.processId());
+    QCOMPARE(memories.size(), 3); // brisk, its watcher and the tool
+    for (const QByteArray &memory : memories)
+        QVERIFY(!memory.contains(phrase) && !memory.contains(keyText));
+    brisk.write("demo\n");
+    QVERIFY(brisk.waitForFinished(RUN_TIMEOUT_MS));
+    QCOMPARE(brisk.exitCode(), 0);
 }
 
 void EngineTest::demoSdkIsRefreshed()

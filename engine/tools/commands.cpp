@@ -6,6 +6,7 @@
 #include "signature.h"
 #include "signaturefolder.h"
 #include "signaturetext.h"
+#include "text.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -33,68 +34,77 @@ struct SigningResult
 
 static SigningResult stageSignatures(const SignedPackage &package,
                                      const Key &key,
-                                     const std::vector<Certificate> &certificates)
+                                     const std::vector<CertificateChain> &signers)
 {
     package.folder->removeLeftovers(package.name);
     const std::vector<std::uint64_t> numbers = package.numbers();
     std::uint64_t number = numbers.empty() ? 0 : numbers.back();
     SigningResult result{PackageDigests(package.path, {Signature::digestFor(key)}), {}};
-    for (const Certificate &certificate : certificates) {
+    for (const CertificateChain &certificates : signers) {
         StagedSignature &staged = result.staged.emplace_back(package, ++number);
-        staged.write(Signature::make(key, certificate, result.digests));
+        staged.write(Signature::make(key, certificates, result.digests));
         // What lies there is looked at, whatever libcrypto and the file system have said.
         if (!Signature(staged.written()).hasSigned(result.digests))
-            throw Failure("the new signature is not one of the package: " + package.path);
+            throw Failure("the new signature is not one of the package: "
+                          + printable(package.path));
     }
     return result;
 }
 
-static void install(std::vector<SigningResult> &results)
+static void requireUnchanged(const std::vector<SigningResult> &results)
 {
     for (const SigningResult &result : results)
         result.digests.requireUnchanged();
+}
+
+static void install(std::vector<SigningResult> &results, const SignedPackages &packages)
+{
+    requireUnchanged(results);
     for (SigningResult &result : results)
         for (StagedSignature &staged : result.staged)
             staged.install();
+    requireUnchanged(results);
+    packages.synchronize();
     for (SigningResult &result : results)
         for (StagedSignature &staged : result.staged)
             staged.keep();
 }
 
 void signPackages(const Key &key,
-                  const std::vector<Certificate> &certificates,
+                  const std::vector<CertificateChain> &signers,
                   const Paths &packages)
 {
-    const Interruption interruption;
     const SignedPackages all(packages, SignedPackages::Access::Locked);
     const std::vector<SignedPackage> distinct = all.distinct();
     std::vector<SigningResult> results;
     sideBySide<SigningResult>(
         distinct.size(),
-        [&](std::size_t i) { return stageSignatures(distinct[i], key, certificates); },
+        [&](std::size_t i) { return stageSignatures(distinct[i], key, signers); },
         [&](std::size_t, SigningResult result) { results.push_back(std::move(result)); });
     Interruption::check();
-    install(results);
-    all.synchronize();
+    install(results, all);
 
     std::string lines;
     for (const std::string &package : packages)
-        lines += "Signed: " + package + '\n';
-    print(lines);
+        lines += "Signed: " + printable(package) + '\n';
+    writeAll(STDOUT_FILENO, lines); // What is signed is signed, whoever hears of it.
 }
 
 void deleteSignatures(const Paths &packages)
 {
     requirePackages(packages);
     const SignedPackages all(packages, SignedPackages::Access::Locked);
+    std::string lines;
     for (const SignedPackage &package : all.all()) {
         package.folder->removeLeftovers(package.name);
         const std::vector<std::uint64_t> numbers = package.numbers();
         for (auto number = numbers.rbegin(); number != numbers.rend(); ++number)
             package.folder->remove(signatureName(package.name, *number));
-        print(package.path + ": " + std::to_string(numbers.size()) + " signatures removed\n");
+        lines += printable(package.path) + ": " + std::to_string(numbers.size())
+                 + " signatures removed\n";
     }
     all.synchronize();
+    writeAll(STDOUT_FILENO, lines);
 }
 
 static std::vector<Signature> signaturesOf(const SignedPackage &package)
@@ -132,7 +142,8 @@ static Report dump(const SignedPackage &package)
     const PackageDigests digests(package.path, digestsOf(signatures));
     for (std::size_t i = 0; i < signatures.size(); ++i) {
         if (!signatures[i].isReadable()) {
-            report.failure = "cannot read the signature: " + package.signaturePath(numbers[i]);
+            report.failure =
+                "cannot read the signature: " + printable(package.signaturePath(numbers[i]));
             return report;
         }
         for (const Signer &signer : signatures[i].signers())
@@ -152,25 +163,25 @@ void dumpSignatures(const Paths &packages)
         packages.size(),
         [&](std::size_t i) { return dump(all.all()[i]); },
         [&](std::size_t i, const Report &report) {
-            print((isSingle ? "" : absolute(packages[i]) + '\n') + report.text);
+            print((isSingle ? "" : printable(absolute(packages[i])) + '\n') + report.text);
             if (!report.failure.empty())
                 throw Failure(report.failure);
         });
     if (isSingle)
-        print(absolute(packages.front()) + '\n');
+        print(printable(absolute(packages.front())) + '\n');
 }
 
 static Report verify(const SignedPackage &package, const Verifier &verifier)
 {
     const std::vector<std::uint64_t> numbers = package.numbers();
     if (numbers.empty())
-        return {package.path + ": not signed\n", "verification failed"};
+        return {printable(package.path) + ": not signed\n", "verification failed"};
     const std::vector<Signature> signatures = signaturesOf(package);
     const PackageDigests digests(package.path, digestsOf(signatures));
     Report report;
     for (std::size_t i = 0; i < signatures.size(); ++i) {
         const std::string fault = verifier.faultOf(signatures[i], digests);
-        report.text += package.path + ": signature " + std::to_string(numbers[i])
+        report.text += printable(package.path) + ": signature " + std::to_string(numbers[i])
                        + (fault.empty() ? " is valid" : " is NOT valid: " + fault) + '\n';
         if (!fault.empty())
             report.failure = "verification failed";
@@ -181,7 +192,6 @@ static Report verify(const SignedPackage &package, const Verifier &verifier)
 void verifySignatures(const std::string &roots, const Paths &packages)
 {
     const std::string rootsFile = roots.empty() ? targetFile("etc/root.pem") : roots;
-    requireFile("root certificate", rootsFile);
     requirePackages(packages);
     const SignedPackages all(packages, SignedPackages::Access::ReadOnly);
     const Verifier verifier(rootsFile);

@@ -3,6 +3,7 @@
 #include "failure.h"
 #include "files.h"
 #include "interruption.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,28 +14,21 @@
 static constexpr char MAGIC[] = {'\xed', '\xab', '\xee', '\xdb'};
 static constexpr std::size_t MAXIMUM_PIECE = 0x400000;
 
+// What is looked at is what is read afterwards, whatever takes its place meanwhile.
 static Descriptor openPackage(const std::string &path)
 {
-    Descriptor package(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!package.isOpen())
-        throw Failure("package cannot be read: " + path);
-    return package;
-}
-
-static void requirePackage(const std::string &path)
-{
-    requireFile("package", path);
+    Descriptor package = openFile("package", path);
     char start[sizeof MAGIC] = {};
-    const Descriptor package = openPackage(path);
-    if (::read(package.number(), start, sizeof start) != sizeof start
+    if (pread(package.number(), start, sizeof start, 0) != sizeof start
         || std::memcmp(start, MAGIC, sizeof MAGIC) != 0)
-        throw Failure("not an RPM package: " + path);
+        throw Failure("not an RPM package: " + printable(path));
+    return package;
 }
 
 void requirePackages(const std::vector<std::string> &paths)
 {
     for (const std::string &path : paths)
-        requirePackage(path);
+        openPackage(path);
 }
 
 static bool isSame(const timespec &one, const timespec &other)
@@ -66,47 +60,32 @@ PackageDigests::PackageDigests(const std::string &path, const std::set<int> &kin
     requireUnchanged();
 }
 
-// Fills the piece, but for the last one of a package. Returns how much is in it; -1 is an error.
-static ssize_t readPiece(int package, std::vector<char> &piece)
-{
-    std::size_t size = 0;
-    while (size < piece.size()) {
-        const ssize_t count = ::read(package, piece.data() + size, piece.size() - size);
-        if (count == 0)
-            break;
-        if (count > 0)
-            size += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            return -1;
-    }
-    return static_cast<ssize_t>(size);
-}
-
 // A piece is digested while the next one is read.
 void PackageDigests::read(int package)
 {
     const auto packageSize = static_cast<std::size_t>(m_status.st_size);
     std::vector<char> piece(std::min(packageSize + 1, MAXIMUM_PIECE));
     std::vector<char> nextPiece(packageSize < piece.size() ? 0 : piece.size());
-    ssize_t size = readPiece(package, piece);
+    ssize_t size = readUpTo(package, piece.data(), piece.size());
     while (size > 0) {
         Interruption::check();
         std::future<ssize_t> nextSize;
         if (!nextPiece.empty())
-            nextSize =
-                std::async(std::launch::async, [&] { return readPiece(package, nextPiece); });
+            nextSize = std::async(std::launch::async, [&] {
+                return readUpTo(package, nextPiece.data(), nextPiece.size());
+            });
         if (BIO_write(m_chain.get(), piece.data(), static_cast<int>(size)) != size)
-            throw Failure("cannot digest the package: " + m_path);
+            throw Failure("cannot digest the package: " + printable(m_path));
         size = nextSize.valid() ? nextSize.get() : 0;
         std::swap(piece, nextPiece);
     }
     if (size < 0)
-        throw Failure("package cannot be read: " + m_path);
+        throw Failure("package cannot be read: " + printable(m_path) + reason(errno));
 }
 
 void PackageDigests::requireUnchanged() const
 {
     struct stat status;
     if (stat(m_path.c_str(), &status) != 0 || !isSame(status, m_status))
-        throw Failure("the package changed meanwhile: " + m_path);
+        throw Failure("the package changed meanwhile: " + printable(m_path));
 }

@@ -1,10 +1,17 @@
 #include "signature.h"
 
 #include "failure.h"
+#include "files.h"
+#include "strength.h"
+#include "text.h"
 
 #include <algorithm>
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/x509v3.h>
+
+// libcrypto's level of 112 bits, which all certificates on the way to a root must have.
+static constexpr int STRENGTH = 2;
 
 bool Signer::isCheckable() const
 {
@@ -45,19 +52,24 @@ int Signature::digestFor(const Key &key)
 }
 
 std::string
-Signature::make(const Key &key, const Certificate &certificate, const PackageDigests &digests)
+Signature::make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests)
 {
     ERR_clear_error();
     constexpr unsigned flags = CMS_PARTIAL | CMS_DETACHED | CMS_BINARY | CMS_NOSMIMECAP;
     const Cms cms(CMS_sign(nullptr, nullptr, nullptr, nullptr, flags));
     unsigned char *der = nullptr;
     int size = -1;
-    if (cms && CMS_add1_signer(cms.get(), certificate.get(), key.get(), nullptr, flags)
+    if (cms && CMS_add1_signer(cms.get(), certificates.front().get(), key.get(), nullptr, flags)
+        && std::all_of(
+            certificates.begin() + 1,
+            certificates.end(),
+            [&](const Certificate &other) { return CMS_add1_cert(cms.get(), other.get()) == 1; })
         && CMS_dataFinal(cms.get(), digests.chain()) == 1)
         size = i2d_CMS_ContentInfo(cms.get(), &der);
     if (size < 0) {
         const char *reason = ERR_reason_error_string(ERR_peek_last_error());
-        throw Failure("cannot sign " + digests.path() + ": " + (reason ? reason : "unknown error"));
+        throw Failure("cannot sign " + printable(digests.path()) + ": "
+                      + (reason ? reason : "unknown error"));
     }
     const std::string bytes(reinterpret_cast<char *>(der), static_cast<std::size_t>(size));
     OPENSSL_free(der);
@@ -99,16 +111,21 @@ std::set<int> digestsOf(const std::vector<Signature> &signatures)
 }
 
 Verifier::Verifier(const std::string &rootsFile)
-    : m_rootsFile(rootsFile)
+    : m_rootsFile(printable(rootsFile))
     , m_roots(X509_STORE_new())
 {
-    if (X509_STORE_load_file(m_roots.get(), rootsFile.c_str()) != 1)
-        m_roots.reset();
+    const FileContents file("root certificate", rootsFile);
+    const BioChain bytes(BIO_new_mem_buf(file.bytes(), static_cast<int>(file.size())));
+    while (const Certificate root{PEM_read_bio_X509_AUX(bytes.get(), nullptr, nullptr, nullptr)}) {
+        X509_STORE_add_cert(m_roots.get(), root.get());
+        m_hasRoots = true;
+    }
+    X509_VERIFY_PARAM_set_auth_level(X509_STORE_get0_param(m_roots.get()), STRENGTH);
 }
 
 std::string Verifier::faultOf(const Signature &signature, const PackageDigests &digests) const
 {
-    if (!m_roots)
+    if (!m_hasRoots)
         return "no root certificate can be read from " + m_rootsFile;
     if (!signature.isReadable())
         return "it cannot be read";
@@ -147,8 +164,9 @@ std::string Verifier::faultOf(const Signer &signer, STACK_OF(X509) * certificate
         return "it cannot be read";
     if (X509_verify_cert(context.get()) != 1)
         return words(X509_STORE_CTX_get_error(context.get()));
-    // Whatever else the key may be for, it must be for signatures.
-    if ((X509_get_key_usage(signer.certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
+    if (!isForSigning(signer.certificate))
         return words(X509_V_ERR_INVALID_PURPOSE);
+    if (!isStrong(X509_get0_pubkey(signer.certificate)) || !isStrongDigest(signer.digest()))
+        return "its key or its digest is too weak";
     return signer.isGenuine() ? "" : "it cannot be read";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "handles.h"
+#include "keys.h"
 #include "package.h"
 
 #include <set>
@@ -27,9 +28,10 @@ struct Signer
 class Signature
 {
 public:
-    /// Makes one over the bytes of the digests. Throws a Failure when libcrypto cannot.
+    /// Makes one over the bytes of the digests by the key of the first certificate. The others help
+    /// to find the way to a root. Throws a Failure when libcrypto cannot.
     static std::string
-    make(const Key &key, const Certificate &certificate, const PackageDigests &digests);
+    make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests);
     /// The digest that make() needs.
     static int digestFor(const Key &key);
 
@@ -63,7 +65,8 @@ std::set<int> digestsOf(const std::vector<Signature> &signatures);
 class Verifier
 {
 public:
-    /// \a rootsFile holds certificates (PEM); nothing else is trusted.
+    /// \a rootsFile holds certificates (PEM); nothing else is trusted. Throws a Failure when it
+    /// cannot be read.
     explicit Verifier(const std::string &rootsFile);
 
     /// Why \a signature is no valid one of the package, as the end of a sentence; empty when it is.
@@ -74,4 +77,5 @@ private:
 
     const std::string m_rootsFile;
     Roots m_roots;
+    bool m_hasRoots = false;
 };

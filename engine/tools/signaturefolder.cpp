@@ -2,9 +2,11 @@
 
 #include "failure.h"
 #include "interruption.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
@@ -12,6 +14,7 @@
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 
 static constexpr std::string_view SUFFIX = ".p7s";
 static constexpr std::string_view STAGED_SUFFIX = ".new";
@@ -51,7 +54,7 @@ SignatureFolder::SignatureFolder(const std::string &path)
     , m_folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
     if (!m_folder.isOpen())
-        throw Failure("cannot open the folder: " + path);
+        throw Failure("cannot open the folder: " + printable(path) + reason(errno));
 }
 
 SignatureFolder::Id SignatureFolder::id() const
@@ -61,12 +64,25 @@ SignatureFolder::Id SignatureFolder::id() const
     return {status.st_dev, status.st_ino};
 }
 
+// Who waits longer than usual is told what for.
 void SignatureFolder::lock() const
 {
-    while (flock(m_folder.number(), LOCK_EX) != 0) {
+    constexpr auto patience = std::chrono::seconds(2);
+    constexpr auto pause = std::chrono::milliseconds(20);
+    const auto begin = std::chrono::steady_clock::now();
+    int waiting = LOCK_NB;
+    while (flock(m_folder.number(), LOCK_EX | waiting) != 0) {
+        const int error = errno;
         Interruption::check();
-        if (errno != EINTR)
-            throw Failure("cannot lock the folder: " + m_path);
+        if (error != EINTR && error != EWOULDBLOCK)
+            throw Failure("cannot lock the folder: " + printable(m_path) + reason(error));
+        if (waiting != 0 && std::chrono::steady_clock::now() - begin > patience) {
+            writeAll(STDERR_FILENO,
+                     "waiting for another run to leave the folder: " + printable(m_path) + '\n');
+            waiting = 0;
+        } else if (waiting != 0) {
+            std::this_thread::sleep_for(pause);
+        }
     }
 }
 
@@ -74,14 +90,14 @@ void SignatureFolder::read()
 {
     DIR *entries = fdopendir(openat(m_folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!entries)
-        throw Failure("cannot read the folder: " + m_path);
+        throw Failure("cannot read the folder: " + printable(m_path) + reason(errno));
     const dirent *entry = nullptr;
     while (errno = 0, (entry = readdir(entries)) != nullptr)
         add(entry->d_name);
     const bool isComplete = errno == 0;
     closedir(entries);
     if (!isComplete)
-        throw Failure("cannot read the folder: " + m_path);
+        throw Failure("cannot read the folder: " + printable(m_path) + reason(errno));
     for (auto &[package, numbers] : m_numbers)
         std::sort(numbers.begin(), numbers.end());
 }
@@ -123,7 +139,7 @@ std::optional<std::string> SignatureFolder::signature(const std::string &name) c
 void SignatureFolder::remove(const std::string &name) const
 {
     if (unlinkat(m_folder.number(), name.c_str(), 0) != 0 && errno != ENOENT)
-        throw Failure("cannot remove: " + m_path + '/' + name);
+        throw Failure("cannot remove: " + printable(m_path + '/' + name) + reason(errno));
 }
 
 void SignatureFolder::removeLeftovers(const std::string &package) const
@@ -138,7 +154,7 @@ void SignatureFolder::removeLeftovers(const std::string &package) const
 void SignatureFolder::synchronize() const
 {
     if (fsync(m_folder.number()) != 0 && errno != EINVAL) // Not every file system can.
-        throw Failure("cannot bring the folder to the disk: " + m_path);
+        throw Failure("cannot bring the folder to the disk: " + printable(m_path) + reason(errno));
 }
 
 SignedPackages::SignedPackages(const std::vector<std::string> &paths, Access access)
@@ -185,9 +201,10 @@ void SignedPackages::synchronize() const
 
 static Failure cannotWrite(const std::string &package, int error)
 {
-    return Failure(error == ENAMETOOLONG
-                       ? "the name is too long for a signature beside the package: " + package
-                       : "cannot write signatures beside the package: " + package);
+    return Failure(
+        error == ENAMETOOLONG
+            ? "the name is too long for a signature beside the package: " + printable(package)
+            : "cannot write signatures beside the package: " + printable(package) + reason(error));
 }
 
 StagedSignature::StagedSignature(const SignedPackage &package, std::uint64_t number)
@@ -240,6 +257,7 @@ void StagedSignature::install()
     if (result != 0 && errno == EINVAL) // Not every file system has this.
         result = renameat(folder, m_file.c_str(), folder, m_name.c_str());
     if (result != 0)
-        throw Failure("cannot put a signature beside the package: " + m_package);
+        throw Failure("cannot put a signature beside the package: " + printable(m_package)
+                      + reason(errno));
     m_file = m_name;
 }
