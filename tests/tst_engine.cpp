@@ -1,5 +1,6 @@
 #include "files.h"
 #include "processes.h"
+#include "rpmpackage.h"
 #include "straywarnings.h"
 #include "temporarysdk.h"
 #include "testrow.h"
@@ -11,6 +12,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 constexpr int RUN_TIMEOUT_MS = 30'000;
 
@@ -33,9 +35,15 @@ private slots:
     void packageIsJudgedWhenItIsRead();
     void signalsEndAPrompt();
     void lockIsWaitedFor();
-    void newSignatureIsLookedAt();
+    void newPackageIsLookedAt();
     void lateChangeUndoesAllSignatures();
-    void endedSigningLeavesWholeSignatures();
+    void headerMustBeInOrder_data();
+    void headerMustBeInOrder();
+    void coversAllButTheSignatureHeader();
+    void keepsWhoseAndWhatFileItIs();
+    void fullDiskIsNoticedBeforeAnythingIsWritten();
+    void replacesWithoutExchanging();
+    void endedSigningLeavesWholePackages();
 
     void briskRunsATool_data();
     void briskRunsATool();
@@ -72,10 +80,10 @@ void EngineTest::init()
 {
     failOnStrayWarnings();
     for (const char *name : {"a.rpm", "b.rpm", "-c.rpm", "blocked.rpm"})
-        writeFile(path(name), "\xed\xab\xee\xdb" + QByteArray(100'000, name[0]));
+        writeFile(path(name), rpmPackage(QByteArray(100'000, name[0])));
     writeFile(path("text"), "no package at all");
-    QVERIFY(QFile::link(path("text"), path("-c.rpm.1.p7s.new")));
-    QVERIFY(QDir(m_packages).mkdir("blocked.rpm.1.p7s.new") && QDir(m_packages).mkdir("folder"));
+    QVERIFY(QFile::link(path("text"), path("-c.rpm.signing")));
+    QVERIFY(QDir(m_packages).mkdir("blocked.rpm.signing") && QDir(m_packages).mkdir("folder"));
     QCOMPARE(mkfifo(qPrintable(path("pipe")), 0600), 0);
     writeFile(path("large"), QByteArray(2'000'000, '\n'));
 }
@@ -143,11 +151,15 @@ void EngineTest::toolsTalk_data()
     }
 }
 
-/// A command that fails leaves all files as they were, and none but "damage" changes a package.
+/// A command that fails leaves all files as they were. Without signatures, all packages are at the
+/// end what they were, but for those that "damage" has changed.
 void EngineTest::toolsTalk()
 {
     QFETCH(const QString, talk);
     addTool("copy", "cp \"$@\"");
+    addTool("link", "ln -s \"$@\"");
+    addTool("hardlink", "ln \"$@\"");
+    addTool("remove", "rm \"$@\"");
     addTool("append", "cat \"$1\" >>\"$2\"");
     addTool("spoil",
             "printf ~ | dd of=\"$1\" bs=1 seek=$(($(wc -c <\"$1\") - 1)) conv=notrunc status=none");
@@ -174,6 +186,7 @@ void EngineTest::toolsTalk()
     heard.replace(QRegularExpression("Key ID: [^\n]+"), "Key ID: …");
     heard.replace(QRegularExpression("sha256, .* GMT\n"), "sha256, …\n");
     QVERIFY2(heard == talk, qPrintable(heard));
+    run(QStringList{"rpmsign-external", "delete", "--"} + files({"*.rpm"}).keys());
     if (!talk.contains("\n$ damage a.rpm\n"))
         QCOMPARE(files({"*.rpm", "text"}), packages);
 }
@@ -202,7 +215,7 @@ void EngineTest::packageMustNotChangeMeanwhile()
         QVERIFY(file.seek(50'000) && file.putChar('y') && file.flush());
     QCOMPARE(process.readAll(),
              "rpmsign-external: error: the package changed meanwhile: b.rpm\r\n");
-    QVERIFY(files({"*.p7s"}).isEmpty());
+    QVERIFY(files({"?.rpm?*"}).isEmpty());
 }
 
 void EngineTest::packageIsJudgedWhenItIsRead_data()
@@ -224,7 +237,7 @@ void EngineTest::packageIsJudgedWhenItIsRead()
     process.write("demo\n");
     QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
     QCOMPARE(process.readAll(), ("\r\nrpmsign-external: error: " + fault + "\r\n").toUtf8());
-    QVERIFY(files({"?.rpm.*"}).isEmpty());
+    QVERIFY(files({"?.rpm?*"}).isEmpty());
 }
 
 void EngineTest::signalsEndAPrompt()
@@ -249,7 +262,8 @@ void EngineTest::lockIsWaitedFor()
         start(process, words + QStringList{"a.rpm"});
         QByteArray output;
         QTRY_COMPARE((output += process.readAll()),
-                     "waiting for another run to leave the folder: .\r\n");
+                     "waiting for another run to leave the folder: " + m_packages.toUtf8()
+                         + "\r\n");
         QCOMPARE(process.state(), QProcess::Running);
         close(folder);
         QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
@@ -262,7 +276,8 @@ QString EngineTest::withFunctions(const QByteArray &source) const
 {
     const QString library = path("functions.so");
     writeFile(path("functions.c"),
-              "#define _GNU_SOURCE\n#include <fcntl.h>\n#include <sys/stat.h>\n"
+              "#define _GNU_SOURCE\n#include <errno.h>\n#include <fcntl.h>\n#include "
+              "<sys/stat.h>\n#include <sys/statvfs.h>\n"
               "#include <sys/syscall.h>\n#include <unistd.h>\n"
                   + source);
     const QStringList words{"-shared", "-fPIC", "-o", library, path("functions.c")};
@@ -271,7 +286,7 @@ QString EngineTest::withFunctions(const QByteArray &source) const
 }
 
 // On a disk that loses what is written, and tells nobody.
-void EngineTest::newSignatureIsLookedAt()
+void EngineTest::newPackageIsLookedAt()
 {
     const QString tool =
         withFunctions("ssize_t write(int file, const void *bytes, size_t size) {\n"
@@ -279,9 +294,9 @@ void EngineTest::newSignatureIsLookedAt()
                       "    return fstat(file, &status) == 0 && S_ISREG(status.st_mode)\n"
                       "        ? (ssize_t)size : syscall(SYS_write, file, bytes, size); }\n");
     QCOMPARE(run({tool + signing("client").join(' ') + " a.rpm"}),
-             "rpmsign-external: error: the new signature is not one of the package: a.rpm\n"
+             "rpmsign-external: error: the new package is not what was written: a.rpm\n"
              "exit code 1\n");
-    QVERIFY(files({"*.p7s"}).isEmpty());
+    QVERIFY(files({"?.rpm?*"}).isEmpty());
 }
 
 // When the first signature gets its name, somebody changes the other package.
@@ -289,6 +304,8 @@ void EngineTest::lateChangeUndoesAllSignatures()
 {
     const QString tool =
         withFunctions("int renameat2(int a, const char *b, int c, const char *d, unsigned e) {\n"
+                      "    static int calls = 0;\n"
+                      "    if (calls++ > 0) return syscall(SYS_renameat2, a, b, c, d, e);\n"
                       "    int package = open(\"b.rpm\", O_WRONLY | O_APPEND);\n"
                       "    if (write(package, \"x\", 1) != 1 || close(package) != 0) return -1;\n"
                       "    return syscall(SYS_renameat2, a, b, c, d, e); }\n");
@@ -296,39 +313,156 @@ void EngineTest::lateChangeUndoesAllSignatures()
     QCOMPARE(run({tool + signing("client").join(' ') + " b.rpm a.rpm"}),
              "rpmsign-external: error: the package changed meanwhile: b.rpm\nexit code 1\n");
     QCOMPARE(readFile(path("a.rpm")), other);
-    QVERIFY(readFile(path("b.rpm")).endsWith("bxx"));
-    QVERIFY(files({"?.rpm.*"}).isEmpty());
+    QVERIFY(readFile(path("b.rpm")).endsWith("bx"));
+    QVERIFY(files({"?.rpm?*"}).isEmpty());
 }
 
-void EngineTest::endedSigningLeavesWholeSignatures()
+void EngineTest::headerMustBeInOrder_data()
+{
+    // Of a package that is signed once: the signature header begins at 96, its entries at 112.
+    addColumns<int, QByteArray, QString>("position", "bytes", "fault");
+    const auto bytes = [](const char *hexadecimal) { return QByteArray::fromHex(hexadecimal); };
+    const QString overlap = "entries overlap or are outside of it";
+    const QString layout = "it is not laid out as rpm does it";
+    addRow("our tag twice", 128, QByteArray("Seal"), QString("an entry is of another type"));
+    addRow("outside", 160 + 8, bytes("00ffffff"), overlap);
+    addRow("overlapping", 160 + 8, bytes("00000000"), overlap);
+    addRow("too long", 160 + 12, bytes("00ffffff"), QString("an entry is empty or too large"));
+    addRow("a tag for regions", 144, bytes("0000003e"), QString("a tag is where it must not be"));
+    addRow("the region does not hold all", 104, bytes("00000003"), layout);
+    addRow("another region", 112, bytes("0000003f"), layout);
+    addRow("more entries than rpm reads", 104, bytes("00000021"), QString("it has another size"));
+}
+
+/// rpm and we must see the same.
+void EngineTest::headerMustBeInOrder()
+{
+    QFETCH(const int, position);
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QString, fault);
+    QCOMPARE(run(signing("client") + QStringList{"a.rpm"}), "Signed: a.rpm\n");
+    writeFile(path("a.rpm"), readFile(path("a.rpm")).replace(position, bytes.size(), bytes));
+    const Files before = files();
+    for (const char *command : {"verify", "dump", "delete"})
+        QCOMPARE(run({"rpmsign-external", command, "a.rpm"}),
+                 "rpmsign-external: error: the signature header is not in order, " + fault
+                     + ": a.rpm\nexit code 1\n");
+    QCOMPARE(files(), before);
+}
+
+/// Signatures in the package do not cover what others write into the signature header; those that
+/// lay beside it do.
+void EngineTest::coversAllButTheSignatureHeader()
+{
+    const QString old = "openssl cms -sign -binary -outform DER -in a.rpm -out a.rpm.1.p7s -signer "
+                        + key("client_cert.pem") + " -inkey " + key("client_key.pem");
+    QCOMPARE(run({old}), "");
+    QCOMPARE(run(signing("client") + QStringList{"a.rpm"}), "Signed: a.rpm\n");
+    const QByteArray package = readFile(path("a.rpm"));
+    const auto verify = [this, package](qsizetype position) {
+        QByteArray changed = package;
+        changed[position] = char(changed[position] ^ 1);
+        writeFile(path("a.rpm"), changed);
+        QString result = run({"rpmsign-external", "verify", "a.rpm"});
+        return result.remove("a.rpm: signature ").section('\n', 0, 1);
+    };
+    const QString isChanged = " is NOT valid: the package was changed after it was signed";
+    const QString both = '1' + isChanged + "\n2" + isChanged;
+    QCOMPARE(verify(4), both);                                            // lead
+    QCOMPARE(verify(96 + 16 + 4 * 16), '1' + isChanged + "\n2 is valid"); // rpm's digest
+    QCOMPARE(verify(package.lastIndexOf("noarch")), both);                // header
+    QCOMPARE(verify(package.size() - 1), both);                           // payload
+}
+
+void EngineTest::keepsWhoseAndWhatFileItIs()
+{
+    const QByteArray file = path("a.rpm").toUtf8();
+    QCOMPARE(chmod(file, 06751), 0);
+    const bool isRoot = geteuid() == 0;
+    if (isRoot)
+        QVERIFY(chown(file, 12, 34) == 0 && chmod(file, 06751) == 0);
+    const bool hasAttributes = setxattr(file, "user.note", "kept", 4, 0) == 0;
+    QCOMPARE(run(signing("client") + QStringList{"a.rpm"}), "Signed: a.rpm\n");
+    struct stat status = {};
+    QVERIFY(stat(file, &status) == 0 && isSigned(file));
+    QCOMPARE(status.st_mode & 07777, 06751U);
+    if (isRoot)
+        QVERIFY(status.st_uid == 12 && status.st_gid == 34);
+    char note[5] = "";
+    QVERIFY(!hasAttributes || getxattr(file, "user.note", note, 4) == 4);
+    QCOMPARE(QByteArray(note), hasAttributes ? "kept" : "");
+}
+
+void EngineTest::fullDiskIsNoticedBeforeAnythingIsWritten()
+{
+    const QString tool = withFunctions("int fstatvfs(int file, struct statvfs *disk) {\n"
+                                       "    disk->f_bavail = disk->f_bfree = 50;\n"
+                                       "    disk->f_frsize = 4096; return 0; }\n"
+                                       "int openat(int folder, const char *name, int how, ...) {\n"
+                                       "    return syscall(SYS_openat, folder, name,\n"
+                                       "                   how & ~O_CREAT, 0); }\n");
+    const QString sign = tool + signing("client").join(' ');
+    QCOMPARE(run({sign + " a.rpm b.rpm"}),
+             "rpmsign-external: error: there is no room for new packages on the disk: " + m_packages
+                 + "\nexit code 1\n");
+    QCOMPARE(run({sign + " a.rpm"}),
+             "rpmsign-external: error: cannot write a new package beside the old one: a.rpm: "
+             "No such file or directory\nexit code 1\n");
+}
+
+// A file system that cannot exchange two files, as many that are shared over a network.
+void EngineTest::replacesWithoutExchanging()
+{
+    const QString tool =
+        withFunctions("int renameat2(int a, const char *b, int c, const char *d, unsigned e) {\n"
+                      "    errno = EINVAL; return -1; }\n");
+    const Files before = files();
+    QCOMPARE(run({tool + signing("client").join(' ') + " a.rpm b.rpm"}),
+             "Signed: a.rpm\nSigned: b.rpm\n");
+    QCOMPARE(files().keys(), before.keys());
+    QCOMPARE(run({tool + "rpmsign-external delete a.rpm b.rpm"}),
+             "a.rpm: 1 signatures removed\nb.rpm: 1 signatures removed\n");
+    QCOMPARE(files(), before);
+}
+
+void EngineTest::endedSigningLeavesWholePackages()
 {
     QStringList packages;
     for (int i = 0; i < 20; ++i) {
         packages << QString::number(i) + ".rpm";
         QVERIFY(QFile::copy(path("a.rpm"), path(packages.last())));
     }
+    QByteArray original = readFile(path("a.rpm"));
     for (int round = 0; round < 40; ++round) {
         const int signalNumber = round % 2 == 0 ? SIGKILL : SIGTERM;
-        if (round == 39)
-            QVERIFY(QFile::resize(path("19.rpm"), 1'000'000'000)); // takes a while to read
+        if (round == 39) // takes a while to read and to write
+            QVERIFY(packages.removeOne("0.rpm") && QFile::resize(path("19.rpm"), 300'000'000));
         QProcess process;
         process.setWorkingDirectory(m_packages);
         process.start(m_sdk.tool("rpmsign-external"), signing("client").mid(1) + packages);
         QVERIFY(process.waitForStarted());
-        QTest::qSleep(QRandomGenerator::global()->bounded(20));
-        QTRY_VERIFY(round < 39 || !files({"?.rpm.1.p7s.new"}).isEmpty());
+        QTest::qSleep(QRandomGenerator::global()->bounded(30));
+        QTRY_VERIFY(round < 39 || !files({"?.rpm.signing"}).isEmpty());
         kill(pid_t(process.processId()), signalNumber);
         QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
 
-        QStringList isSigned = files({"*.p7s"}).keys().replaceInStrings(".1.p7s", "");
-        if (!isSigned.isEmpty())
-            QVERIFY(!run(QStringList{"rpmsign-external", "verify"} + isSigned).contains("NOT"));
+        QStringList signedPackages;
+        for (const QString &package : packages.mid(0, 18)) {
+            if (isSigned(path(package)))
+                signedPackages << package;
+            else
+                QCOMPARE(readFile(path(package)), original);
+        }
+        if (!signedPackages.isEmpty())
+            QVERIFY(
+                !run(QStringList{"rpmsign-external", "verify"} + signedPackages).contains("error"));
         if (signalNumber == SIGTERM) {
-            QVERIFY(isSigned.isEmpty() || (isSigned.size() == packages.size() && round < 39));
-            QVERIFY(files({"?.rpm.1.p7s.new"}).isEmpty());
+            QVERIFY(signedPackages.isEmpty() || (signedPackages.size() == 18 && round < 39));
+            QVERIFY(files({"*.rpm.signing*"}).size() == 1); // the link
         }
         QVERIFY(run(QStringList{"rpmsign-external", "delete"} + packages).contains("removed"));
-        QVERIFY(files({"?.rpm.1.p7s*"}).isEmpty());
+        QCOMPARE(readFile(path("3.rpm")), original);
+        QVERIFY(files({"?.rpm.signing*"}).isEmpty());
     }
 }
 

@@ -39,11 +39,12 @@ Descriptor openFile(const std::string &what, const std::string &path)
     return file;
 }
 
-ssize_t readUpTo(int descriptor, char *bytes, std::size_t size)
+ssize_t readAt(int descriptor, off_t position, char *bytes, std::size_t size)
 {
     std::size_t done = 0;
     while (done < size) {
-        const ssize_t count = read(descriptor, bytes + done, size - done);
+        const ssize_t count =
+            pread(descriptor, bytes + done, size - done, position + static_cast<off_t>(done));
         if (count == 0)
             break;
         if (count > 0)
@@ -58,7 +59,7 @@ FileContents::FileContents(const std::string &what, const std::string &path)
     : m_bytes(LARGEST + 1)
 {
     const Descriptor file = openFile(what, path);
-    const ssize_t size = readUpTo(file.number(), m_bytes.data(), m_bytes.size());
+    const ssize_t size = readAt(file.number(), 0, m_bytes.data(), m_bytes.size());
     if (size < 0)
         throw Failure(what + " cannot be read: " + printable(path) + reason(errno));
     m_size = static_cast<std::size_t>(size);

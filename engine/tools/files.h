@@ -59,9 +59,9 @@ private:
     std::size_t m_size = 0;
 };
 
-/// Fills \a size bytes from where \a descriptor is, but for the end of the file. Returns how many
-/// there are, or -1 with errno set.
-ssize_t readUpTo(int descriptor, char *bytes, std::size_t size);
+/// Reads \a size bytes, or fewer at the end of the file. Returns how many there are, or -1 with
+/// errno set.
+ssize_t readAt(int descriptor, off_t position, char *bytes, std::size_t size);
 
 /// ": " and what errno says.
 std::string reason(int error);

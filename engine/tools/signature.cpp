@@ -30,9 +30,39 @@ bool Signer::isGenuine() const
            && (CMS_signed_get_attr_count(info) < 0 || CMS_SignerInfo_verify(info) > 0);
 }
 
+// Of the attribute that holds SHA-256 of the file signatures in the signature header (made of a
+// UUID).
+static Object fileSignaturesAttribute()
+{
+    return Object(OBJ_txt2obj("2.25.124193374718303425478391652984120570641", 1));
+}
+
+Coverage Signer::coverage() const
+{
+    const Object attribute = fileSignaturesAttribute();
+    return CMS_signed_get_attr_by_OBJ(info, attribute.get(), -1) < 0 ? Coverage::Whole
+                                                                     : Coverage::Contents;
+}
+
+// True also for a signature over the whole package, which does not have the attribute.
+static bool isOverFileSignatures(CMS_SignerInfo *info, const std::string &digest)
+{
+    constexpr int onlyOne = -3;
+    const Object attribute = fileSignaturesAttribute();
+    if (CMS_signed_get_attr_by_OBJ(info, attribute.get(), -1) < 0)
+        return true;
+    const auto *value = static_cast<const ASN1_OCTET_STRING *>(
+        CMS_signed_get0_data_by_OBJ(info, attribute.get(), onlyOne, V_ASN1_OCTET_STRING));
+    return value
+           && digest
+                  == std::string_view(reinterpret_cast<const char *>(ASN1_STRING_get0_data(value)),
+                                      static_cast<std::size_t>(ASN1_STRING_length(value)));
+}
+
 bool Signer::isOver(const PackageDigests &digests) const
 {
-    return isCheckable() && CMS_SignerInfo_verify_content(info, digests.chain()) > 0;
+    return isCheckable() && isOverFileSignatures(info, digests.ofFileSignatures())
+           && CMS_SignerInfo_verify_content(info, digests.chain(coverage())) > 0;
 }
 
 int Signer::digest() const
@@ -51,6 +81,27 @@ int Signature::digestFor(const Key &key)
     return kind;
 }
 
+static bool addSigner(CMS_ContentInfo *cms,
+                      const Key &key,
+                      const CertificateChain &certificates,
+                      const std::string &ofFileSignatures,
+                      unsigned flags)
+{
+    CMS_SignerInfo *signer =
+        CMS_add1_signer(cms, certificates.front().get(), key.get(), nullptr, flags);
+    return signer
+           && CMS_signed_add1_attr_by_OBJ(signer,
+                                          fileSignaturesAttribute().get(),
+                                          V_ASN1_OCTET_STRING,
+                                          ofFileSignatures.data(),
+                                          static_cast<int>(ofFileSignatures.size()))
+                  == 1
+           && std::all_of(
+               certificates.begin() + 1, certificates.end(), [&](const Certificate &other) {
+                   return CMS_add1_cert(cms, other.get()) == 1;
+               });
+}
+
 std::string
 Signature::make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests)
 {
@@ -59,17 +110,12 @@ Signature::make(const Key &key, const CertificateChain &certificates, const Pack
     const Cms cms(CMS_sign(nullptr, nullptr, nullptr, nullptr, flags));
     unsigned char *der = nullptr;
     int size = -1;
-    if (cms && CMS_add1_signer(cms.get(), certificates.front().get(), key.get(), nullptr, flags)
-        && std::all_of(
-            certificates.begin() + 1,
-            certificates.end(),
-            [&](const Certificate &other) { return CMS_add1_cert(cms.get(), other.get()) == 1; })
-        && CMS_dataFinal(cms.get(), digests.chain()) == 1)
+    if (cms && addSigner(cms.get(), key, certificates, digests.ofFileSignatures(), flags)
+        && CMS_dataFinal(cms.get(), digests.chain(Coverage::Contents)) == 1)
         size = i2d_CMS_ContentInfo(cms.get(), &der);
     if (size < 0) {
         const char *reason = ERR_reason_error_string(ERR_peek_last_error());
-        throw Failure("cannot sign " + printable(digests.path()) + ": "
-                      + (reason ? reason : "unknown error"));
+        throw Failure(std::string("cannot sign: ") + (reason ? reason : "unknown error"));
     }
     const std::string bytes(reinterpret_cast<char *>(der), static_cast<std::size_t>(size));
     OPENSSL_free(der);
@@ -101,12 +147,12 @@ bool Signature::hasSigned(const PackageDigests &digests) const
            });
 }
 
-std::set<int> digestsOf(const std::vector<Signature> &signatures)
+DigestKinds digestsOf(const std::vector<Signature> &signatures)
 {
-    std::set<int> kinds;
+    DigestKinds kinds;
     for (const Signature &signature : signatures)
         for (const Signer &signer : signature.signers())
-            kinds.insert(signer.digest());
+            kinds[signer.coverage()].insert(signer.digest());
     return kinds;
 }
 

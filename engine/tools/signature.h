@@ -16,6 +16,9 @@ struct Signer
 
     /// Whether libcrypto knows how to check what this signed.
     bool isCheckable() const;
+    /// What the signature is meant to cover: without our attribute about the file signatures it is
+    /// one over the whole package.
+    Coverage coverage() const;
     /// Whether this signed the bytes that the digests are of.
     bool hasSigned(const PackageDigests &digests) const;
     /// Whether the signature is one of the certificate's key, over whichever bytes.
@@ -28,8 +31,8 @@ struct Signer
 class Signature
 {
 public:
-    /// Makes one over the bytes of the digests by the key of the first certificate. The others help
-    /// to find the way to a root. Throws a Failure when libcrypto cannot.
+    /// Makes one over the contents that the digests are of by the key of the first certificate. The
+    /// others help to find the way to a root. Throws a Failure when libcrypto cannot.
     static std::string
     make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests);
     /// The digest that make() needs.
@@ -59,7 +62,7 @@ private:
 };
 
 /// All digests that the signers of the signatures have used.
-std::set<int> digestsOf(const std::vector<Signature> &signatures);
+DigestKinds digestsOf(const std::vector<Signature> &signatures);
 
 /// Judges signatures by root certificates.
 class Verifier

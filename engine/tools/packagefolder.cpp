@@ -1,4 +1,6 @@
-#include "signaturefolder.h"
+#include "packagefolder.h"
+
+#include "replacement.h"
 
 #include "failure.h"
 #include "interruption.h"
@@ -8,12 +10,14 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <set>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <thread>
 
 static constexpr std::string_view SUFFIX = ".p7s";
@@ -22,11 +26,8 @@ static constexpr std::string_view STAGED_SUFFIX = ".new";
 static constexpr std::size_t MAXIMUM_DIGITS = 18;
 // A signature with all certificates up to its root takes a few kilobytes.
 static constexpr off_t MAXIMUM_SIZE = 0x100000;
-
-std::string signatureName(const std::string &package, std::uint64_t number)
-{
-    return package + '.' + std::to_string(number) + std::string(SUFFIX);
-}
+// What a run adds to a package, roughly.
+static constexpr std::uint64_t LARGEST_GROWTH = 0x4000;
 
 static bool takeSuffix(std::string_view &text, std::string_view suffix)
 {
@@ -49,7 +50,7 @@ static std::pair<std::string, std::uint64_t> parsed(std::string_view name)
     return {std::string(name.substr(0, dot)), std::stoull(digits)};
 }
 
-SignatureFolder::SignatureFolder(const std::string &path)
+PackageFolder::PackageFolder(const std::string &path)
     : m_path(path)
     , m_folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
@@ -57,7 +58,7 @@ SignatureFolder::SignatureFolder(const std::string &path)
         throw Failure("cannot open the folder: " + printable(path) + reason(errno));
 }
 
-SignatureFolder::Id SignatureFolder::id() const
+PackageFolder::Id PackageFolder::id() const
 {
     struct stat status = {};
     fstat(m_folder.number(), &status);
@@ -65,7 +66,7 @@ SignatureFolder::Id SignatureFolder::id() const
 }
 
 // Who waits longer than usual is told what for.
-void SignatureFolder::lock() const
+void PackageFolder::lock() const
 {
     constexpr auto patience = std::chrono::seconds(2);
     constexpr auto pause = std::chrono::milliseconds(20);
@@ -86,7 +87,7 @@ void SignatureFolder::lock() const
     }
 }
 
-void SignatureFolder::read()
+void PackageFolder::read()
 {
     DIR *entries = fdopendir(openat(m_folder.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!entries)
@@ -98,12 +99,12 @@ void SignatureFolder::read()
     closedir(entries);
     if (!isComplete)
         throw Failure("cannot read the folder: " + printable(m_path) + reason(errno));
-    for (auto &[package, numbers] : m_numbers)
-        std::sort(numbers.begin(), numbers.end());
 }
 
-void SignatureFolder::add(const char *name)
+void PackageFolder::add(const char *name)
 {
+    if (const std::string package = packageOfStaged(name); !package.empty())
+        m_leftovers[package].emplace_back(name);
     std::string_view plainName = name;
     const bool isStaged = takeSuffix(plainName, STAGED_SUFFIX);
     const auto [package, number] = parsed(plainName);
@@ -113,16 +114,19 @@ void SignatureFolder::add(const char *name)
     if (isStaged)
         m_leftovers[package].emplace_back(name);
     else if (fstatat(m_folder.number(), name, &status, 0) == 0 && S_ISREG(status.st_mode))
-        m_numbers[package].push_back(number);
+        m_signatures[package][number] = name;
 }
 
-std::vector<std::uint64_t> SignatureFolder::numbersOf(const std::string &package) const
+std::vector<std::string> PackageFolder::signaturesBeside(const std::string &package) const
 {
-    const auto found = m_numbers.find(package);
-    return found == m_numbers.end() ? std::vector<std::uint64_t>() : found->second;
+    std::vector<std::string> names;
+    if (const auto found = m_signatures.find(package); found != m_signatures.end())
+        for (const auto &[number, name] : found->second)
+            names.push_back(name);
+    return names;
 }
 
-std::optional<std::string> SignatureFolder::signature(const std::string &name) const
+std::optional<std::string> PackageFolder::signature(const std::string &name) const
 {
     const Descriptor file(openat(m_folder.number(), name.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
@@ -136,13 +140,13 @@ std::optional<std::string> SignatureFolder::signature(const std::string &name) c
     return bytes;
 }
 
-void SignatureFolder::remove(const std::string &name) const
+void PackageFolder::remove(const std::string &name) const
 {
     if (unlinkat(m_folder.number(), name.c_str(), 0) != 0 && errno != ENOENT)
         throw Failure("cannot remove: " + printable(m_path + '/' + name) + reason(errno));
 }
 
-void SignatureFolder::removeLeftovers(const std::string &package) const
+void PackageFolder::removeLeftovers(const std::string &package) const
 {
     const auto found = m_leftovers.find(package);
     if (found == m_leftovers.end())
@@ -151,16 +155,37 @@ void SignatureFolder::removeLeftovers(const std::string &package) const
         unlinkat(m_folder.number(), name.c_str(), 0); // A folder stays, and is in the way.
 }
 
-void SignatureFolder::synchronize() const
+void PackageFolder::requireSpace(std::uint64_t size) const
+{
+    struct statvfs disk;
+    if (fstatvfs(m_folder.number(), &disk) != 0)
+        return; // Writing tells.
+    const std::uint64_t blocks = geteuid() == 0 ? disk.f_bfree : disk.f_bavail;
+    if (blocks * disk.f_frsize < size)
+        throw Failure("there is no room for new packages on the disk: " + printable(m_path));
+}
+
+void PackageFolder::synchronize() const
 {
     if (fsync(m_folder.number()) != 0 && errno != EINVAL) // Not every file system can.
         throw Failure("cannot bring the folder to the disk: " + printable(m_path) + reason(errno));
 }
 
-SignedPackages::SignedPackages(const std::vector<std::string> &paths, Access access)
+// What cannot be resolved cannot be opened either, which is told where that is tried.
+static std::string withoutLinks(const std::string &path)
 {
-    for (const std::string &path : paths)
-        m_packages.push_back({path, path.substr(path.rfind('/') + 1), folderOf(path)});
+    char *resolved = realpath(path.c_str(), nullptr);
+    const std::string result = resolved ? resolved : path;
+    std::free(resolved);
+    return result;
+}
+
+PackagePlaces::PackagePlaces(const std::vector<std::string> &paths, Access access)
+{
+    for (const std::string &path : paths) {
+        const std::string file = withoutLinks(path);
+        m_places.push_back({path, file, file.substr(file.rfind('/') + 1), folderOf(file)});
+    }
     // In the same order for each run, so that no two wait for each other.
     for (const auto &[id, folder] : m_folders) {
         if (access == Access::Locked)
@@ -169,95 +194,44 @@ SignedPackages::SignedPackages(const std::vector<std::string> &paths, Access acc
     }
 }
 
-SignatureFolder *SignedPackages::folderOf(const std::string &package)
+PackageFolder *PackagePlaces::folderOf(const std::string &file)
 {
-    const std::size_t slash = package.rfind('/');
+    const std::size_t slash = file.rfind('/');
     const std::string path =
-        slash == std::string::npos ? "." : package.substr(0, std::max(slash, 1UL));
-    SignatureFolder *&folder = m_folderOfPath[path];
+        slash == std::string::npos ? "." : file.substr(0, std::max(slash, 1UL));
+    PackageFolder *&folder = m_folderOfPath[path];
     if (!folder) {
-        auto opened = std::make_unique<SignatureFolder>(path);
-        const SignatureFolder::Id id = opened->id();
+        auto opened = std::make_unique<PackageFolder>(path);
+        const PackageFolder::Id id = opened->id();
         folder = m_folders.try_emplace(id, std::move(opened)).first->second.get();
     }
     return folder;
 }
 
-std::vector<SignedPackage> SignedPackages::distinct() const
+std::vector<PackagePlace> PackagePlaces::distinct() const
 {
-    std::vector<SignedPackage> packages;
-    std::set<std::pair<SignatureFolder *, std::string>> known;
-    for (const SignedPackage &package : m_packages)
-        if (known.emplace(package.folder, package.name).second)
-            packages.push_back(package);
-    return packages;
+    std::vector<PackagePlace> places;
+    std::set<std::pair<PackageFolder *, std::string>> known;
+    for (const PackagePlace &place : m_places)
+        if (known.emplace(place.folder, place.name).second)
+            places.push_back(place);
+    return places;
 }
 
-void SignedPackages::synchronize() const
+void PackagePlaces::requireSpace() const
+{
+    std::map<std::uint64_t, std::uint64_t> sizes; // by disks
+    for (const PackagePlace &place : distinct()) {
+        struct stat status = {};
+        fstatat(place.folder->descriptor(), place.name.c_str(), &status, 0);
+        std::uint64_t &size = sizes[place.folder->id().first];
+        size += static_cast<std::uint64_t>(status.st_size) + LARGEST_GROWTH;
+        place.folder->requireSpace(size);
+    }
+}
+
+void PackagePlaces::synchronize() const
 {
     for (const auto &[id, folder] : m_folders)
         folder->synchronize();
-}
-
-static Failure cannotWrite(const std::string &package, int error)
-{
-    return Failure(
-        error == ENAMETOOLONG
-            ? "the name is too long for a signature beside the package: " + printable(package)
-            : "cannot write signatures beside the package: " + printable(package) + reason(error));
-}
-
-StagedSignature::StagedSignature(const SignedPackage &package, std::uint64_t number)
-    : m_folder(package.folder)
-    , m_package(package.path)
-    , m_name(signatureName(package.name, number))
-{
-}
-
-StagedSignature::StagedSignature(StagedSignature &&other) noexcept
-    : m_folder(other.m_folder)
-    , m_package(std::move(other.m_package))
-    , m_name(std::move(other.m_name))
-    , m_file(std::exchange(other.m_file, {}))
-{
-}
-
-StagedSignature::~StagedSignature()
-{
-    if (!m_file.empty())
-        unlinkat(m_folder->descriptor(), m_file.c_str(), 0);
-}
-
-void StagedSignature::write(const std::string &bytes)
-{
-    struct stat status;
-    const std::string name = m_name + std::string(STAGED_SUFFIX);
-    if (fstatat(m_folder->descriptor(), m_name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0)
-        throw cannotWrite(m_package, EEXIST);
-    const Descriptor file(openat(m_folder->descriptor(),
-                                 name.c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                                 0666));
-    if (!file.isOpen())
-        throw cannotWrite(m_package, errno);
-    m_file = name;
-    if (!writeAll(file.number(), bytes) || fsync(file.number()) != 0)
-        throw cannotWrite(m_package, errno);
-}
-
-std::string StagedSignature::written() const
-{
-    return m_folder->signature(m_file).value_or(std::string());
-}
-
-void StagedSignature::install()
-{
-    const int folder = m_folder->descriptor();
-    int result = renameat2(folder, m_file.c_str(), folder, m_name.c_str(), RENAME_NOREPLACE);
-    if (result != 0 && errno == EINVAL) // Not every file system has this.
-        result = renameat(folder, m_file.c_str(), folder, m_name.c_str());
-    if (result != 0)
-        throw Failure("cannot put a signature beside the package: " + printable(m_package)
-                      + reason(errno));
-    m_file = m_name;
 }
