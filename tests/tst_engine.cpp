@@ -82,8 +82,8 @@ void EngineTest::init()
     for (const char *name : {"a.rpm", "b.rpm", "-c.rpm", "blocked.rpm"})
         writeFile(path(name), rpmPackage(QByteArray(100'000, name[0])));
     writeFile(path("text"), "no package at all");
-    QVERIFY(QFile::link(path("text"), path("-c.rpm.signing")));
-    QVERIFY(QDir(m_packages).mkdir("blocked.rpm.signing") && QDir(m_packages).mkdir("folder"));
+    QVERIFY(QFile::link(path("text"), path(".-c.rpm.signing")));
+    QVERIFY(QDir(m_packages).mkdir(".blocked.rpm.signing") && QDir(m_packages).mkdir("folder"));
     QCOMPARE(mkfifo(qPrintable(path("pipe")), 0600), 0);
     writeFile(path("large"), QByteArray(2'000'000, '\n'));
 }
@@ -135,7 +135,7 @@ QStringList EngineTest::signing(const QString &pair) const
 Files EngineTest::files(const QStringList &filters) const
 {
     Files files;
-    const QStringList names = QDir(m_packages).entryList(filters, QDir::Files);
+    const QStringList names = QDir(m_packages).entryList(filters, QDir::Files | QDir::Hidden);
     for (const QString &name : names)
         files.insert(name, readFile(path(name)));
     return files;
@@ -215,7 +215,7 @@ void EngineTest::packageMustNotChangeMeanwhile()
         QVERIFY(file.seek(50'000) && file.putChar('y') && file.flush());
     QCOMPARE(process.readAll(),
              "rpmsign-external: error: the package changed meanwhile: b.rpm\r\n");
-    QVERIFY(files({"?.rpm?*"}).isEmpty());
+    QVERIFY(files({"?.rpm?*", ".?.rpm*"}).isEmpty());
 }
 
 void EngineTest::packageIsJudgedWhenItIsRead_data()
@@ -237,7 +237,7 @@ void EngineTest::packageIsJudgedWhenItIsRead()
     process.write("demo\n");
     QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
     QCOMPARE(process.readAll(), ("\r\nrpmsign-external: error: " + fault + "\r\n").toUtf8());
-    QVERIFY(files({"?.rpm?*"}).isEmpty());
+    QVERIFY(files({"?.rpm?*", ".?.rpm*"}).isEmpty());
 }
 
 void EngineTest::signalsEndAPrompt()
@@ -296,7 +296,7 @@ void EngineTest::newPackageIsLookedAt()
     QCOMPARE(run({tool + signing("client").join(' ') + " a.rpm"}),
              "rpmsign-external: error: the new package is not what was written: a.rpm\n"
              "exit code 1\n");
-    QVERIFY(files({"?.rpm?*"}).isEmpty());
+    QVERIFY(files({"?.rpm?*", ".?.rpm*"}).isEmpty());
 }
 
 // When the first signature gets its name, somebody changes the other package.
@@ -314,7 +314,7 @@ void EngineTest::lateChangeUndoesAllSignatures()
              "rpmsign-external: error: the package changed meanwhile: b.rpm\nexit code 1\n");
     QCOMPARE(readFile(path("a.rpm")), other);
     QVERIFY(readFile(path("b.rpm")).endsWith("bx"));
-    QVERIFY(files({"?.rpm?*"}).isEmpty());
+    QVERIFY(files({"?.rpm?*", ".?.rpm*"}).isEmpty());
 }
 
 void EngineTest::headerMustBeInOrder_data()
@@ -442,7 +442,7 @@ void EngineTest::endedSigningLeavesWholePackages()
         process.start(m_sdk.tool("rpmsign-external"), signing("client").mid(1) + packages);
         QVERIFY(process.waitForStarted());
         QTest::qSleep(QRandomGenerator::global()->bounded(30));
-        QTRY_VERIFY(round < 39 || !files({"?.rpm.signing"}).isEmpty());
+        QTRY_VERIFY(round < 39 || !files({".?.rpm.signing"}).isEmpty());
         kill(pid_t(process.processId()), signalNumber);
         QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
 
@@ -462,7 +462,7 @@ void EngineTest::endedSigningLeavesWholePackages()
         }
         QVERIFY(run(QStringList{"rpmsign-external", "delete"} + packages).contains("removed"));
         QCOMPARE(readFile(path("3.rpm")), original);
-        QVERIFY(files({"?.rpm.signing*"}).isEmpty());
+        QVERIFY(files({".?.rpm.signing*"}).isEmpty());
     }
 }
 

@@ -203,7 +203,7 @@ void FailuresTest::signingIsNotCalledDone()
     for (const QString &package : std::as_const(m_packages)) {
         QCOMPARE(readFile(package), rpmPackage(QFileInfo(package).fileName().toUtf8()));
         const QDir folder = QFileInfo(package).dir();
-        QCOMPARE(folder.entryList({"*.rpm?*"}, QDir::Files | QDir::Hidden), QStringList());
+        QCOMPARE(folder.entryList({"*.rpm?*", ".*"}, QDir::Files | QDir::Hidden), QStringList());
     }
 }
 

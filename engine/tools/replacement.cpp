@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+// Hidden, so that nobody takes it for a package or for a file that belongs to one.
+static constexpr std::string_view STAGED_PREFIX = ".";
 static constexpr std::string_view STAGED_SUFFIX = ".signing";
 // Where file systems cannot exchange two files: the old one's second name for a moment.
 static constexpr std::string_view ASIDE_SUFFIX = ".signing.old";
@@ -21,9 +23,16 @@ static constexpr std::size_t LARGEST_PIECE = 0x1000000;
 std::string packageOfStaged(std::string_view name)
 {
     for (const std::string_view suffix : {ASIDE_SUFFIX, STAGED_SUFFIX})
-        if (name.ends_with(suffix))
-            return std::string(name.substr(0, name.size() - suffix.size()));
+        if (name.size() > STAGED_PREFIX.size() + suffix.size() && name.starts_with(STAGED_PREFIX)
+            && name.ends_with(suffix))
+            return std::string(name.substr(STAGED_PREFIX.size(),
+                                           name.size() - suffix.size() - STAGED_PREFIX.size()));
     return {};
+}
+
+static std::string stagedName(const PackagePlace &place, std::string_view suffix)
+{
+    return std::string(STAGED_PREFIX) + place.name + std::string(suffix);
 }
 
 // Copies what is left of a file, by the file system itself where that can.
@@ -89,7 +98,7 @@ static bool exchangeNames(int folder, const std::string &staged, const PackagePl
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
-    const std::string aside = place.name + std::string(ASIDE_SUFFIX);
+    const std::string aside = stagedName(place, ASIDE_SUFFIX);
     if (linkat(folder, name, folder, aside.c_str(), 0) != 0)
         return false;
     if (renameat(folder, staged.c_str(), folder, name) == 0)
@@ -129,12 +138,13 @@ Failure Replacement::cannotWrite(int error) const
 
 std::string Replacement::stagedFile() const
 {
-    return m_place.file + std::string(STAGED_SUFFIX);
+    return m_place.file.substr(0, m_place.file.size() - m_place.name.size())
+           + stagedName(m_place, STAGED_SUFFIX);
 }
 
 Descriptor Replacement::write(const Package &package)
 {
-    const std::string name = m_place.name + std::string(STAGED_SUFFIX);
+    const std::string name = stagedName(m_place, STAGED_SUFFIX);
     Descriptor file(openat(m_place.folder->descriptor(),
                            name.c_str(),
                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
