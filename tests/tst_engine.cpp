@@ -43,10 +43,12 @@ private slots:
     void keepsWhoseAndWhatFileItIs();
     void fullDiskIsNoticedBeforeAnythingIsWritten();
     void replacesWithoutExchanging();
+    void customerSignsBinaries();
     void endedSigningLeavesWholePackages();
 
     void briskRunsATool_data();
     void briskRunsATool();
+    void slowReaderGetsAllOutput();
     void nothingOutlivesBrisk();
     void passPhrasesAreForgotten();
     void demoSdkIsRefreshed();
@@ -81,7 +83,7 @@ void EngineTest::init()
     failOnStrayWarnings();
     for (const char *name : {"a.rpm", "b.rpm", "-c.rpm", "blocked.rpm"})
         writeFile(path(name), rpmPackage(QByteArray(100'000, name[0])));
-    writeFile(path("text"), "no package at all");
+    writeFile(path("text"), QByteArray("no package at all\n").repeated(100));
     QVERIFY(QFile::link(path("text"), path(".-c.rpm.signing")));
     QVERIFY(QDir(m_packages).mkdir(".blocked.rpm.signing") && QDir(m_packages).mkdir("folder"));
     QCOMPARE(mkfifo(qPrintable(path("pipe")), 0600), 0);
@@ -162,7 +164,9 @@ void EngineTest::toolsTalk()
     addTool("remove", "rm \"$@\"");
     addTool("append", "cat \"$1\" >>\"$2\"");
     addTool("spoil",
-            "printf ~ | dd of=\"$1\" bs=1 seek=$(($(wc -c <\"$1\") - 1)) conv=notrunc status=none");
+            "last=$(tail -c 1 \"$1\" | od -An -tu1)\n"
+            "printf \"\\\\$(printf %o $(((last + 1) % 256)))\" |\n"
+            "    dd of=\"$1\" bs=1 seek=$(($(wc -c <\"$1\") - 1)) conv=notrunc status=none");
     addTool("damage", "printf '~~' | dd of=\"$1\" bs=1 seek=4 conv=notrunc status=none");
     static const QRegularExpression pair("^sign (\\w+)");
     const Files packages = files({"*.rpm", "text"});
@@ -324,7 +328,7 @@ void EngineTest::headerMustBeInOrder_data()
     const auto bytes = [](const char *hexadecimal) { return QByteArray::fromHex(hexadecimal); };
     const QString overlap = "entries overlap or are outside of it";
     const QString layout = "it is not laid out as rpm does it";
-    addRow("our tag twice", 128, QByteArray("Seal"), QString("an entry is of another type"));
+    addRow("our tag twice", 128, QByteArray("Seal"), QString("a tag is there twice"));
     addRow("outside", 160 + 8, bytes("00ffffff"), overlap);
     addRow("overlapping", 160 + 8, bytes("00000000"), overlap);
     addRow("too long", 160 + 12, bytes("00ffffff"), QString("an entry is empty or too large"));
@@ -345,7 +349,7 @@ void EngineTest::headerMustBeInOrder()
     const Files before = files();
     for (const char *command : {"verify", "dump", "delete"})
         QCOMPARE(run({"rpmsign-external", command, "a.rpm"}),
-                 "rpmsign-external: error: the signature header is not in order, " + fault
+                 "rpmsign-external: error: a header is not in order, " + fault
                      + ": a.rpm\nexit code 1\n");
     QCOMPARE(files(), before);
 }
@@ -425,6 +429,80 @@ void EngineTest::replacesWithoutExchanging()
     QCOMPARE(files(), before);
 }
 
+// A package with one program, whose digest rpm tells beside its signature.
+void EngineTest::customerSignsBinaries()
+{
+    QProcess build;
+    build.setWorkingDirectory(m_sdk.workspace() + "/hello-veyra");
+    build.start("rpmbuild",
+                {"-bb",
+                 "--build-in-place",
+                 "--define=_topdir " + path("top"),
+                 "--define=_rpmdir " + m_packages,
+                 "--define=_build_name_fmt %%{NAME}",
+                 "rpm/hello-veyra.spec"});
+    QVERIFY(build.waitForFinished(RUN_TIMEOUT_MS) && build.exitCode() == 0);
+    QVERIFY(QFile::rename(path("hello-veyra"), path("p")));
+    const QByteArray original = readFile(path("p"));
+    const QString home = m_sdk.workspace() + "/home/.kilnsdk/";
+    const auto sign = [&](const QString &binariesKey) {
+        return run({"customer-sign",
+                    "--binaries-key",
+                    binariesKey,
+                    "--packages-key",
+                    home + "packages-key.pem",
+                    "--packages-cert",
+                    home + "packages-cert.pem",
+                    "p"},
+                   {},
+                   CUSTOMER_TARGET);
+    };
+    const auto tell = [this](const QStringList &words) {
+        return run(words, {}, CUSTOMER_TARGET).section('\n', -3, -3);
+    };
+
+    QCOMPARE(run(signing("client") + QStringList{"p"}), "Signed: p\n");
+    QCOMPARE(
+        sign(home + "binaries-key.pem"),
+        "customer-sign: error: signing the binaries would break the signatures that are there: "
+        "p\nexit code 1\n");
+    QCOMPARE(run({"rpmsign-external delete p"}), "p: 1 signatures removed\n");
+    QCOMPARE(sign(home + "binaries-key.pem"), "Signed: p\n");
+    QCOMPARE(sign(home + "binaries-key.pem"), "Signed: p\n");
+    QCOMPARE(sign(key("client_key.pem")),
+             "customer-sign: error: another key has signed files of the package: p\nexit code 1\n");
+
+    QProcess rpm;
+    rpm.setWorkingDirectory(m_packages);
+    rpm.start("rpm", {"-qp", "--qf", "[%{filenames} %{filedigests} %{filesignatures}\n]", "p"});
+    QVERIFY(rpm.waitForFinished(RUN_TIMEOUT_MS));
+    const QByteArray files = rpm.readAll();
+    QCOMPARE(files.count(" 0302"), 1); // links and folders are not signed
+    const QByteArrayList file = files.left(files.indexOf('\n')).split(' ');
+    QCOMPARE(file.first(), "/usr/bin/hello-veyra");
+    const QByteArray signature = QByteArray::fromHex(file.value(2));
+    QCOMPARE(signature.left(3).toHex(), "030204"); // IMA, version 2, SHA-256
+    writeFile(path("digest"), QByteArray::fromHex(file.value(1)));
+    writeFile(path("signature"), signature.mid(9));
+    QCOMPARE(run({"openssl pkeyutl -verify -in digest -sigfile signature -pkeyopt digest:sha256 "
+                  "-inkey "
+                  + home + "binaries-key.pem"}),
+             "Signature Verified Successfully\n");
+
+    const QByteArray keyId = signature.mid(3, 4).toHex().toUpper();
+    QCOMPARE(tell({"nxvcert-cli", "dump", "p"}), "Files: 1 of 4 signed by " + keyId);
+    QCOMPARE(tell({"nxvcert-cli", "verify", "--root-cert-file-path", "", "p", "p"}),
+             "p: signature 2 is valid");
+    QByteArray changed = readFile(path("p"));
+    const qsizetype at = changed.indexOf(file.value(2)) + 100;
+    changed[at] = changed[at] == '0' ? '1' : '0';
+    writeFile(path("p"), changed);
+    QVERIFY(run({"nxvcert-cli", "verify", "--root-cert-file-path", "", "p"}, {}, CUSTOMER_TARGET)
+                .contains("signature 1 is NOT valid: the package was changed after it was signed"));
+    QCOMPARE(run({"rpmsign-external delete p"}), "p: 2 signatures removed\n");
+    QCOMPARE(readFile(path("p")), original);
+}
+
 void EngineTest::endedSigningLeavesWholePackages()
 {
     QStringList packages;
@@ -481,10 +559,6 @@ void EngineTest::briskRunsATool_data()
            QStringList{target, "probe 'a b' c || echo \"ended by $?\"; ls /"},
            none,
            "<a b><c>\nended by 7\n/bin/sh: 1: ls: not found\nexit code 127\n");
-    addRow("the end of much output",
-           QStringList{target, "flooding"},
-           none,
-           QString("1234567\n").repeated(20'000));
     addRow("files that are no tools",
            QStringList{target, "data"},
            none,
@@ -528,12 +602,22 @@ void EngineTest::briskRunsATool()
     addTool("asking", "sleep 0.3; printf 'Enter pass phrase: '; read -r a; echo; echo ${#a}");
     addTool("reading", "cat; stty -F /dev/tty -icanon icanon; cat; read -r line || echo end");
     addTool("chatting", "yes 1234567 | head -n 20000; read -r line; echo \"$line\"");
-    addTool("flooding", "yes 1234567 | head -n 20000");
     addTool("descriptors", "echo /proc/self/fd/[0-9]*");
     writeFile(m_sdk.tool("data"), {});
     const int inherited = open("/dev/null", O_RDONLY); // NOLINT(android-cloexec-open)
     const auto closing = qScopeGuard([inherited] { close(inherited); });
     QTEST(run(words.mid(1), input, words.first()), "output");
+}
+
+/// Neither the pipe nor brisk takes in all of it before the tool ends.
+void EngineTest::slowReaderGetsAllOutput()
+{
+    addTool("flooding", "head -c 150000 /dev/zero | tr '\\0' x");
+    QProcess process;
+    start(process, {"flooding"});
+    QTest::qSleep(700);
+    QVERIFY(process.waitForFinished(RUN_TIMEOUT_MS));
+    QCOMPARE(process.readAll(), QByteArray(150'000, 'x'));
 }
 
 void EngineTest::nothingOutlivesBrisk()
@@ -553,36 +637,48 @@ void EngineTest::nothingOutlivesBrisk()
     }
 }
 
-/// At the second question, nobody holds the first answer or the text of the first key.
+/// At the last question, nobody holds the first answer or what the file of the first key holds.
 void EngineTest::passPhrasesAreForgotten()
 {
     const QByteArray phrase = "Wq7z pass phrase to be forgotten";
-    const QString first = path("key.pem");
-    const QStringList encrypt{"ec", "-in", key("client_key.pem"), "-aes256", "-out", first};
-    QCOMPARE(QProcess::execute("openssl", encrypt + QStringList{"-passout", "pass:" + phrase}), 0);
-    const QByteArray keyText = readFile(first).split('\n').at(4);
-    QProcess brisk;
-    start(brisk,
-          {"customer-sign",
-           "--binaries-key",
-           first,
-           "--packages-key",
-           key("encrypted_key.pem"),
-           "--packages-cert",
-           key("encrypted_cert.pem"),
-           "a.rpm"},
-          CUSTOMER_TARGET);
-    QByteArray output;
-    QTRY_VERIFY((output += brisk.readAll()).contains("Enter passphrase"));
-    brisk.write(phrase + '\n');
-    QTRY_VERIFY((output += brisk.readAll()).contains("Enter pass phrase"));
-    const QByteArrayList memories = memoriesOf(brisk.processId());
-    QCOMPARE(memories.size(), 3); // brisk, its watcher and the tool
-    for (const QByteArray &memory : memories)
-        QVERIFY(!memory.contains(phrase) && !memory.contains(keyText));
-    brisk.write("demo\n");
-    QVERIFY(brisk.waitForFinished(RUN_TIMEOUT_MS));
-    QCOMPARE(brisk.exitCode(), 0);
+    const QString plain = key("client_key.pem");
+    const QString encrypted = path("key.pem");
+    const QString bytes = path("key.der");
+    const QStringList convert{"pkcs8", "-topk8", "-in", plain, "-out"};
+    QCOMPARE(QProcess::execute("openssl",
+                               convert + QStringList{encrypted, "-passout", "pass:" + phrase}),
+             0);
+    const QStringList asBytes{"ec", "-in", plain, "-outform", "DER", "-out", bytes};
+    QCOMPARE(QProcess::execute("openssl", asBytes), 0);
+    for (const QString &first : {encrypted, plain}) {
+        QProcess brisk;
+        start(brisk,
+              {"customer-sign",
+               "--binaries-key",
+               first,
+               "--packages-key",
+               key("encrypted_key.pem"),
+               "--packages-cert",
+               key("encrypted_cert.pem"),
+               "a.rpm"},
+              CUSTOMER_TARGET);
+        QByteArray output;
+        if (first == encrypted) {
+            QTRY_VERIFY((output += brisk.readAll()).contains("Enter passphrase"));
+            brisk.write(phrase + '\n');
+        }
+        QTRY_VERIFY((output += brisk.readAll()).contains("Enter pass phrase"));
+        const QByteArrayList memories = memoriesOf(brisk.processId());
+        QCOMPARE(memories.size(), 3); // brisk, its watcher and the tool
+        for (const QByteArray &memory : memories) {
+            QVERIFY(!memory.contains(phrase));
+            QVERIFY(!memory.contains(readFile(first).split('\n').at(1)));
+            QVERIFY(!memory.contains(readFile(bytes).mid(7, 32))); // as no calculation has it
+        }
+        brisk.write("demo\n");
+        QVERIFY(brisk.waitForFinished(RUN_TIMEOUT_MS));
+        QCOMPARE(brisk.exitCode(), 0);
+    }
 }
 
 void EngineTest::demoSdkIsRefreshed()

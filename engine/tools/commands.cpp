@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "failure.h"
+#include "filesignatures.h"
 #include "interruption.h"
 #include "packagefolder.h"
 #include "replacement.h"
@@ -70,7 +71,7 @@ isWritten(const std::string &file, const SignatureHeader &header, const PackageD
     try {
         const Package package(file);
         return package.signatureHeader().bytes() == header.bytes()
-               && PackageDigests(package, digests.kinds()).isOfSame(digests);
+               && PackageDigests(package, header, digests.kinds()).isOfSame(digests);
     } catch (const Failure &) {
         return false;
     }
@@ -78,11 +79,9 @@ isWritten(const std::string &file, const SignatureHeader &header, const PackageD
 
 static Staged stage(const PackagePlace &place,
                     const Package &package,
-                    const PackageDigests &digests,
-                    const std::vector<std::string> &signatures)
+                    const SignatureHeader &header,
+                    const PackageDigests &digests)
 {
-    SignatureHeader header = package.signatureHeader();
-    header.setSignatures(signatures);
     auto replacement = std::make_unique<Replacement>(place, package, header);
     const Descriptor file = replacement->write(package);
     std::future<void> onDisk =
@@ -95,24 +94,36 @@ static Staged stage(const PackagePlace &place,
     return replacement;
 }
 
-static Staged
-stageSigned(const PackagePlace &place, const Key &key, const std::vector<CertificateChain> &signers)
+/// What packages are signed with.
+struct Signing
+{
+    const Key &key;
+    const std::vector<CertificateChain> &signers;
+    const Key &binariesKey; ///< may be null
+};
+
+static Staged stageSigned(const PackagePlace &place, const Signing &signing)
 {
     place.folder->removeLeftovers(place.name);
     const Package package(place.path);
-    const PackageDigests digests(package, {{Coverage::Contents, {Signature::digestFor(key)}}});
+    SignatureHeader header = package.signatureHeader();
+    if (signing.binariesKey)
+        signBinaries(signing.binariesKey, package, header);
+    const PackageDigests digests(
+        package, header, {{Coverage::Contents, {Signature::digestFor(signing.key)}}});
     std::vector<std::string> signatures;
     for (const StoredSignature &stored : signaturesOf(package, place)) {
         if (!Signature(stored.bytes).isReadable())
             throw Failure("cannot read the signature: " + printable(stored.name));
         signatures.push_back(stored.bytes);
     }
-    for (const CertificateChain &certificates : signers) {
-        signatures.push_back(Signature::make(key, certificates, digests));
+    for (const CertificateChain &certificates : signing.signers) {
+        signatures.push_back(Signature::make(signing.key, certificates, digests));
         if (!Signature(signatures.back()).hasSigned(digests))
             throw Failure("the new signature is not one of the package: " + printable(place.path));
     }
-    return stage(place, package, digests, signatures);
+    header.setSignatures(signatures);
+    return stage(place, package, header, digests);
 }
 
 static void install(const std::vector<Staged> &replacements, const PackagePlaces &places)
@@ -150,10 +161,12 @@ static void replace(const PackagePlaces &places,
 
 void signPackages(const Key &key,
                   const std::vector<CertificateChain> &signers,
+                  const Key &binariesKey,
                   const Paths &packages)
 {
     const PackagePlaces places(packages, PackagePlaces::Access::Locked);
-    replace(places, [&](const PackagePlace &place) { return stageSigned(place, key, signers); });
+    const Signing signing{key, signers, binariesKey};
+    replace(places, [&](const PackagePlace &place) { return stageSigned(place, signing); });
     std::string lines;
     for (const std::string &package : packages)
         lines += "Signed: " + printable(package) + '\n';
@@ -166,8 +179,16 @@ static Staged stageWithoutSignatures(const PackagePlace &place)
     const Package package(place.path);
     if (package.signatureHeader().signatures().empty())
         return nullptr;
-    const PackageDigests digests(package, {{Coverage::Contents, {NID_sha256}}});
-    return stage(place, package, digests, {});
+    const PackageDigests digests(
+        package, package.signatureHeader(), {{Coverage::Contents, {NID_sha256}}});
+    SignatureHeader header = package.signatureHeader();
+    if (!header.canBeHadBack())
+        throw Failure(
+            "rpmsign has removed its signature from the package, which cannot be had back "
+            "as it was: "
+            + printable(place.path));
+    header.setSignatures({});
+    return stage(place, package, header, digests);
 }
 
 void deleteSignatures(const Paths &packages)
@@ -214,7 +235,7 @@ struct SignaturesOfPackage
         : package(place.path)
         , stored(signaturesOf(package, place))
         , signatures(readSignatures(stored))
-        , digests(package, digestsOf(signatures))
+        , digests(package, package.signatureHeader(), digestsOf(signatures))
     {
     }
 
@@ -236,6 +257,8 @@ static Report dump(const PackagePlace &place)
         for (const Signer &signer : all.signatures[i].signers())
             report.text += describe(signer, all.digests);
     }
+    const std::string files = describeFileSignatures(all.package.signatureHeader());
+    report.text += files.empty() ? files : "Files: " + files + '\n';
     return report;
 }
 
@@ -272,6 +295,8 @@ static Report verify(const PackagePlace &place, const Verifier &verifier)
         if (!fault.empty())
             report.failure = "verification failed";
     }
+    const std::string files = describeFileSignatures(all.package.signatureHeader());
+    report.text += files.empty() ? files : path + ": files: " + files + '\n';
     return report;
 }
 

@@ -10,9 +10,11 @@
 using Paths = std::vector<std::string>;
 
 /// Adds to packages that requirePackages() has seen: a signature by the key for each of the
-/// signers' certificates to each package, or none to any.
+/// signers' certificates to each package, or none to any. A key for the binaries in the packages
+/// signs those before; null is none.
 void signPackages(const Key &key,
                   const std::vector<CertificateChain> &signers,
+                  const Key &binariesKey,
                   const Paths &packages);
 void deleteSignatures(const Paths &packages);
 void dumpSignatures(const Paths &packages);

@@ -26,6 +26,7 @@ using Cms = std::unique_ptr<CMS_ContentInfo, Freeing<CMS_ContentInfo_free>>;
 using DigestContext = std::unique_ptr<EVP_MD_CTX, Freeing<EVP_MD_CTX_free>>;
 using EncryptedKey = std::unique_ptr<X509_SIG, Freeing<X509_SIG_free>>;
 using Key = std::unique_ptr<EVP_PKEY, Freeing<EVP_PKEY_free>>;
+using KeyContext = std::unique_ptr<EVP_PKEY_CTX, Freeing<EVP_PKEY_CTX_free>>;
 using KeyInfo = std::unique_ptr<PKCS8_PRIV_KEY_INFO, Freeing<PKCS8_PRIV_KEY_INFO_free>>;
 using Object = std::unique_ptr<ASN1_OBJECT, Freeing<ASN1_OBJECT_free>>;
 using Roots = std::unique_ptr<X509_STORE, Freeing<X509_STORE_free>>;

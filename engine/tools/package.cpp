@@ -11,6 +11,8 @@
 static constexpr std::size_t LEAD_SIZE = 96;
 static constexpr std::string_view LEAD_MAGIC = "\xed\xab\xee\xdb";
 static constexpr std::string_view HEADER_MAGIC = "\x8e\xad\xe8\x01";
+// As many as rpm reads.
+static constexpr HeaderLimits LIMITS{0xffff, 0xfffffff};
 static constexpr std::size_t LARGEST_PIECE = 0x100000;
 
 static bool isSame(const timespec &one, const timespec &other)
@@ -56,10 +58,24 @@ SignatureHeader Package::readSignatureHeader()
         || fstat(m_file.number(), &m_status) != 0)
         throw otherKind(m_path);
     try {
-        const std::size_t size = SignatureHeader::sizeOf(
-            readPart(m_file, LEAD_SIZE, SignatureHeader::INTRODUCTION_SIZE));
+        const std::size_t size =
+            SignatureHeader::sizeOf(readPart(m_file, LEAD_SIZE, HEADER_INTRODUCTION_SIZE));
         m_restStart = static_cast<off_t>(LEAD_SIZE + size);
         return SignatureHeader(readPart(m_file, LEAD_SIZE, size));
+    } catch (const Failure &failure) {
+        throw Failure(failure.what() + (": " + printable(m_path)));
+    }
+}
+
+std::vector<HeaderEntry> Package::header() const
+{
+    const auto start = static_cast<std::size_t>(m_restStart);
+    try {
+        const std::size_t size =
+            headerSize(readPart(m_file, start, HEADER_INTRODUCTION_SIZE), LIMITS);
+        const std::string bytes = readPart(m_file, start, size);
+        requireHeader(bytes.size() == size, "it ends early");
+        return headerEntries(bytes);
     } catch (const Failure &failure) {
         throw Failure(failure.what() + (": " + printable(m_path)));
     }
@@ -101,19 +117,21 @@ static std::string sha256(const std::string &bytes)
     return {reinterpret_cast<char *>(digest), size};
 }
 
-PackageDigests::PackageDigests(const Package &package, const DigestKinds &kinds)
+PackageDigests::PackageDigests(const Package &package,
+                               const SignatureHeader &header,
+                               const DigestKinds &kinds)
     : m_kinds(kinds)
-    , m_ofFileSignatures(sha256(package.signatureHeader().fileSignatures()))
+    , m_ofFileSignatures(sha256(header.fileSignatures()))
 {
     for (const Coverage coverage : {Coverage::Contents, Coverage::Whole}) {
         const auto wanted = kinds.find(coverage);
         m_chains[coverage] = chainOf(wanted == kinds.end() ? std::set<int>() : wanted->second);
     }
     add(package.lead(), package.path());
-    SignatureHeader bare = package.signatureHeader();
+    SignatureHeader bare = header;
     bare.setSignatures({});
-    const std::string header = bare.bytes();
-    BIO_write(chain(Coverage::Whole), header.data(), static_cast<int>(header.size()));
+    const std::string bytes = bare.bytes();
+    BIO_write(chain(Coverage::Whole), bytes.data(), static_cast<int>(bytes.size()));
     read(package);
     package.requireUnchanged();
 }

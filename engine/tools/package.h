@@ -28,6 +28,9 @@ public:
     off_t restStart() const { return m_restStart; }
     off_t restSize() const { return m_status.st_size - m_restStart; }
 
+    /// What the package's builder wrote into its header. Throws a Failure when it is not in order.
+    std::vector<HeaderEntry> header() const;
+
     /// Throws a Failure when another file is at the path, or this one has changed.
     void requireUnchanged() const;
 
@@ -61,8 +64,9 @@ using DigestKinds = std::map<Coverage, std::set<int>>; // NIDs
 class PackageDigests
 {
 public:
-    /// Throws a Failure when the package cannot be read or changes meanwhile.
-    PackageDigests(const Package &package, const DigestKinds &kinds);
+    /// \a header is the package's signature header or will be it. Throws a Failure when the package
+    /// cannot be read or changes meanwhile.
+    PackageDigests(const Package &package, const SignatureHeader &header, const DigestKinds &kinds);
 
     /// What libcrypto makes and checks signatures with: a chain with a BIO for each digest.
     BIO *chain(Coverage coverage) const { return m_chains.at(coverage).get(); }

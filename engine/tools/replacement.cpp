@@ -119,10 +119,6 @@ Replacement::Replacement(const PackagePlace &place,
     if (m_original.st_nlink > 1)
         throw Failure("the package has several hard links, of which only one would be signed: "
                       + printable(place.path));
-    SignatureHeader back(header.bytes());
-    back.setSignatures(package.signatureHeader().signatures());
-    if (back.bytes() != package.signatureHeader().bytes())
-        throw Failure("the package could not be had back as it is: " + printable(place.path));
 }
 
 Replacement::~Replacement()

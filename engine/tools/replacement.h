@@ -12,8 +12,7 @@
 class Replacement
 {
 public:
-    /// Throws a Failure when the package must not or cannot be replaced, or when its present
-    /// signature header could not be had back from the new one.
+    /// Throws a Failure when the package must not be replaced.
     Replacement(const PackagePlace &place, const Package &package, const SignatureHeader &header);
     ~Replacement();
     Replacement(const Replacement &) = delete;

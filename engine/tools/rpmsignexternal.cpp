@@ -33,7 +33,7 @@ static void sign(Words &words)
     const Key key = readKey(keyFile);
     std::vector<CertificateChain> signers;
     signers.push_back(readCertificates(certificateFile, key));
-    signPackages(key, signers, packages);
+    signPackages(key, signers, nullptr, packages);
 }
 
 static void verify(Words &words)

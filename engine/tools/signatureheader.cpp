@@ -4,77 +4,25 @@
 
 #include <algorithm>
 #include <openssl/asn1.h>
+#include <set>
 
-static constexpr std::string_view MAGIC = "\x8e\xad\xe8\x01";
 static constexpr std::size_t START_SIZE = 8;
-static constexpr std::size_t INDEX_SIZE = 16;
-static constexpr std::size_t TRAILER_SIZE = 16;
 // As many as rpm reads.
-static constexpr std::uint32_t MOST_ENTRIES = 32;
-static constexpr std::uint32_t LARGEST_STORE = 0x4000000;
+static constexpr HeaderLimits LIMITS{32, 0x4000000};
 
 static constexpr std::uint32_t REGION_TAG = 62;
-static constexpr std::uint32_t LEAST_TAG = 100;
-static constexpr std::uint32_t FIRST_FILE_SIGNATURES_TAG = 274; // of four: IMA and fs-verity
-static constexpr std::uint32_t LAST_FILE_SIGNATURES_TAG = 277;
+static constexpr std::uint32_t IMA_SIGNATURES_TAG = 274;
+static constexpr std::uint32_t IMA_SIZE_TAG = 275;
+static constexpr std::uint32_t LAST_FILE_SIGNATURES_TAG = 277; // the other two: of fs-verity
 // Far above all that rpm has, so that it stays the last one when rpm sorts the entries.
 static constexpr std::uint32_t OUR_TAG = 0x5365616c;
-
-static constexpr std::uint32_t STRING = 6;
-static constexpr std::uint32_t BINARY = 7;
-static constexpr std::uint32_t LAST_TYPE = 9;
-
-static void require(bool condition, const char *fault)
-{
-    if (!condition)
-        throw Failure(std::string("the signature header is not in order, ") + fault);
-}
-
-static std::uint32_t number(std::string_view bytes, std::size_t at)
-{
-    std::uint32_t value = 0;
-    for (const char byte : bytes.substr(at, 4))
-        value = value << 8 | static_cast<unsigned char>(byte);
-    return value;
-}
-
-static std::string written(std::initializer_list<std::size_t> values)
-{
-    std::string bytes;
-    for (const std::size_t value : values)
-        for (int shift = 24; shift >= 0; shift -= 8)
-            bytes += static_cast<char>(value >> shift & 0xff);
-    return bytes;
-}
-
-static std::size_t aligned(std::size_t position, std::size_t alignment)
-{
-    return (position + alignment - 1) / alignment * alignment;
-}
-
-// How large one value is, and to what it is aligned; types from "nothing" to BINARY.
-static std::size_t sizeOfType(std::uint32_t type)
-{
-    static constexpr std::size_t SIZES[] = {0, 1, 1, 2, 4, 8, 1, 1, 1, 1};
-    return SIZES[type];
-}
-
-// How many bytes of the store the values take; 0 when they do not fit in.
-static std::size_t sizeOfData(std::uint32_t type, std::uint32_t count, std::string_view store)
-{
-    if (type < STRING || type == BINARY) {
-        const std::size_t size = sizeOfType(type) * count;
-        return size <= store.size() ? size : 0;
-    }
-    std::size_t size = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::size_t end = store.find('\0', size);
-        if (end == std::string_view::npos)
-            return 0;
-        size = end + 1;
-    }
-    return size;
-}
+static constexpr std::uint32_t RESERVED_SPACE_TAG = 1008;
+// rpm's own signatures of the header, by kind and generation.
+static constexpr std::uint32_t RPM_SIGNATURE_TAGS[] = {267, 268, 278, 1002, 1005};
+// What our entry begins with when the signatures of files are ours, too: an octet string, in DER,
+// of the size of the reserved space and the padding before.
+static constexpr std::string_view OWN_START("\x04\x08", 2);
+static constexpr std::size_t OWN_START_SIZE = 10;
 
 // DER tells its size, so that signatures can stand one behind the other.
 static std::vector<std::string> split(std::string_view sequences)
@@ -88,7 +36,8 @@ static std::vector<std::string> split(std::string_view sequences)
         int tagClass = 0;
         const int flags =
             ASN1_get_object(&content, &size, &tag, &tagClass, static_cast<long>(sequences.size()));
-        require(flags == V_ASN1_CONSTRUCTED && tag == V_ASN1_SEQUENCE, "its signatures are none");
+        requireHeader(flags == V_ASN1_CONSTRUCTED && tag == V_ASN1_SEQUENCE,
+                      "its signatures are none");
         const auto whole = static_cast<std::size_t>(content - start + size);
         parts.emplace_back(sequences.substr(0, whole));
         sequences.remove_prefix(whole);
@@ -98,53 +47,33 @@ static std::vector<std::string> split(std::string_view sequences)
 
 std::size_t SignatureHeader::sizeOf(std::string_view introduction)
 {
-    require(introduction.size() == INTRODUCTION_SIZE && introduction.starts_with(MAGIC),
-            "it has another magic number");
-    const std::uint32_t count = number(introduction, 8);
-    const std::uint32_t storeSize = number(introduction, 12);
-    require(count >= 1 && count <= MOST_ENTRIES && storeSize >= TRAILER_SIZE
-                && storeSize <= LARGEST_STORE,
-            "it has another size");
-    return aligned(INTRODUCTION_SIZE + count * INDEX_SIZE + storeSize, 8);
+    return aligned(headerSize(introduction, LIMITS), 8);
 }
 
 SignatureHeader::SignatureHeader(std::string_view bytes)
     : m_start(bytes.substr(0, START_SIZE))
 {
-    require(bytes.size() == sizeOf(bytes.substr(0, INTRODUCTION_SIZE)), "it ends early");
-    const std::size_t count = number(bytes, 8);
-    const std::size_t storeSize = number(bytes, 12);
-    const std::string_view indices = bytes.substr(INTRODUCTION_SIZE, count * INDEX_SIZE);
-    const std::string_view store =
-        bytes.substr(INTRODUCTION_SIZE + indices.size(), storeSize - TRAILER_SIZE);
-    std::size_t end = 0;
-    for (std::size_t i = 1; i < count; ++i)
-        takeEntry(indices.substr(i * INDEX_SIZE, INDEX_SIZE), store, end);
-    split(find(OUR_TAG) ? find(OUR_TAG)->data : std::string());
-    // The region, its trailer, the order of all and what is between them.
-    require(this->bytes() == bytes, "it is not laid out as rpm does it");
+    requireHeader(bytes.size() == sizeOf(bytes.substr(0, HEADER_INTRODUCTION_SIZE)),
+                  "it ends early");
+    m_entries = headerEntries(bytes);
+    std::set<std::uint32_t> tags;
+    for (const HeaderEntry &entry : m_entries)
+        requireHeader(tags.insert(entry.tag).second, "a tag is there twice");
+    if (const HeaderEntry *ours = find(OUR_TAG)) {
+        requireHeader(ours->type == TYPE_BINARY && ours == &m_entries.back(),
+                      "our entry is not where it belongs");
+        if (ours->data.starts_with(OWN_START) && ours->data.size() >= OWN_START_SIZE)
+            m_before = {bigEndianNumber(ours->data, 2), bigEndianNumber(ours->data, 6)};
+        signatures();
+    }
+    // The region, its trailer and what is between the entries.
+    requireHeader(this->bytes() == bytes, "it is not laid out as rpm does it");
 }
 
-void SignatureHeader::takeEntry(std::string_view index, std::string_view store, std::size_t &end)
-{
-    const std::uint32_t tag = number(index, 0);
-    const std::uint32_t type = number(index, 4);
-    const std::size_t offset = number(index, 8);
-    const std::uint32_t count = number(index, 12);
-    require(tag >= LEAST_TAG && !find(tag) && !find(OUR_TAG), "a tag is where it must not be");
-    require(type >= 1 && type <= LAST_TYPE && (type == BINARY || tag != OUR_TAG),
-            "an entry is of another type");
-    require(offset >= end && offset < store.size(), "entries overlap or are outside of it");
-    const std::size_t size = sizeOfData(type, count, store.substr(offset));
-    require(size > 0, "an entry is empty or too large");
-    m_entries.push_back({tag, type, count, std::string(store.substr(offset, size))});
-    end = offset + size;
-}
-
-const SignatureHeader::Entry *SignatureHeader::find(std::uint32_t tag) const
+const HeaderEntry *SignatureHeader::find(std::uint32_t tag) const
 {
     const auto found = std::find_if(
-        m_entries.begin(), m_entries.end(), [&](const Entry &entry) { return entry.tag == tag; });
+        m_entries.begin(), m_entries.end(), [&](const auto &entry) { return entry.tag == tag; });
     return found == m_entries.end() ? nullptr : &*found;
 }
 
@@ -152,15 +81,17 @@ std::string SignatureHeader::bytes() const
 {
     std::string index;
     std::string store;
-    for (const Entry &entry : m_entries) {
-        store.resize(aligned(store.size(), sizeOfType(entry.type)));
-        index += written({entry.tag, entry.type, store.size(), entry.count});
+    for (const HeaderEntry &entry : m_entries) {
+        store.resize(aligned(store.size(), headerAlignment(entry.type)));
+        index += bigEndian({entry.tag, entry.type, store.size(), entry.count});
         store += entry.data;
     }
     const std::size_t count = m_entries.size() + 1;
-    const std::string region = written({REGION_TAG, BINARY, store.size(), TRAILER_SIZE});
-    store += written({REGION_TAG, BINARY, 0 - count * INDEX_SIZE, TRAILER_SIZE});
-    std::string bytes = m_start + written({count, store.size()});
+    const std::string region =
+        bigEndian({REGION_TAG, TYPE_BINARY, store.size(), HEADER_TRAILER_SIZE});
+    store +=
+        bigEndian({REGION_TAG, TYPE_BINARY, 0 - count * HEADER_INDEX_SIZE, HEADER_TRAILER_SIZE});
+    std::string bytes = m_start + bigEndian({count, store.size()});
     bytes += region;
     bytes += index;
     bytes += store;
@@ -170,27 +101,122 @@ std::string SignatureHeader::bytes() const
 
 std::vector<std::string> SignatureHeader::signatures() const
 {
-    const Entry *ours = find(OUR_TAG);
-    return ours ? split(ours->data) : std::vector<std::string>();
+    const HeaderEntry *ours = find(OUR_TAG);
+    if (!ours)
+        return {};
+    return split(std::string_view(ours->data).substr(m_before ? OWN_START_SIZE : 0));
+}
+
+std::string SignatureHeader::ownStart() const
+{
+    return m_before
+               ? std::string(OWN_START) + bigEndian({m_before->reservedSize, m_before->padding})
+               : std::string();
 }
 
 void SignatureHeader::setSignatures(const std::vector<std::string> &signatures)
 {
-    std::erase_if(m_entries, [](const Entry &entry) { return entry.tag == OUR_TAG; });
-    std::string data;
+    std::erase_if(m_entries, [](const HeaderEntry &entry) { return entry.tag == OUR_TAG; });
+    if (signatures.empty()) {
+        removeOwnFileSignatures();
+        return;
+    }
+    std::string data = ownStart();
     for (const std::string &signature : signatures)
         data += signature;
-    if (!data.empty())
-        m_entries.push_back({OUR_TAG, BINARY, static_cast<std::uint32_t>(data.size()), data});
-    if (m_entries.size() >= MOST_ENTRIES || bytes().size() > LARGEST_STORE)
+    m_entries.push_back({OUR_TAG, TYPE_BINARY, static_cast<std::uint32_t>(data.size()), data});
+    if (m_entries.size() >= LIMITS.entries || bytes().size() > LIMITS.storeSize)
         throw Failure("the signature header has no room for more");
+}
+
+static bool isOfFiles(const HeaderEntry &entry)
+{
+    return entry.tag == IMA_SIGNATURES_TAG || entry.tag == IMA_SIZE_TAG;
+}
+
+static std::size_t paddingOf(const std::vector<HeaderEntry> &entries)
+{
+    std::size_t padding = 0;
+    std::size_t end = 0;
+    for (const HeaderEntry &entry : entries) {
+        const std::size_t start = aligned(end, headerAlignment(entry.type));
+        padding += start - end;
+        end = start + entry.data.size();
+    }
+    return padding;
+}
+
+// How much padding there is because of them; less than none wraps around, which adds up in the end.
+std::size_t SignatureHeader::paddingByFileSignatures() const
+{
+    std::vector<HeaderEntry> others = m_entries;
+    std::erase_if(others, isOfFiles);
+    return paddingOf(m_entries) - paddingOf(others);
+}
+
+std::size_t SignatureHeader::reservedSize() const
+{
+    const HeaderEntry *reserved = find(RESERVED_SPACE_TAG);
+    return reserved ? reserved->data.size() : 0;
+}
+
+bool SignatureHeader::canBeHadBack() const
+{
+    // Where it has grown, rpm gives back what it takes.
+    return !m_before || reservedSize() >= m_before->reservedSize
+           || std::any_of(std::begin(RPM_SIGNATURE_TAGS),
+                          std::end(RPM_SIGNATURE_TAGS),
+                          [this](std::uint32_t tag) { return find(tag) != nullptr; });
+}
+
+// When rpm adds a signature, it takes as much from the space that it reserves as the header grows,
+// and that depends on the padding, to which our signatures of files have contributed.
+void SignatureHeader::removeOwnFileSignatures()
+{
+    if (!m_before)
+        return;
+    const auto before = static_cast<std::uint32_t>(m_before->padding);
+    const auto contribution = static_cast<std::uint32_t>(paddingByFileSignatures()) - before;
+    const bool hasRpmTaken = reservedSize() != m_before->reservedSize;
+    std::erase_if(m_entries, isOfFiles);
+    m_before.reset();
+    for (HeaderEntry &entry : m_entries) {
+        if (entry.tag != RESERVED_SPACE_TAG || !hasRpmTaken)
+            continue;
+        entry.count += contribution;
+        entry.data.resize(entry.count);
+    }
 }
 
 std::string SignatureHeader::fileSignatures() const
 {
     std::string text;
-    for (std::uint32_t tag = FIRST_FILE_SIGNATURES_TAG; tag <= LAST_FILE_SIGNATURES_TAG; ++tag)
-        if (const Entry *entry = find(tag))
-            text += written({tag, entry->type, entry->count, entry->data.size()}) + entry->data;
+    for (std::uint32_t tag = IMA_SIGNATURES_TAG; tag <= LAST_FILE_SIGNATURES_TAG; ++tag)
+        if (const HeaderEntry *entry = find(tag))
+            text += bigEndian({tag, entry->type, entry->count, entry->data.size()}) + entry->data;
     return text;
+}
+
+std::vector<std::string> SignatureHeader::imaSignatures() const
+{
+    const HeaderEntry *entry = find(IMA_SIGNATURES_TAG);
+    return entry ? entry->texts() : std::vector<std::string>();
+}
+
+void SignatureHeader::setImaSignatures(const std::vector<std::string> &signatures)
+{
+    std::string texts;
+    std::size_t longest = 0;
+    for (const std::string &signature : signatures) {
+        texts += signature + '\0';
+        longest = std::max(longest, signature.size() / 2);
+    }
+    const auto place = std::find_if(m_entries.begin(), m_entries.end(), [](const auto &entry) {
+        return entry.tag > IMA_SIGNATURES_TAG;
+    });
+    const auto count = static_cast<std::uint32_t>(signatures.size());
+    m_entries.insert(place,
+                     {{IMA_SIGNATURES_TAG, TYPE_STRING_ARRAY, count, texts},
+                      {IMA_SIZE_TAG, TYPE_INT32, 1, bigEndian({longest})}});
+    m_before = {reservedSize(), paddingByFileSignatures()};
 }

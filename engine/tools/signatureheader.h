@@ -1,7 +1,10 @@
 #pragma once
 
+#include "rpmheader.h"
+
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,9 +16,6 @@
 class SignatureHeader
 {
 public:
-    /// How many bytes tell the size of a header.
-    static constexpr std::size_t INTRODUCTION_SIZE = 16;
-
     /// The size of the header that begins like this, with the padding behind it. Throws a Failure
     /// without the package's name, as does the constructor, when this is none in order.
     static std::size_t sizeOf(std::string_view introduction);
@@ -26,25 +26,37 @@ public:
 
     /// Our signatures (DER), in order.
     std::vector<std::string> signatures() const;
-    /// Throws a Failure when there is no room for so many.
+    /// Without any, our signatures of files go, too. Throws a Failure when there is no room for so
+    /// many.
     void setSignatures(const std::vector<std::string> &signatures);
 
     /// What the header holds of signatures of the files in the package, whoever made them, in a
     /// form that is the same for the same contents; empty when it has none.
     std::string fileSignatures() const;
+    /// One for each file, in hexadecimal digits; empty for a file that is not signed. None when
+    /// there are none of IMA.
+    std::vector<std::string> imaSignatures() const;
+    /// Sets those. There must be none yet.
+    void setImaSignatures(const std::vector<std::string> &signatures);
+    /// False when it cannot be told what rpm would have made of the header without our signatures
+    /// of files: it has changed the space that it reserves, for a signature that is gone again.
+    bool canBeHadBack() const;
 
 private:
-    struct Entry
+    /// What there was when the signatures of files came.
+    struct Before
     {
-        std::uint32_t tag = 0;
-        std::uint32_t type = 0;
-        std::uint32_t count = 0;
-        std::string data;
+        std::size_t reservedSize = 0;
+        std::size_t padding = 0;
     };
 
-    void takeEntry(std::string_view index, std::string_view store, std::size_t &end);
-    const Entry *find(std::uint32_t tag) const;
+    const HeaderEntry *find(std::uint32_t tag) const;
+    std::size_t reservedSize() const;
+    std::size_t paddingByFileSignatures() const;
+    void removeOwnFileSignatures();
+    std::string ownStart() const;
 
     std::string m_start; ///< magic number and reserved bytes
-    std::vector<Entry> m_entries;
+    std::vector<HeaderEntry> m_entries;
+    std::optional<Before> m_before; ///< when the signatures of files are ours
 };
