@@ -23,10 +23,12 @@ static const char SCRIPT[] = "in_target=\"$1/bin/brisk engine exec -tt sb2 -t $2
                              "$in_target rpmsign-external dump \"$@\"\n";
 
 /// As a build would leave them: the time that a dump takes grows with the signatures.
-static void removeSignatures(QDir folder)
+static void putFresh(const QString &package, const QStringList &copies)
 {
-    for (const QString &signature : folder.entryList({"*.p7s"}))
-        folder.remove(signature);
+    for (const QString &copy : copies) {
+        QFile::remove(copy);
+        require(QFile::copy(package, copy), "a package cannot be copied");
+    }
 }
 
 /// A project whose build left packages, to be signed by the step and by hand.
@@ -44,15 +46,16 @@ static Measures signing(Workplace &workplace, int packageCount)
                        workplace.sdk().path(),
                        RPMSIGN_TARGET,
                        workplace.sdk().workspace() + "/.veyraos-regular-keys"};
-    for (int i = 0; i < packageCount; ++i) {
-        script << folder.filePath(QStringLiteral("hello-veyra-%1.rpm").arg(i));
-        require(QFile::copy(package, script.last()), "a package cannot be copied");
-    }
+    QStringList packages;
+    for (int i = 0; i < packageCount; ++i)
+        packages << folder.filePath(QStringLiteral("hello-veyra-%1.rpm").arg(i));
+    putFresh(package, packages); // the step finds them
+    script << packages;
     ProjectExplorer::BuildStepList *steps = deploySteps(project);
     steps->appendStep(RpmsignExternalStep::stepId());
 
     const auto byStep = [=, step = steps->steps().last()] {
-        removeSignatures(folder);
+        putFresh(package, packages);
         return milliseconds([step] {
             const QStringList output = runStep(step);
             require(output.contains("NormalMessage: Package sign completed successfully."),
@@ -60,7 +63,7 @@ static Measures signing(Workplace &workplace, int packageCount)
         });
     };
     const auto byHand = [=] {
-        removeSignatures(folder);
+        putFresh(package, packages);
         return timeOf(script);
     };
     return {byStep, byHand};

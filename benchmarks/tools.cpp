@@ -30,8 +30,7 @@ private:
     const QTemporaryDir m_folder;
 };
 
-/// Fresh copies of a package, and nothing else in the folder: rpmsign writes signatures into
-/// packages, our tool beside them.
+/// Fresh copies of a package, and nothing else in the folder.
 static QStringList copies(const QTemporaryDir &folder, const QString &package, int count)
 {
     for (const QFileInfo &file : QDir(folder.path()).entryInfoList(QDir::Files))

@@ -2,11 +2,12 @@
 # behind stages.sh; as root.
 
 make_debian() { # RELEASE FOLDER
-    local mirror
+    local mirror script=/usr/share/debootstrap/scripts/$1
+    [ -e "$script" ] || script=${script%/*}/sid # a release that debootstrap is older than
     command -v debootstrap >/dev/null || fail 'debootstrap is missing'
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Identifier: Packages' 'Origin: Debian' |
         grep -v security | head -n 1)
-    watched debootstrap --variant=minbase "$1" "$2" "$mirror"
+    watched debootstrap --variant=minbase "$1" "$2" "$mirror" "$script"
 }
 
 # Runs a shell line in the Debian, with a clean environment. MOUNTS is a line, too, that runs before,

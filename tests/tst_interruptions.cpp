@@ -6,6 +6,7 @@
 #include "passworddialog.h"
 #include "processes.h"
 #include "promptanswers.h"
+#include "rpmpackage.h"
 #include "sealkitplugin.h"
 #include "signdialog.h"
 #include "straywarnings.h"
@@ -288,7 +289,7 @@ void InterruptionsTest::stopADeploy()
     QVERIFY(!finished.first().first().toBool());
     QCOMPARE(output.count("Package sign stopped by user"), 1);
     QVERIFY(!output.contains("Error: ") && !output.contains("successfully"));
-    QVERIFY(!QFile::exists(m_package + ".1.p7s"));
+    QVERIFY(!isSigned(m_package));
 }
 
 void InterruptionsTest::duringADeploy_data()
@@ -331,7 +332,7 @@ void InterruptionsTest::duringADeploy()
     const bool isAgain = action == "cancel and deploy again";
     QCOMPARE(finished.size(), isAgain ? 2 : 1);
     QCOMPARE(finished.last().first().toBool(), !isStopped);
-    QCOMPARE(QFile::exists(m_package + ".1.p7s"), !isStopped || moment == "dump");
+    QCOMPARE(isSigned(m_package), !isStopped || moment == "dump");
     const bool isSignedFirst = moment == "dump"; // which comes after the signing
     QCOMPARE(output.count("Package sign completed successfully."),
              int(!isStopped) + int(isSignedFirst && (isStopped || isAgain)));
@@ -369,8 +370,7 @@ void InterruptionsTest::duringTheDialog()
         return;
 
     const QString package = m_sdk.workspace() + "/dialog.rpm";
-    writeFile(package, "\xed\xab\xee\xdb");
-    QFile::remove(package + ".1.p7s");
+    writePackage(package);
     hold(program == "brisk" ? m_sdk.path() + "/bin/brisk" : m_sdk.tool(program), moment);
     Messages messages;
     meanwhile(action, action != "quit" && action != "unload the plugin");
@@ -379,7 +379,7 @@ void InterruptionsTest::duringTheDialog()
     QVERIFY(m_acted);
     QTRY_COMPARE_WITH_TIMEOUT(processesOf(m_sdk.path()), QStringList(), RUN_TIMEOUT);
     QVERIFY(!isPrompted());
-    const bool isSigned = QFile::exists(package + ".1.p7s");
+    const bool isSigned = ::isSigned(package);
     QCOMPARE(isSigned, !isOver());
     QVERIFY(messages.take().filter("rpmsign-external sign -k").size() <= 1);
     if (!dialog)

@@ -3,6 +3,7 @@
 #include "messages.h"
 #include "processes.h"
 #include "promptanswers.h"
+#include "rpmpackage.h"
 #include "settingsscope.h"
 #include "signdata.h"
 #include "signdialog.h"
@@ -97,7 +98,7 @@ private:
     }
     QString freshPackage(const QString &name = "hello.rpm") const
     {
-        writeFile(inWorkspace(name), "\xed\xab\xee\xdb" + name.toUtf8());
+        writePackage(inWorkspace(name));
         return inWorkspace(name);
     }
     /// Calls \a action once, from the event loop, when \a condition holds.
@@ -654,11 +655,9 @@ void SignDialogTest::looksAgainWhenFilesChange()
     openOn();
     enterKeys(CLIENT_KEY);
     const QString package = freshPackage("build/RPMS/a.rpm");
-    const QString signature = package + ".1.p7s";
     enter("rpmPathChooser", package);
     click("addSignaturePushButton");
     const QByteArray goodPackage = readFile(package);
-    const QByteArray goodSignature = readFile(signature);
     const auto shows = [this](const QString &expected) {
         [&] { QTRY_COMPARE_WITH_TIMEOUT(verdict().section('\n', 0, 0), expected, RUN_TIMEOUT); }();
         waitUntilIdle();
@@ -676,12 +675,11 @@ void SignDialogTest::looksAgainWhenFilesChange()
     shows(changed);
     writeFile(package, goodPackage);
     shows(VERIFIED + '|');
-    QVERIFY(QFile::remove(signature));
+    writePackage(package);
     shows(NOT_VERIFIED + "|not signed");
     QVERIFY(QDir(inWorkspace("build")).removeRecursively()); // a clean build
     shows(NOT_VERIFIED + "|rpmsign-external: error: package not found: " + package);
     writeFile(package, goodPackage);
-    writeFile(signature, goodSignature);
     shows(VERIFIED + '|');
 
     dialog->hide();

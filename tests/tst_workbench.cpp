@@ -1,5 +1,6 @@
 #include "files.h"
 #include "processes.h"
+#include "rpmpackage.h"
 #include "settingsscope.h"
 #include "straywarnings.h"
 #include "temporarysdk.h"
@@ -54,9 +55,13 @@ private slots:
 
 private:
     QString project() const { return m_sdk.workspace() + "/quick"; }
-    QStringList signatures() const
+    QStringList signedPackages() const
     {
-        return QDir(project() + "/RPMS/noarch").entryList({"*.p7s"}, QDir::Files);
+        QStringList packages;
+        for (const QFileInfo &package : QDir(project() + "/RPMS/noarch").entryInfoList(QDir::Files))
+            if (isSigned(package.filePath()))
+                packages << package.fileName();
+        return packages;
     }
     // Into the program's settings file, as the program will read it.
     void set(const QString &settingsKey, const QVariant &value) const
@@ -172,7 +177,7 @@ void WorkbenchTest::deploys()
     QVERIFY2(output.contains(message), qPrintable(end));
     QCOMPARE(output.contains("workbench: "), exitCode != 0);
     QVERIFY2(!output.contains("nonsense"), "the pass phrase leaks");
-    QCOMPARE(signatures().size(), signatureCount);
+    QCOMPARE(signedPackages().size(), signatureCount);
     QTRY_COMPARE(processesOf(m_sdk.path()), QStringList());
     // A deploy is no reason to remember another project.
     QVERIFY(readFile(m_sdk.path() + "/settings/Sealkit/Workbench.conf").contains("Project=/one\n"));
@@ -191,7 +196,7 @@ void WorkbenchTest::interruptLeavesNothingBehind()
     QCOMPARE(workbench.exitStatus(), QProcess::NormalExit);
     QCOMPARE(workbench.exitCode(), 128 + SIGTERM);
     QTRY_COMPARE(processesOf(m_sdk.path()), QStringList());
-    QCOMPARE(signatures(), QStringList());
+    QCOMPARE(signedPackages(), QStringList());
 }
 
 void WorkbenchTest::checksTheDisplay()

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstring>
 #include <poll.h>
 #include <sys/signalfd.h>
 #include <sys/wait.h>
@@ -51,16 +52,32 @@ int SignalQueue::take() const
                                                                  : 0;
 }
 
-// The number of bytes read into the buffer; 0 at the end or when there is nothing yet.
-static std::size_t readInto(std::string &buffer, int descriptor, bool &open)
+TypedBytes::~TypedBytes()
 {
-    char chunk[4096];
-    const ssize_t count = read(descriptor, chunk, sizeof chunk);
-    if (count > 0)
-        buffer.append(chunk, static_cast<std::size_t>(count));
-    else if (count == 0 || (errno != EAGAIN && errno != EINTR))
-        open = false;
-    return count > 0 ? static_cast<std::size_t>(count) : 0;
+    explicit_bzero(m_bytes.data(), m_size);
+}
+
+ssize_t TypedBytes::readFrom(int descriptor)
+{
+    const ssize_t count = read(descriptor, m_bytes.data() + m_size, m_bytes.size() - m_size);
+    m_size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    return count;
+}
+
+void TypedBytes::writeTo(int descriptor)
+{
+    const ssize_t count = write(descriptor, m_bytes.data(), m_size);
+    if (count <= 0)
+        return;
+    m_size -= static_cast<std::size_t>(count);
+    std::memmove(m_bytes.data(), m_bytes.data() + count, m_size);
+    explicit_bzero(m_bytes.data() + m_size, static_cast<std::size_t>(count));
+}
+
+// What read() returned says whether there can be more.
+static bool isOpenAfter(ssize_t count)
+{
+    return count > 0 || (count < 0 && (errno == EAGAIN || errno == EINTR));
 }
 
 Relay::Relay(int terminal, pid_t process, const SignalQueue &signals)
@@ -81,7 +98,7 @@ int Relay::run()
         if (ready[Input] != 0)
             readInput();
         if (ready[Terminal] & POLLOUT)
-            writeTerminal();
+            m_toTerminal.writeTo(m_terminal);
         if (ready[Terminal] & ~POLLOUT)
             readTerminal();
         if ((ready[Output] & POLLERR) || ((ready[Output] & POLLOUT) && !writeOutput()))
@@ -96,13 +113,13 @@ Relay::Readiness Relay::wait() const
     // A negative descriptor is not looked at, not even for its errors.
     const auto watched = [](int descriptor, bool wanted) { return wanted ? descriptor : -1; };
     const bool fits = m_toOutput.size() < BUFFER_LIMIT;
-    const bool hasInput = !m_toTerminal.empty();
+    const bool hasInput = !m_toTerminal.isEmpty();
     const bool terminalUsable = m_terminalOpen && !m_processEnded;
     const short terminalEvents = static_cast<short>((fits ? POLLIN : 0) | (hasInput ? POLLOUT : 0));
 
     std::array<pollfd, ChannelCount> channels{{
         {m_signals.descriptor(), POLLIN, 0},
-        {watched(STDIN_FILENO, m_inputOpen && m_toTerminal.size() < BUFFER_LIMIT), POLLIN, 0},
+        {watched(STDIN_FILENO, m_inputOpen && !m_toTerminal.isFull()), POLLIN, 0},
         {watched(m_terminal, terminalUsable && terminalEvents != 0), terminalEvents, 0},
         // Always, for a reader that has gone: a silent tool would go on for nobody.
         {STDOUT_FILENO, static_cast<short>(m_toOutput.empty() ? 0 : POLLOUT), 0},
@@ -134,30 +151,30 @@ int Relay::takeSignals()
 
 void Relay::readInput()
 {
-    readInto(m_toTerminal, STDIN_FILENO, m_inputOpen);
+    m_inputOpen = isOpenAfter(m_toTerminal.readFrom(STDIN_FILENO));
 }
 
-void Relay::readTerminal()
+// Returns how many bytes came.
+std::size_t Relay::readTerminal()
 {
-    readInto(m_toOutput, m_terminal, m_terminalOpen);
+    char chunk[4096];
+    const ssize_t count = read(m_terminal, chunk, sizeof chunk);
+    m_terminalOpen = isOpenAfter(count);
+    if (count <= 0)
+        return 0;
+    m_toOutput.append(chunk, static_cast<std::size_t>(count));
+    return static_cast<std::size_t>(count);
 }
 
 void Relay::drainTerminal()
 {
     std::size_t drained = 0;
     while (m_terminalOpen && drained < DRAIN_LIMIT) {
-        const std::size_t count = readInto(m_toOutput, m_terminal, m_terminalOpen);
+        const std::size_t count = readTerminal();
         if (count == 0)
             break;
         drained += count;
     }
-}
-
-void Relay::writeTerminal()
-{
-    const ssize_t count = write(m_terminal, m_toTerminal.data(), m_toTerminal.size());
-    if (count > 0)
-        m_toTerminal.erase(0, static_cast<std::size_t>(count));
 }
 
 bool Relay::writeOutput()
@@ -172,7 +189,7 @@ bool Relay::writeOutput()
 
 bool Relay::isEndOfInputDue() const
 {
-    return !m_inputOpen && m_terminalOpen && !m_processEnded && m_toTerminal.empty();
+    return !m_inputOpen && m_terminalOpen && !m_processEnded && m_toTerminal.isEmpty();
 }
 
 // A terminal forgets an end of file once it was read, but input that has ended stays ended: who
@@ -183,5 +200,5 @@ void Relay::repeatEndOfInput()
     if (!isEndOfInputDue() || tcgetattr(m_terminal, &settings) != 0)
         return;
     if (settings.c_lflag & ICANON)
-        m_toTerminal += static_cast<char>(settings.c_cc[VEOF]);
+        m_toTerminal.append(static_cast<char>(settings.c_cc[VEOF]));
 }

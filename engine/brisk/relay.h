@@ -23,6 +23,29 @@ private:
     int m_descriptor = -1;
 };
 
+/// Bytes that are typed into a terminal, and may be a pass phrase: there is one copy of them, which
+/// is wiped out as soon as the terminal has it.
+class TypedBytes
+{
+public:
+    TypedBytes() = default;
+    ~TypedBytes();
+    TypedBytes(const TypedBytes &) = delete;
+    TypedBytes &operator=(const TypedBytes &) = delete;
+
+    bool isEmpty() const { return m_size == 0; }
+    bool isFull() const { return m_size == m_bytes.size(); }
+    void append(char byte) { m_bytes[m_size++] = byte; }
+    /// Fills up from \a descriptor; returns what read() does.
+    ssize_t readFrom(int descriptor);
+    /// Takes out what \a descriptor takes in.
+    void writeTo(int descriptor);
+
+private:
+    std::array<char, 0x10000> m_bytes;
+    std::size_t m_size = 0;
+};
+
 /// Carries bytes between standard input and output and a terminal while a process runs on it.
 ///
 /// Both directions are buffered and neither waits for the other: a process that floods the
@@ -44,9 +67,8 @@ private:
     Readiness wait() const;
     int takeSignals();
     void readInput();
-    void readTerminal();
+    std::size_t readTerminal();
     void drainTerminal();
-    void writeTerminal();
     bool writeOutput();
     void repeatEndOfInput();
     bool isEndOfInputDue() const;
@@ -54,7 +76,7 @@ private:
     const int m_terminal;
     const pid_t m_process;
     const SignalQueue &m_signals;
-    std::string m_toTerminal;
+    TypedBytes m_toTerminal;
     std::string m_toOutput;
     bool m_inputOpen = true;
     bool m_terminalOpen = true;

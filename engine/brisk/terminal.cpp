@@ -12,6 +12,7 @@
 #include <optional>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <system_error>
@@ -47,6 +48,17 @@ public:
 
 private:
     std::optional<termios> m_original;
+};
+
+// Pass phrases come through here: no core dump is written meanwhile, and nobody else may look into
+// the memory.
+class ClosedMemory
+{
+public:
+    ClosedMemory() { prctl(PR_SET_DUMPABLE, 0); }
+    ~ClosedMemory() { prctl(PR_SET_DUMPABLE, 1); }
+    ClosedMemory(const ClosedMemory &) = delete;
+    ClosedMemory &operator=(const ClosedMemory &) = delete;
 };
 
 // Echo is off before the command starts, so that an answer that arrives before the command asks
@@ -144,6 +156,7 @@ private:
 
 int runOnTerminal(const Command &command)
 {
+    const ClosedMemory closedMemory;
     // Blocked before the command exists, or its end could be missed.
     const SignalQueue signals;
     int master = -1;

@@ -2,6 +2,7 @@
 #include "failure.h"
 #include "keys.h"
 #include "package.h"
+#include "text.h"
 #include "tools.h"
 
 #include <map>
@@ -46,15 +47,15 @@ static void sign(Words &words)
     const Paths packages = words.takePackages();
     requirePackages(packages);
     const ClosedMemory closedMemory;
-    // The key for the binaries in the packages must open, or nothing is signed.
-    const std::string &binariesKey = files.at(BINARIES_KEY);
-    readKey("binaries key", binariesKey, "Enter passphrase for binaries key " + binariesKey + ": ");
+    const std::string &path = files.at(BINARIES_KEY);
+    const Key binariesKey = readKey(
+        "binaries key", path, "Enter passphrase for binaries key " + printable(path) + ": ");
     const Key key = readKey(files.at(PACKAGES_KEY));
-    std::vector<Certificate> certificates;
+    std::vector<CertificateChain> signers;
     for (const std::string &option : {PACKAGES_CERTIFICATE, CLIENT_CERTIFICATE})
         if (!files.at(option).empty())
-            certificates.push_back(readCertificate(files.at(option), key));
-    signPackages(key, certificates, packages);
+            signers.push_back(readCertificates(files.at(option), key));
+    signPackages(key, signers, binariesKey, packages);
 }
 
 static void run(Words &words)

@@ -10,7 +10,7 @@ static void handleSignals(void (*handler)(int))
 {
     struct sigaction action = {};
     action.sa_handler = handler; // without SA_RESTART: nothing is waited for any longer
-    for (const int number : {SIGHUP, SIGINT, SIGTERM})
+    for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
         sigaction(number, &action, nullptr);
 }
 
@@ -28,4 +28,9 @@ void Interruption::check()
 {
     if (s_signal != 0)
         throw Interrupted{s_signal};
+}
+
+bool Interruption::isDue()
+{
+    return s_signal != 0;
 }

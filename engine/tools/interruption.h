@@ -1,7 +1,7 @@
 #pragma once
 
 /// While it exists, a signal that asks the tool to end does so where check() is called, so that
-/// what the tool has begun can be put away.
+/// what the tool has begun can be put away. Calls that wait return with EINTR.
 class Interruption
 {
 public:
@@ -12,6 +12,7 @@ public:
 
     /// Throws the Interrupted that is due.
     static void check();
+    static bool isDue();
 };
 
 /// The end by a signal.

@@ -2,15 +2,21 @@
 
 #include "failure.h"
 #include "files.h"
+#include "interruption.h"
+#include "passphrase.h"
+#include "strength.h"
+#include "text.h"
 
-#include <array>
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
 #include <openssl/crypto.h>
 #include <openssl/pem.h>
 #include <openssl/pkcs12.h>
 #include <sys/prctl.h>
 
 static constexpr int ATTEMPTS = 3;
-static constexpr int PASS_PHRASE_LIMIT = 1024;
 
 ClosedMemory::ClosedMemory()
 {
@@ -22,49 +28,36 @@ ClosedMemory::~ClosedMemory()
     prctl(PR_SET_DUMPABLE, 1);
 }
 
-/// What the user types at the prompt. It is asked for when it is needed first, and wiped out in the
-/// end.
-class PassPhrase
+static void wipeAndFree(void *block, const char *, int)
 {
-public:
-    explicit PassPhrase(const std::string &prompt)
-        : m_prompt(prompt)
-    {
-    }
-    ~PassPhrase() { OPENSSL_cleanse(m_text.data(), m_text.size()); }
-    PassPhrase(const PassPhrase &) = delete;
-    PassPhrase &operator=(const PassPhrase &) = delete;
+    if (block)
+        OPENSSL_cleanse(block, malloc_usable_size(block));
+    std::free(block);
+}
 
-    const char *text()
-    {
-        if (!m_isAsked)
-            ask();
-        return m_isGiven ? m_text.data() : nullptr;
-    }
-    bool isAsked() const { return m_isAsked; }
-    bool isGiven() const { return m_isGiven; }
+static void *allocate(std::size_t size, const char *, int)
+{
+    return std::malloc(size);
+}
 
-private:
-    void ask()
-    {
-        m_isAsked = true;
-        const Ui terminal(UI_new_method(UI_OpenSSL()));
-        m_isGiven = terminal
-                    && UI_add_input_string(
-                           terminal.get(), m_prompt.c_str(), 0, m_text.data(), 0, PASS_PHRASE_LIMIT)
-                           > 0
-                    && UI_process(terminal.get()) == 0;
+static void *reallocate(void *block, std::size_t size, const char *, int)
+{
+    void *grown = std::malloc(size);
+    if (block && grown) {
+        std::memcpy(grown, block, std::min(size, malloc_usable_size(block)));
+        wipeAndFree(block, nullptr, 0);
     }
+    return grown;
+}
 
-    const std::string m_prompt;
-    std::array<char, PASS_PHRASE_LIMIT + 1> m_text{};
-    bool m_isAsked = false;
-    bool m_isGiven = false;
-};
+void wipeFreedMemory()
+{
+    CRYPTO_set_mem_functions(allocate, reallocate, wipeAndFree);
+}
 
 static std::string promptFor(const std::string &path)
 {
-    return "Enter pass phrase for " + path + ':';
+    return "Enter pass phrase for " + printable(path) + ':';
 }
 
 // How libcrypto gets at the PassPhrase that is its user's data.
@@ -78,14 +71,13 @@ static UiMethod passPhraseMethod()
     return method;
 }
 
-// The first object of the kind in the file, or null.
-static StoreItem readItem(const std::string &path, int kind, PassPhrase &passPhrase)
+// The objects of the kind, as far as the file can be understood.
+static std::vector<StoreItem> readItems(const FileContents &file, int kind, PassPhrase &passPhrase)
 {
-    const BioChain file(BIO_new_file(path.c_str(), "rb"));
+    std::vector<StoreItem> items;
+    const BioChain bytes(BIO_new_mem_buf(file.bytes(), static_cast<int>(file.size())));
     const UiMethod method = passPhraseMethod();
-    if (!file)
-        return nullptr;
-    const Store store(OSSL_STORE_attach(file.get(),
+    const Store store(OSSL_STORE_attach(bytes.get(),
                                         "file",
                                         nullptr,
                                         nullptr,
@@ -95,27 +87,26 @@ static StoreItem readItem(const std::string &path, int kind, PassPhrase &passPhr
                                         nullptr,
                                         nullptr));
     if (!store || OSSL_STORE_expect(store.get(), kind) == 0)
-        return nullptr;
+        return items;
     while (OSSL_STORE_eof(store.get()) == 0) {
+        const std::size_t left = BIO_ctrl_pending(bytes.get());
         StoreItem item(OSSL_STORE_load(store.get()));
         if (item && OSSL_STORE_INFO_get_type(item.get()) == kind)
-            return item;
-        if (passPhrase.isAsked())
+            items.push_back(std::move(item));
+        else if (!item && (passPhrase.isAsked() || BIO_ctrl_pending(bytes.get()) == left))
             break;
     }
-    return nullptr;
+    return items;
 }
 
 // True when a key is there, and open, but libcrypto does not know what it is for: a GOST key where
 // the engine for it is missing.
-static bool isOfUnknownKind(const std::string &path, PassPhrase &passPhrase)
+static bool isOfUnknownKind(const FileContents &file, PassPhrase &passPhrase)
 {
-    const BioChain file(BIO_new_file(path.c_str(), "rb"));
-    if (!file)
-        return false;
-    KeyInfo key(PEM_read_bio_PKCS8_PRIV_KEY_INFO(file.get(), nullptr, nullptr, nullptr));
-    if (!key && passPhrase.isGiven() && BIO_seek(file.get(), 0) == 0) {
-        const EncryptedKey encrypted(PEM_read_bio_PKCS8(file.get(), nullptr, nullptr, nullptr));
+    const BioChain bytes(BIO_new_mem_buf(file.bytes(), static_cast<int>(file.size())));
+    KeyInfo key(PEM_read_bio_PKCS8_PRIV_KEY_INFO(bytes.get(), nullptr, nullptr, nullptr));
+    if (!key && passPhrase.isGiven() && BIO_reset(bytes.get()) == 1) {
+        const EncryptedKey encrypted(PEM_read_bio_PKCS8(bytes.get(), nullptr, nullptr, nullptr));
         if (encrypted)
             key.reset(PKCS8_decrypt(encrypted.get(), passPhrase.text(), -1));
     }
@@ -124,21 +115,30 @@ static bool isOfUnknownKind(const std::string &path, PassPhrase &passPhrase)
            && EVP_PKEY_type(OBJ_obj2nid(kind)) == NID_undef;
 }
 
+static Key keyIn(const StoreItem &item, const std::string &path)
+{
+    Key key(OSSL_STORE_INFO_get1_PKEY(item.get()));
+    if (!isStrong(key.get()))
+        throw Failure("the key is too weak: " + printable(path));
+    return key;
+}
+
 Key readKey(const std::string &what, const std::string &path, const std::string &prompt)
 {
-    requireFile(what, path);
-    const std::string wrong = "wrong pass phrase for the key: " + path;
+    const FileContents file(what, path);
+    const std::string wrong = "wrong pass phrase for the key: " + printable(path);
     for (int attempt = 1;; ++attempt) {
         PassPhrase passPhrase(prompt);
-        const StoreItem item = readItem(path, OSSL_STORE_INFO_PKEY, passPhrase);
-        if (item)
-            return Key(OSSL_STORE_INFO_get1_PKEY(item.get()));
-        if (isOfUnknownKind(path, passPhrase))
-            throw Failure("the target knows no keys of this kind: " + path);
+        const std::vector<StoreItem> items = readItems(file, OSSL_STORE_INFO_PKEY, passPhrase);
+        Interruption::check();
+        if (!items.empty())
+            return keyIn(items.front(), path);
+        if (isOfUnknownKind(file, passPhrase))
+            throw Failure("the target knows no keys of this kind: " + printable(path));
         if (!passPhrase.isAsked())
-            throw Failure("cannot read a private key from: " + path);
+            throw Failure("cannot read a private key from: " + printable(path));
         if (!passPhrase.isGiven() && attempt == 1)
-            throw Failure("no pass phrase given for the key: " + path);
+            throw Failure("no pass phrase given for the key: " + printable(path));
         if (!passPhrase.isGiven() || attempt == ATTEMPTS)
             throw Failure(wrong);
         writeAll(STDERR_FILENO, wrong + ", try again\n");
@@ -150,19 +150,32 @@ Key readKey(const std::string &path)
     return readKey("key", path, promptFor(path));
 }
 
-Certificate readCertificate(const std::string &path, const Key &key)
+static void requireSigner(X509 *certificate, const Key &key, const std::string &path)
 {
-    requireFile("certificate", path);
+    const auto require = [&](bool condition, const char *fault) {
+        if (!condition)
+            throw Failure(fault + printable(path));
+    };
+    require(X509_cmp_current_time(X509_get0_notBefore(certificate)) < 0,
+            "the certificate is not valid yet: ");
+    require(X509_cmp_current_time(X509_get0_notAfter(certificate)) > 0,
+            "the certificate has expired: ");
+    require(X509_check_private_key(certificate, key.get()) == 1,
+            "the key does not fit the certificate: ");
+    require(isForSigning(certificate), "the certificate is not for signatures: ");
+    require(isSignedStrongly(certificate), "the certificate itself is signed too weakly: ");
+}
+
+CertificateChain readCertificates(const std::string &path, const Key &key)
+{
+    const FileContents file("certificate", path);
     PassPhrase passPhrase(promptFor(path)); // of a container
-    const StoreItem item = readItem(path, OSSL_STORE_INFO_CERT, passPhrase);
-    Certificate certificate(item ? OSSL_STORE_INFO_get1_CERT(item.get()) : nullptr);
-    if (!certificate)
-        throw Failure("cannot read a certificate from: " + path);
-    if (X509_cmp_current_time(X509_get0_notBefore(certificate.get())) >= 0)
-        throw Failure("the certificate is not valid yet: " + path);
-    if (X509_cmp_current_time(X509_get0_notAfter(certificate.get())) <= 0)
-        throw Failure("the certificate has expired: " + path);
-    if (X509_check_private_key(certificate.get(), key.get()) != 1)
-        throw Failure("the key does not fit the certificate: " + path);
-    return certificate;
+    CertificateChain certificates;
+    for (const StoreItem &item : readItems(file, OSSL_STORE_INFO_CERT, passPhrase))
+        certificates.emplace_back(OSSL_STORE_INFO_get1_CERT(item.get()));
+    Interruption::check();
+    if (certificates.empty())
+        throw Failure("cannot read a certificate from: " + printable(path));
+    requireSigner(certificates.front().get(), key, path);
+    return certificates;
 }

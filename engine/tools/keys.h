@@ -3,6 +3,12 @@
 #include "handles.h"
 
 #include <string>
+#include <vector>
+
+using CertificateChain = std::vector<Certificate>;
+
+/// From now on, libcrypto wipes out all that it frees. To be called before it is used.
+void wipeFreedMemory();
 
 /// While it exists, no core dump is written of this program, and no other one may look into its
 /// memory. Who has keys has this for longer.
@@ -21,5 +27,6 @@ public:
 Key readKey(const std::string &what, const std::string &path, const std::string &prompt);
 Key readKey(const std::string &path);
 
-/// The first certificate in a file. Throws a Failure unless it is valid today and that of \a key.
-Certificate readCertificate(const std::string &path, const Key &key);
+/// The certificates in a file: the signer's own one, then those that lead from it to a root. Throws
+/// a Failure unless the first one is valid today, for signatures, and that of \a key.
+CertificateChain readCertificates(const std::string &path, const Key &key);

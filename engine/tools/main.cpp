@@ -2,6 +2,7 @@
 #include "failure.h"
 #include "files.h"
 #include "interruption.h"
+#include "keys.h"
 #include "tools.h"
 
 #include <csignal>
@@ -31,6 +32,7 @@ static void configureLibcrypto()
 static int run(const Tool &tool, std::vector<std::string> arguments)
 {
     const std::string error = std::string(tool.name) + ": error: ";
+    const Interruption interruption;
     try {
         configureLibcrypto();
         Words words(std::move(arguments));
@@ -49,7 +51,10 @@ static int run(const Tool &tool, std::vector<std::string> arguments)
 
 int main(int argc, char *argv[])
 {
-    std::signal(SIGXFSZ, SIG_IGN); // A file that becomes too large is an error as any other.
+    // A file that becomes too large and an output that nobody reads are errors as any other.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    wipeFreedMemory();
     const Tool *tool = toolFor(argc > 0 ? argv[0] : "");
     if (tool)
         return run(*tool, {argv + 1, argv + argc});

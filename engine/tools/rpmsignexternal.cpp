@@ -31,9 +31,9 @@ static void sign(Words &words)
     requirePackages(packages);
     const ClosedMemory closedMemory;
     const Key key = readKey(keyFile);
-    std::vector<Certificate> certificates;
-    certificates.push_back(readCertificate(certificateFile, key));
-    signPackages(key, certificates, packages);
+    std::vector<CertificateChain> signers;
+    signers.push_back(readCertificates(certificateFile, key));
+    signPackages(key, signers, nullptr, packages);
 }
 
 static void verify(Words &words)

@@ -1,10 +1,17 @@
 #include "signature.h"
 
 #include "failure.h"
+#include "files.h"
+#include "strength.h"
+#include "text.h"
 
 #include <algorithm>
 #include <openssl/err.h>
+#include <openssl/pem.h>
 #include <openssl/x509v3.h>
+
+// libcrypto's level of 112 bits, which all certificates on the way to a root must have.
+static constexpr int STRENGTH = 2;
 
 bool Signer::isCheckable() const
 {
@@ -23,9 +30,39 @@ bool Signer::isGenuine() const
            && (CMS_signed_get_attr_count(info) < 0 || CMS_SignerInfo_verify(info) > 0);
 }
 
+// Of the attribute that holds SHA-256 of the file signatures in the signature header (made of a
+// UUID).
+static Object fileSignaturesAttribute()
+{
+    return Object(OBJ_txt2obj("2.25.124193374718303425478391652984120570641", 1));
+}
+
+Coverage Signer::coverage() const
+{
+    const Object attribute = fileSignaturesAttribute();
+    return CMS_signed_get_attr_by_OBJ(info, attribute.get(), -1) < 0 ? Coverage::Whole
+                                                                     : Coverage::Contents;
+}
+
+// True also for a signature over the whole package, which does not have the attribute.
+static bool isOverFileSignatures(CMS_SignerInfo *info, const std::string &digest)
+{
+    constexpr int onlyOne = -3;
+    const Object attribute = fileSignaturesAttribute();
+    if (CMS_signed_get_attr_by_OBJ(info, attribute.get(), -1) < 0)
+        return true;
+    const auto *value = static_cast<const ASN1_OCTET_STRING *>(
+        CMS_signed_get0_data_by_OBJ(info, attribute.get(), onlyOne, V_ASN1_OCTET_STRING));
+    return value
+           && digest
+                  == std::string_view(reinterpret_cast<const char *>(ASN1_STRING_get0_data(value)),
+                                      static_cast<std::size_t>(ASN1_STRING_length(value)));
+}
+
 bool Signer::isOver(const PackageDigests &digests) const
 {
-    return isCheckable() && CMS_SignerInfo_verify_content(info, digests.chain()) > 0;
+    return isCheckable() && isOverFileSignatures(info, digests.ofFileSignatures())
+           && CMS_SignerInfo_verify_content(info, digests.chain(coverage())) > 0;
 }
 
 int Signer::digest() const
@@ -44,20 +81,41 @@ int Signature::digestFor(const Key &key)
     return kind;
 }
 
+static bool addSigner(CMS_ContentInfo *cms,
+                      const Key &key,
+                      const CertificateChain &certificates,
+                      const std::string &ofFileSignatures,
+                      unsigned flags)
+{
+    CMS_SignerInfo *signer =
+        CMS_add1_signer(cms, certificates.front().get(), key.get(), nullptr, flags);
+    return signer
+           && CMS_signed_add1_attr_by_OBJ(signer,
+                                          fileSignaturesAttribute().get(),
+                                          V_ASN1_OCTET_STRING,
+                                          ofFileSignatures.data(),
+                                          static_cast<int>(ofFileSignatures.size()))
+                  == 1
+           && std::all_of(
+               certificates.begin() + 1, certificates.end(), [&](const Certificate &other) {
+                   return CMS_add1_cert(cms, other.get()) == 1;
+               });
+}
+
 std::string
-Signature::make(const Key &key, const Certificate &certificate, const PackageDigests &digests)
+Signature::make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests)
 {
     ERR_clear_error();
     constexpr unsigned flags = CMS_PARTIAL | CMS_DETACHED | CMS_BINARY | CMS_NOSMIMECAP;
     const Cms cms(CMS_sign(nullptr, nullptr, nullptr, nullptr, flags));
     unsigned char *der = nullptr;
     int size = -1;
-    if (cms && CMS_add1_signer(cms.get(), certificate.get(), key.get(), nullptr, flags)
-        && CMS_dataFinal(cms.get(), digests.chain()) == 1)
+    if (cms && addSigner(cms.get(), key, certificates, digests.ofFileSignatures(), flags)
+        && CMS_dataFinal(cms.get(), digests.chain(Coverage::Contents)) == 1)
         size = i2d_CMS_ContentInfo(cms.get(), &der);
     if (size < 0) {
         const char *reason = ERR_reason_error_string(ERR_peek_last_error());
-        throw Failure("cannot sign " + digests.path() + ": " + (reason ? reason : "unknown error"));
+        throw Failure(std::string("cannot sign: ") + (reason ? reason : "unknown error"));
     }
     const std::string bytes(reinterpret_cast<char *>(der), static_cast<std::size_t>(size));
     OPENSSL_free(der);
@@ -89,26 +147,31 @@ bool Signature::hasSigned(const PackageDigests &digests) const
            });
 }
 
-std::set<int> digestsOf(const std::vector<Signature> &signatures)
+DigestKinds digestsOf(const std::vector<Signature> &signatures)
 {
-    std::set<int> kinds;
+    DigestKinds kinds;
     for (const Signature &signature : signatures)
         for (const Signer &signer : signature.signers())
-            kinds.insert(signer.digest());
+            kinds[signer.coverage()].insert(signer.digest());
     return kinds;
 }
 
 Verifier::Verifier(const std::string &rootsFile)
-    : m_rootsFile(rootsFile)
+    : m_rootsFile(printable(rootsFile))
     , m_roots(X509_STORE_new())
 {
-    if (X509_STORE_load_file(m_roots.get(), rootsFile.c_str()) != 1)
-        m_roots.reset();
+    const FileContents file("root certificate", rootsFile);
+    const BioChain bytes(BIO_new_mem_buf(file.bytes(), static_cast<int>(file.size())));
+    while (const Certificate root{PEM_read_bio_X509_AUX(bytes.get(), nullptr, nullptr, nullptr)}) {
+        X509_STORE_add_cert(m_roots.get(), root.get());
+        m_hasRoots = true;
+    }
+    X509_VERIFY_PARAM_set_auth_level(X509_STORE_get0_param(m_roots.get()), STRENGTH);
 }
 
 std::string Verifier::faultOf(const Signature &signature, const PackageDigests &digests) const
 {
-    if (!m_roots)
+    if (!m_hasRoots)
         return "no root certificate can be read from " + m_rootsFile;
     if (!signature.isReadable())
         return "it cannot be read";
@@ -147,8 +210,9 @@ std::string Verifier::faultOf(const Signer &signer, STACK_OF(X509) * certificate
         return "it cannot be read";
     if (X509_verify_cert(context.get()) != 1)
         return words(X509_STORE_CTX_get_error(context.get()));
-    // Whatever else the key may be for, it must be for signatures.
-    if ((X509_get_key_usage(signer.certificate) & (KU_DIGITAL_SIGNATURE | KU_NON_REPUDIATION)) == 0)
+    if (!isForSigning(signer.certificate))
         return words(X509_V_ERR_INVALID_PURPOSE);
+    if (!isStrong(X509_get0_pubkey(signer.certificate)) || !isStrongDigest(signer.digest()))
+        return "its key or its digest is too weak";
     return signer.isGenuine() ? "" : "it cannot be read";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "handles.h"
+#include "keys.h"
 #include "package.h"
 
 #include <set>
@@ -15,6 +16,9 @@ struct Signer
 
     /// Whether libcrypto knows how to check what this signed.
     bool isCheckable() const;
+    /// What the signature is meant to cover: without our attribute about the file signatures it is
+    /// one over the whole package.
+    Coverage coverage() const;
     /// Whether this signed the bytes that the digests are of.
     bool hasSigned(const PackageDigests &digests) const;
     /// Whether the signature is one of the certificate's key, over whichever bytes.
@@ -27,9 +31,10 @@ struct Signer
 class Signature
 {
 public:
-    /// Makes one over the bytes of the digests. Throws a Failure when libcrypto cannot.
+    /// Makes one over the contents that the digests are of by the key of the first certificate. The
+    /// others help to find the way to a root. Throws a Failure when libcrypto cannot.
     static std::string
-    make(const Key &key, const Certificate &certificate, const PackageDigests &digests);
+    make(const Key &key, const CertificateChain &certificates, const PackageDigests &digests);
     /// The digest that make() needs.
     static int digestFor(const Key &key);
 
@@ -57,13 +62,14 @@ private:
 };
 
 /// All digests that the signers of the signatures have used.
-std::set<int> digestsOf(const std::vector<Signature> &signatures);
+DigestKinds digestsOf(const std::vector<Signature> &signatures);
 
 /// Judges signatures by root certificates.
 class Verifier
 {
 public:
-    /// \a rootsFile holds certificates (PEM); nothing else is trusted.
+    /// \a rootsFile holds certificates (PEM); nothing else is trusted. Throws a Failure when it
+    /// cannot be read.
     explicit Verifier(const std::string &rootsFile);
 
     /// Why \a signature is no valid one of the package, as the end of a sentence; empty when it is.
@@ -74,4 +80,5 @@ private:
 
     const std::string m_rootsFile;
     Roots m_roots;
+    bool m_hasRoots = false;
 };

@@ -1,5 +1,7 @@
 #include "signaturetext.h"
 
+#include "text.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <openssl/x509v3.h>
@@ -7,91 +9,7 @@
 #include <vector>
 
 static constexpr std::string_view NONE = "none";
-// Who reads a dump takes it for the begin of another signature, wherever it stands.
-static constexpr std::string_view KEYWORD = "Subject";
-static constexpr std::string_view MEANINGFUL = ":/<>&";
 static constexpr std::string_view QUOTED_IN_NAMES = ",+\"\\;";
-
-struct Range
-{
-    char32_t first;
-    char32_t last;
-};
-
-// Invisible characters: controls, ends of lines and paragraphs, joiners, marks of direction.
-static constexpr Range INVISIBLE[] = {{0, 0x1f},
-                                      {0x7f, 0x9f},
-                                      {0xad, 0xad},
-                                      {0x61c, 0x61c},
-                                      {0x180e, 0x180e},
-                                      {0x200b, 0x200f},
-                                      {0x2028, 0x202e},
-                                      {0x2060, 0x206f},
-                                      {0xfe00, 0xfe0f},
-                                      {0xfeff, 0xfeff},
-                                      {0xfff0, 0xfffb},
-                                      {0xe0000, 0xe0fff}};
-
-static std::string hexadecimal(std::string_view bytes, std::string_view before = {})
-{
-    static constexpr char DIGITS[] = "0123456789ABCDEF";
-    std::string text;
-    for (const char byte : bytes) {
-        text += before;
-        text += DIGITS[static_cast<unsigned char>(byte) >> 4];
-        text += DIGITS[byte & 0xf];
-    }
-    return text;
-}
-
-// How many bytes the character at the start of the valid UTF-8 text takes.
-static std::size_t characterSize(std::string_view text)
-{
-    std::size_t size = 1;
-    while (size < text.size() && (text[size] & 0xc0) == 0x80)
-        ++size;
-    return size;
-}
-
-static char32_t codePoint(std::string_view character)
-{
-    auto code = static_cast<unsigned char>(character.front());
-    if (character.size() == 1)
-        return code;
-    char32_t result = code & (0x7fU >> character.size());
-    for (const char byte : character.substr(1))
-        result = (result << 6) | (static_cast<unsigned char>(byte) & 0x3fU);
-    return result;
-}
-
-static bool isPlain(std::string_view character)
-{
-    const char32_t code = codePoint(character);
-    return MEANINGFUL.find(character) == std::string_view::npos
-           && std::none_of(std::begin(INVISIBLE), std::end(INVISIBLE), [code](const Range &range) {
-                  return code >= range.first && code <= range.last;
-              });
-}
-
-// In a name, which is a list, there are more characters with a meaning.
-static std::string escaped(std::string_view text, std::string_view quoted)
-{
-    std::string result;
-    for (std::size_t start = 0, size = 0; start < text.size(); start += size) {
-        const std::string_view rest = text.substr(start);
-        size = characterSize(rest);
-        const std::string_view character = rest.substr(0, size);
-        const bool isOuter = start == 0 || size == rest.size();
-        if (!isPlain(character) || rest.starts_with(KEYWORD) || (isOuter && character == " ")) {
-            result += hexadecimal(character, "\\");
-            continue;
-        }
-        if (quoted.find(character) != std::string_view::npos || (start == 0 && character == "#"))
-            result += '\\';
-        result += character;
-    }
-    return result;
-}
 
 static std::string nameOf(const ASN1_OBJECT *object)
 {

@@ -4,6 +4,7 @@
 #include "files.h"
 #include "interruptions.h"
 #include "processes.h"
+#include "rpmpackage.h"
 #include "user.h"
 
 #include <coreplugin/actionmanager/actioncontainer.h>
@@ -216,7 +217,7 @@ void IdeTest::dialogSignsVerifiesDumpsAndRemoves()
     DialogDriver user;
     user.open(Core::ICore::mainWindow()->findChild<QDialog *>("SignDialog"));
     user.choose("m_comboBoxBuildTargets", "VeyraOS-5.1-x86_64");
-    writeFile(inWorkspace("package.rpm"), "\xed\xab\xee\xdbpackage");
+    writePackage(inWorkspace("package.rpm"));
     user.enter("rpmPathChooser", inWorkspace("package.rpm"));
     user.click("regularKeysButton");
     user.click("addSignaturePushButton");

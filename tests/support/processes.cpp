@@ -3,6 +3,7 @@
 #include "files.h"
 
 #include <QDir>
+#include <QFile>
 
 bool isAlive(qint64 pid)
 {
@@ -21,4 +22,32 @@ QStringList processesOf(const QString &folder)
             commandLines << QString::fromUtf8(commandLine.replace('\0', ' '));
     }
     return commandLines;
+}
+
+static QByteArray memoryOf(const QByteArray &pid)
+{
+    constexpr qint64 LARGEST = 0x4000000; // what a sanitizer reserves is larger
+    QByteArray bytes;
+    QFile memory("/proc/" + pid + "/mem");
+    if (!memory.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return bytes;
+    // "7f1200000000-7f1200021000 rw-p ..."
+    for (const QByteArray &line : readFile("/proc/" + pid + "/maps").split('\n')) {
+        const QByteArrayList range = line.left(line.indexOf(' ')).split('-');
+        const qint64 start = range.first().toLongLong(nullptr, 16);
+        const qint64 end = range.last().toLongLong(nullptr, 16);
+        if (line.contains(" rw") && end - start <= LARGEST && memory.seek(start))
+            bytes += memory.read(end - start);
+    }
+    return bytes;
+}
+
+QByteArrayList memoriesOf(qint64 pid)
+{
+    const QByteArray own = QByteArray::number(pid);
+    QByteArrayList memories{memoryOf(own)};
+    for (const QByteArray &child :
+         readFile("/proc/" + own + "/task/" + own + "/children").trimmed().split(' '))
+        memories << memoryOf(child);
+    return memories;
 }

@@ -1,6 +1,7 @@
 #include "workplace.h"
 
 #include "files.h"
+#include "rpmpackage.h"
 
 #include <brisk/installation.h>
 #include <host/buildmanager.h>
@@ -91,8 +92,7 @@ QStringList Workplace::makePackages(const Project *project, const QStringList &n
     QStringList paths;
     for (const QString &name : names) {
         paths << folder + '/' + name;
-        // The magic number of a package, then anything.
-        writeFile(paths.last(), "\xed\xab\xee\xdb" + name.toUtf8());
+        writePackage(paths.last());
     }
     return paths;
 }
