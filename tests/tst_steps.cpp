@@ -310,7 +310,9 @@ void StepsTest::survivesItsRemoval()
                 if (message.startsWith("[$] 0"))
                     m_workplace.closeProjects();
             });
-    QCOMPARE(ownMessages(runStep(step)), QStringList(START));
+    Tasking::DoneWith result = Tasking::DoneWith::Success;
+    QCOMPARE(ownMessages(runStep(step, &result)), QStringList(START));
+    QCOMPARE(result, Tasking::DoneWith::Error);
     QVERIFY(!step);
 }
 
