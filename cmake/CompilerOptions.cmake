@@ -1,7 +1,11 @@
 option(SEALKIT_SANITIZE "Build with the address and undefined behaviour sanitizers" OFF)
 option(SEALKIT_FUZZ "Build the fuzzers of fuzz/, with clang" OFF)
+option(SEALKIT_WARNINGS_ARE_ERRORS "As developers and CI have it" OFF)
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow)
+if(SEALKIT_WARNINGS_ARE_ERRORS)
+    add_compile_options(-Werror)
+endif()
 
 if(SEALKIT_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined
