@@ -12,8 +12,6 @@
 #include <veyraos/kilnkb2rpmbuildstep.h>
 #include <veyraos/kilnsdkkitaspect.h>
 
-#include <QScopeGuard>
-
 using namespace Kiln::Internal;
 using namespace Tasking;
 using ProjectExplorer::BuildStep;
@@ -89,12 +87,7 @@ void SignRun::exec()
     const std::shared_ptr<SignRun> self = shared_from_this();
     DoneResult result = DoneResult::Error;
     if (!m_stop.stop_requested()) {
-        // While this run waits for its tool, the next run of the same step may come and go.
-        const auto restoreToken =
-            qScopeGuard([tool = m_tool, outer = m_tool->setStopToken(m_stop.get_token())] {
-                if (tool)
-                    tool->setStopToken(outer);
-            });
+        m_tool->setStopToken(m_stop.get_token());
         TaskTree tree(innerRecipe());
         connect(&tree, &TaskTree::done, this, [&result](DoneWith with) {
             result = toDoneResult(with == DoneWith::Success);

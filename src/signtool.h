@@ -6,7 +6,6 @@
 #include <QPointer>
 
 #include <stop_token>
-#include <utility>
 
 namespace Sealkit::Internal {
 
@@ -37,11 +36,8 @@ public:
     bool handleIO(const QByteArray &stdOutChunk, const QByteArray &stdErrChunk, QByteArray &input);
 
     /// When \a stop is requested, the program and the prompt of each operation that begins from now
-    /// on are ended at once. Returns what held before.
-    std::stop_token setStopToken(const std::stop_token &stop)
-    {
-        return std::exchange(m_stopToken, stop);
-    }
+    /// on are ended at once.
+    void setStopToken(const std::stop_token &stop) { m_stopToken = stop; }
 
 signals:
     void addOutput(const QString &output);
