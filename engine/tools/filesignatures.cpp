@@ -4,6 +4,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <openssl/err.h>
 #include <openssl/sha.h>
 #include <set>
