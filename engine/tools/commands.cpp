@@ -155,8 +155,6 @@ static void replace(const PackagePlaces &places,
                 replacements.push_back(std::move(staged));
         });
     install(replacements, places);
-    for (const PackagePlace &place : distinct)
-        removeSignaturesBeside(place);
 }
 
 void signPackages(const Key &key,
@@ -167,6 +165,13 @@ void signPackages(const Key &key,
     const PackagePlaces places(packages, PackagePlaces::Access::Locked);
     const Signing signing{key, signers, binariesKey};
     replace(places, [&](const PackagePlace &place) { return stageSigned(place, signing); });
+    for (const PackagePlace &place : places.distinct()) {
+        try {
+            removeSignaturesBeside(place);
+        } catch (const Failure &) {
+            // It is in the package by now, and counts once.
+        }
+    }
     std::string lines;
     for (const std::string &package : packages)
         lines += "Signed: " + printable(package) + '\n';
@@ -201,6 +206,8 @@ void deleteSignatures(const Paths &packages)
                  + std::to_string(signaturesOf(Package(place.path), place).size())
                  + " signatures removed\n";
     replace(places, stageWithoutSignatures);
+    for (const PackagePlace &place : places.distinct())
+        removeSignaturesBeside(place);
     writeAll(STDOUT_FILENO, lines);
 }
 

@@ -4,16 +4,20 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <openssl/err.h>
 #include <openssl/sha.h>
 #include <set>
 
 static constexpr std::uint32_t FILE_DIGESTS_TAG = 1035;
+static constexpr std::uint32_t FILE_COLORS_TAG = 1140;
 static constexpr std::uint32_t FILE_CLASSES_TAG = 1141;
 static constexpr std::uint32_t CLASS_NAMES_TAG = 1142;
 static constexpr std::uint32_t DIGEST_ALGORITHM_TAG = 5011;
 
+// What rpm's builder has found a file to be: in its words, which format 6 lacks, and as a bit.
 static constexpr std::string_view ELF_CLASS = "ELF ";
+static constexpr std::uint32_t ELF_COLORS = 7;
 // The kind of the attribute that holds the signature, and the version.
 static constexpr std::string_view IMA_START = "\x03\x02";
 static constexpr std::size_t KEY_ID_SIZE = 4;
@@ -58,16 +62,28 @@ static std::string bytesOf(std::string_view digits)
     return result == 1 && size == bytes.size() ? bytes : std::string();
 }
 
+static std::vector<bool> elfFilesOf(const std::vector<HeaderEntry> &header)
+{
+    const std::vector<std::uint32_t> colors = entryOf(header, FILE_COLORS_TAG).numbers();
+    const std::vector<std::uint32_t> classes = entryOf(header, FILE_CLASSES_TAG).numbers();
+    const std::vector<std::string> names = entryOf(header, CLASS_NAMES_TAG).texts();
+    std::vector<bool> areElf(std::max(colors.size(), classes.size()));
+    for (std::size_t i = 0; i < areElf.size(); ++i)
+        areElf[i] = (i < colors.size() && (colors[i] & ELF_COLORS) != 0)
+                    || (i < classes.size() && classes[i] < names.size()
+                        && names[classes[i]].starts_with(ELF_CLASS));
+    return areElf;
+}
+
 static Binaries binariesOf(const Package &package)
 {
     const std::vector<HeaderEntry> header = package.header();
     const std::vector<std::string> digests = entryOf(header, FILE_DIGESTS_TAG).texts();
-    const std::vector<std::uint32_t> classes = entryOf(header, FILE_CLASSES_TAG).numbers();
-    const std::vector<std::string> names = entryOf(header, CLASS_NAMES_TAG).texts();
+    const std::vector<bool> areElf = elfFilesOf(header);
     const std::vector<std::uint32_t> algorithm = entryOf(header, DIGEST_ALGORITHM_TAG).numbers();
     Binaries binaries{digests.size(), {}, algorithm.empty() ? 0 : algorithm.front()};
-    for (std::size_t i = 0; i < std::min(digests.size(), classes.size()); ++i)
-        if (classes[i] < names.size() && names[classes[i]].starts_with(ELF_CLASS))
+    for (std::size_t i = 0; i < std::min(digests.size(), areElf.size()); ++i)
+        if (areElf[i])
             binaries.digests[i] = bytesOf(digests[i]);
     std::erase_if(binaries.digests, [](const auto &file) { return file.second.empty(); });
     return binaries;
