@@ -140,8 +140,7 @@ void HeadlessDeploy::interrupt(int signalNumber)
     m_signalNumber = signalNumber;
     emit Core::ICore::instance()->coreAboutToClose();
     m_answerer.declineAll();
-    BuildManager::cancel();
-    QCoreApplication::exit(FAILURE);
+    QCoreApplication::exit(FAILURE); // what runs is cancelled at the shutdown
 }
 
 } // namespace Workbench
