@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <unictype.h>
 #include <unistr.h>
 

@@ -24,7 +24,7 @@ QStringList processesOf(const QString &folder)
     return commandLines;
 }
 
-static QByteArray memoryOf(const QByteArray &pid)
+static QByteArray memoryOf(const QString &pid)
 {
     constexpr qint64 LARGEST = 0x4000000; // what a sanitizer reserves is larger
     QByteArray bytes;
@@ -44,10 +44,10 @@ static QByteArray memoryOf(const QByteArray &pid)
 
 QByteArrayList memoriesOf(qint64 pid)
 {
-    const QByteArray own = QByteArray::number(pid);
+    const QString own = QString::number(pid);
     QByteArrayList memories{memoryOf(own)};
-    for (const QByteArray &child :
-         readFile("/proc/" + own + "/task/" + own + "/children").trimmed().split(' '))
-        memories << memoryOf(child);
+    const QByteArray children = readFile("/proc/" + own + "/task/" + own + "/children").trimmed();
+    for (const QByteArray &child : children.split(' '))
+        memories << memoryOf(QString::fromLatin1(child));
     return memories;
 }
