@@ -221,6 +221,10 @@ void SignDialog::initPathChoosers()
         chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
         chooser->buttonAtIndex(0)->setText({});
     }
+    connect(m_ui->caCertificatePathChooser,
+            &PathChooser::rawPathChanged,
+            this,
+            &SignDialog::invalidate);
     setLastingToolTip(
         m_ui->caCertificatePathChooser,
         tr("Path to PEM-encoded bundle with root certificates. If not set, default value will be "
@@ -374,6 +378,7 @@ void SignDialog::showEngineProblem(BuildEngineInfo::Problem problem)
 void SignDialog::setTargetName(const QString &name)
 {
     m_targetName = name;
+    m_view.clearVerdict();
     m_runQueue.request({Task::FollowTarget});
 }
 
@@ -415,7 +420,8 @@ void SignDialog::setTools(const TargetToolsInfo &tools)
     m_view.showTools(tools);
     {
         // The package is looked at below, once.
-        const QSignalBlocker blocker(m_ui->rpmPathChooser);
+        const QSignalBlocker packageBlocker(m_ui->rpmPathChooser);
+        const QSignalBlocker rootBlocker(m_ui->caCertificatePathChooser);
         for (PathChooser *chooser : findChildren<PathChooser *>())
             chooser->triggerChanged();
     }
@@ -506,6 +512,12 @@ RunQueue::Show SignDialog::removeSignature()
     return [this] { invalidate(); };
 }
 
+/// Whether the package, the root and the target are those that a tool has looked at.
+bool SignDialog::isStillAsked(const PackageState &lookedAt) const
+{
+    return m_packageWatch.lastState() == lookedAt && m_targetName == m_current.name;
+}
+
 RunQueue::Show SignDialog::verifySignature()
 {
     m_view.clearVerdict();
@@ -519,7 +531,7 @@ RunQueue::Show SignDialog::verifySignature()
     const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
     return [this, result, lookedAt] {
-        if (m_packageWatch.lastState() == lookedAt)
+        if (isStillAsked(lookedAt))
             m_view.showVerdict(result, package());
     };
 }
@@ -537,7 +549,7 @@ RunQueue::Show SignDialog::dumpSignature()
     const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->dumpSignature(m_current.name, {package()});
     return [this, result, lookedAt] {
-        if (m_packageWatch.lastState() == lookedAt)
+        if (isStillAsked(lookedAt))
             m_view.showDump(QString::fromUtf8(result.stdOut));
     };
 }
@@ -546,9 +558,10 @@ RunQueue::Show SignDialog::dumpSignature()
 /// dropped.
 void SignDialog::invalidate()
 {
-    // The verdict on the last package must not stand beside another one.
+    // The verdict on the last package must not stand beside another one, nor that by the last root
+    // beside another root.
     m_view.clearVerdict();
-    m_packageWatch.lookAt(package());
+    m_packageWatch.lookAt(package(), pathOf(m_ui->caCertificatePathChooser));
     m_runQueue.request({Task::Verify, Task::Dump});
 }
 

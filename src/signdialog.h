@@ -69,6 +69,7 @@ private:
     SignTool *toolForPackage();
 
     void invalidate();
+    bool isStillAsked(const PackageState &lookedAt) const;
     void generateRequest();
     void updateOpensslInfo();
     void updateOpensslLabel();
