@@ -8,6 +8,8 @@
 
 #include <utils/utilsicons.h>
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QRegularExpression>
 
@@ -21,6 +23,8 @@ ResultView::ResultView(Ui_SignDialog *ui)
 {
     m_ui->clientSignatureTextBrowser->hide();
     m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
+    m_ui->signReasonLabel->setMaxLines(2);
+    m_ui->removeReasonLabel->setMaxLines(2);
     const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
     m_ui->clientSignatureTextBrowser->setFont(dumpFont);
@@ -73,10 +77,13 @@ void ResultView::showOpenssl(const TargetToolsInfo &tools)
     label->append(tr("Available in: Tools - Options - Veyra OS - Manage Build Targets"));
 }
 
-static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
+/// Shows \a problem, or \a success when there is none.
+static void
+showOutcome(QLabel *icon, NoteLabel *note, const QString &problem, const QString &success = {})
 {
-    icon->setPixmap((problem.isEmpty() ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
-    reason->setNote(problem, NoteLabel::Warning);
+    const bool isGood = problem.isEmpty();
+    icon->setPixmap((isGood ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
+    note->setNote(isGood ? success : problem, isGood ? NoteLabel::Information : NoteLabel::Warning);
 }
 
 static void clearOutcome(QLabel *icon, NoteLabel *reason)
@@ -85,14 +92,33 @@ static void clearOutcome(QLabel *icon, NoteLabel *reason)
     reason->setNote({});
 }
 
-void ResultView::showSigning(const QString &problem)
+static QString now()
 {
-    showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+void ResultView::showSigning(const QString &package, const QString &signers, const QString &problem)
+{
+    const QString name = QFileInfo(package).fileName();
+    const QString failure = tr("%1: signing failed at %2").arg(name, now());
+    showOutcome(m_ui->signStateLabel,
+                m_ui->signReasonLabel,
+                problem.isEmpty() ? QString() : failure + QLatin1Char('\n') + problem,
+                tr("%1: signed by %2 at %3").arg(name, signers, now()));
+}
+
+void ResultView::showRemoval(const QString &package, const QString &problem)
+{
+    const QString failure =
+        tr("%1: removing failed at %2").arg(QFileInfo(package).fileName(), now());
+    m_ui->removeReasonLabel->setNote(
+        problem.isEmpty() ? QString() : failure + QLatin1Char('\n') + problem, NoteLabel::Warning);
 }
 
 void ResultView::clearSigning()
 {
     clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
+    m_ui->removeReasonLabel->setNote({});
 }
 
 void ResultView::showRequest(const QString &problem)

@@ -25,8 +25,10 @@ public:
     /// Says what to do when openssl is lacking.
     void showOpenssl(const TargetToolsInfo &tools);
 
-    // How an operation went: an empty problem is a good end.
-    void showSigning(const QString &problem);
+    // How an operation went: an empty problem is a good end. What is said of a package names it and
+    // the time, since it stays when the user chooses another one.
+    void showSigning(const QString &package, const QString &signers, const QString &problem);
+    void showRemoval(const QString &package, const QString &problem);
     void clearSigning();
     void showRequest(const QString &problem);
     void clearRequest();

@@ -2,6 +2,7 @@
 
 #include "buildengineinfo.h"
 #include "certificatenote.h"
+#include "certificatesummary.h"
 #include "constants.h"
 #include "customersealkit.h"
 #include "requestcheck.h"
@@ -470,6 +471,16 @@ QString SignDialog::problemOfFields(const SignData &signData) const
     return isValid ? QString() : problem;
 }
 
+/// Who signs with \a signData.
+QString SignDialog::signersWith(const SignData &signData) const
+{
+    QStringList signers{signerOf(signData.certificate)};
+    const bool needsClientKey = m_current.hasRpmsignExternal;
+    if (!signData.clientCertificate.isEmpty() && !(needsClientKey && signData.clientKey.isEmpty()))
+        signers << signerOf(signData.clientCertificate);
+    return signers.join(QLatin1String(", "));
+}
+
 RunQueue::Show SignDialog::addSignature()
 {
     SignTool *tool = toolForPackage();
@@ -480,17 +491,19 @@ RunQueue::Show SignDialog::addSignature()
     const SignData signData = data();
     if (const QString problem = problemOfFields(signData); !problem.isEmpty()) {
         m_statusBar->showMessage(problem);
-        m_view.showSigning(problem);
+        m_view.showSigning(package(), {}, problem);
         invalidate();
         return {};
     }
     const bool isPairIncomplete =
         signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
+    const QString path = package();
+    const QString signers = signersWith(signData);
     const Command::Result result = tool->addSignature(m_current.name, {package()}, signData);
-    return [this, result, isPairIncomplete] {
+    return [this, result, path, signers, isPairIncomplete] {
         if (m_current.hasRpmsignExternal && isPairIncomplete)
             warnOfMissingClientSignature();
-        m_view.showSigning(problemOf(result));
+        m_view.showSigning(path, signers, problemOf(result));
         invalidate();
     };
 }
@@ -508,8 +521,13 @@ RunQueue::Show SignDialog::removeSignature()
     SignTool *tool = toolForPackage();
     if (!tool)
         return {};
-    tool->removeSignature(m_current.name, {package()});
-    return [this] { invalidate(); };
+    m_view.showRemoval({}, {});
+    const QString path = package();
+    const Command::Result result = tool->removeSignature(m_current.name, {path});
+    return [this, result, path] {
+        m_view.showRemoval(path, problemOf(result));
+        invalidate();
+    };
 }
 
 /// Whether the package, the root and the target are those that a tool has looked at.

@@ -60,6 +60,7 @@ private:
     KeyGenerationData keyGenerationData() const;
     bool verifyPath(const QString &path, bool mustExist, QString *error) const;
     QString problemOfFields(const SignData &signData) const;
+    QString signersWith(const SignData &signData) const;
 
     void setTargets(const QStringList &targets);
     void setTargetName(const QString &name);

@@ -388,7 +388,12 @@ void SignDialogTest::signsVerifiesAndRemoves()
     const PromptAnswers user({"demo"});
     click("addSignaturePushButton");
     QCOMPARE(user.prompts().size(), 1);
-    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "OK");
+    const QString signer = target == CUSTOMER_TARGET ? "CN=Customer" : "CN=Careful Developer";
+    const QString second = client.section(',', 0, 0).replace("Subject: ", ", ");
+    QVERIFY2(
+        text("signReasonLabel").startsWith("hello.rpm: signed by " + signer + second + " at 2"),
+        qPrintable(text("signReasonLabel")));
+    QCOMPARE(icon("signStateLabel"), "OK");
     QCOMPARE(verdict() + icon("verifyIconLabel"), VERIFIED + "|OK");
     QTEST(text("developerSignatureShortLabel"), "developer");
     QCOMPARE(text("clientSignatureShortLabel"), client);
@@ -410,7 +415,18 @@ void SignDialogTest::signsVerifiesAndRemoves()
     writeFile(ownRoot, readFile(inWorkspace("keys/demo_root.pem")));
     QTRY_COMPARE_WITH_TIMEOUT(verdict() + icon("verifyIconLabel"), VERIFIED + "|OK", RUN_TIMEOUT);
 
+    {
+        const WrappedProgram broken(
+            m_sdk.tool(target == CUSTOMER_TARGET ? "nxvcert-cli" : "rpmsign-external", target),
+            "delete",
+            "echo 'error: no room'; exit 1");
+        click("removeSignaturePushButton");
+        QVERIFY(text("removeReasonLabel").startsWith("hello.rpm: removing failed at 2"));
+        QCOMPARE(text("removeReasonLabel").section('\n', 1), "error: no room");
+        QCOMPARE(icon("signStateLabel"), "OK"); // is of the signing
+    }
     click("removeSignaturePushButton");
+    QCOMPARE(text("removeReasonLabel"), "");
     QCOMPARE(verdict().section('\n', 0, 0), NOT_VERIFIED + "|not signed");
     QCOMPARE(dump(), "No signatures found in package");
     QCOMPARE(text("developerSignatureShortLabel") + text("clientSignatureShortLabel"), "");
@@ -426,7 +442,9 @@ void SignDialogTest::saysWhyFieldsAreAtFault()
     Messages messages;
     click("addSignaturePushButton");
     QCOMPARE(status(), "Error: keys and certificate can't be empty"); // the binaries key is
-    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "BROKEN" + status());
+    QCOMPARE(icon("signStateLabel") + text("signReasonLabel").section('\n', 1),
+             "BROKEN" + status());
+    QVERIFY(text("signReasonLabel").startsWith("hello.rpm: signing failed at 2"));
     QCOMPARE(messages.take().filter(" --binaries-key "), QStringList());
 
     // The other target needs no binaries key. The problem is gone while its tool asks.
@@ -439,7 +457,7 @@ void SignDialogTest::saysWhyFieldsAreAtFault()
     click("addSignaturePushButton");
     QCOMPARE(meanwhile, "");
     const QString note = "No client signature was added: it needs a client key and its certificate";
-    QCOMPARE(icon("signStateLabel") + text("signReasonLabel"), "OK");
+    QCOMPARE(icon("signStateLabel"), "OK");
     QCOMPARE(status(), note);
     QCOMPARE(messages.take().filter(note), QStringList("[W]\t" + note));
 
@@ -605,7 +623,7 @@ void SignDialogTest::locksItselfDuringARun()
     child<QWidget>("addSignaturePushButton")->setFocus();
     click("addSignaturePushButton");
     QCOMPARE(meanwhile, "");
-    QCOMPARE(text("signReasonLabel"), "Cancelled: no pass phrase was given");
+    QCOMPARE(text("signReasonLabel").section('\n', 1), "Cancelled: no pass phrase was given");
     QCOMPARE(enabled(), lockable);
     QCOMPARE(messages.take().filter(" openssl version").size(), 1);
 }

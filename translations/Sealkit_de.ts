@@ -325,6 +325,18 @@
         <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
         <translation>Das Ziel %1 kann nur signieren: Ohne nxvcert-cli werden Signaturen weder angezeigt noch entfernt</translation>
     </message>
+    <message>
+        <source>%1: signing failed at %2</source>
+        <translation>%1: Signieren misslang am %2</translation>
+    </message>
+    <message>
+        <source>%1: signed by %2 at %3</source>
+        <translation>%1: signiert von %2 am %3</translation>
+    </message>
+    <message>
+        <source>%1: removing failed at %2</source>
+        <translation>%1: Entfernen misslang am %2</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternal</name>

@@ -325,6 +325,18 @@
         <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
         <translation>ターゲット %1 は署名しかできません。nxvcert-cli がないため、署名の表示と削除はできません</translation>
     </message>
+    <message>
+        <source>%1: signing failed at %2</source>
+        <translation>%1: %2 の署名に失敗しました</translation>
+    </message>
+    <message>
+        <source>%1: signed by %2 at %3</source>
+        <translation>%1: %3 に %2 が署名しました</translation>
+    </message>
+    <message>
+        <source>%1: removing failed at %2</source>
+        <translation>%1: %2 の削除に失敗しました</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternal</name>
