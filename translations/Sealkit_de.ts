@@ -544,6 +544,17 @@
     </message>
 </context>
 <context>
+    <name>Sealkit::Internal::SignTool</name>
+    <message>
+        <source>Second of two times, for the new key %1</source>
+        <translation>Zum zweiten von zwei Malen, für den neuen Schlüssel %1</translation>
+    </message>
+    <message>
+        <source>First of two times, for the new key %1</source>
+        <translation>Zum ersten von zwei Malen, für den neuen Schlüssel %1</translation>
+    </message>
+</context>
+<context>
     <name>SignDialog</name>
     <message>
         <source>Sign Packages</source>

@@ -544,6 +544,17 @@
     </message>
 </context>
 <context>
+    <name>Sealkit::Internal::SignTool</name>
+    <message>
+        <source>Second of two times, for the new key %1</source>
+        <translation>新しい鍵 %1 のパスフレーズ(2 回のうち 2 回目)</translation>
+    </message>
+    <message>
+        <source>First of two times, for the new key %1</source>
+        <translation>新しい鍵 %1 のパスフレーズ(2 回のうち 1 回目)</translation>
+    </message>
+</context>
+<context>
     <name>SignDialog</name>
     <message>
         <source>Sign Packages</source>
