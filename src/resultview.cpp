@@ -1,6 +1,7 @@
 #include "resultview.h"
 
 #include "command.h"
+#include "keyfile.h"
 #include "targettoolsinfo.h"
 #include "toolreason.h"
 #include "ui_signdialog.h"
@@ -24,6 +25,16 @@ ResultView::ResultView(Ui_SignDialog *ui)
     m_ui->clientSignatureTextBrowser->hide();
     m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
     m_ui->signReasonLabel->setMaxLines(2);
+    // These stand above buttons.
+    for (NoteLabel *note : {m_ui->toolsNoteLabel,
+                            m_ui->developerKeyNoteLabel,
+                            m_ui->developerCertificateNoteLabel,
+                            m_ui->clientKeyNoteLabel,
+                            m_ui->clientCertificateNoteLabel,
+                            m_ui->caCertificateNoteLabel,
+                            m_ui->generatedKeyNoteLabel}) {
+        note->reserveRoom();
+    }
     m_ui->removeReasonLabel->setMaxLines(2);
     const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
@@ -61,6 +72,8 @@ void ResultView::showTools(const TargetToolsInfo &tools)
     m_ui->dumpPushButton->setVisible(canInspect);
     m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
     m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
+    m_ui->binaryKeyNoteLabel->setVisible(needsBinaryKey
+                                         && !m_ui->binaryKeyNoteLabel->text().isEmpty());
     m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
     m_ui->toolsNoteLabel->setNote(missingTools(tools), NoteLabel::Warning);
 }
@@ -121,14 +134,44 @@ void ResultView::clearSigning()
     m_ui->removeReasonLabel->setNote({});
 }
 
-void ResultView::showRequest(const QString &problem)
+void ResultView::showRequest(const QString &problem, const QString &usedKey, const QString &request)
 {
-    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem);
+    const QString kind = keyKindOfRequest(request);
+    const QString used = usedKey.isEmpty()
+                             ? QString()
+                             : tr("The existing key %1 was used (%2)")
+                                   .arg(usedKey, kind.isEmpty() ? tr("unknown kind") : kind);
+    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem, used);
+}
+
+void ResultView::showKeyToUse(const QString &path)
+{
+    const bool exists = QFileInfo::exists(path);
+    const bool isKey = holdsPrivateKey(path);
+    const QString note = isKey ? tr("This key exists and is used as it is, whatever its algorithm")
+                               : tr("There is no private key in this file");
+    m_ui->generatedKeyNoteLabel->setNote(exists ? note : QString(),
+                                         isKey ? NoteLabel::Information : NoteLabel::Warning);
+    for (QWidget *option : {static_cast<QWidget *>(m_ui->generationKeyAlgoComboBox),
+                            static_cast<QWidget *>(m_ui->generationKeyEncryptCheckBox)}) {
+        option->setEnabled(!exists);
+        option->setToolTip(exists ? note : QString());
+    }
 }
 
 void ResultView::clearRequest()
 {
     clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
+}
+
+void ResultView::forgetReason(const QString &reason)
+{
+    if (m_ui->generateReasonLabel->text() == reason)
+        clearRequest();
+    const QString signing = m_ui->signReasonLabel->text();
+    const QString ending = QLatin1Char('\n') + reason;
+    if (signing.endsWith(ending))
+        m_ui->signReasonLabel->setNote(signing.chopped(ending.size()), NoteLabel::Warning);
 }
 
 /// What a tool says about the signatures of \a package that it rejects, a line for each.

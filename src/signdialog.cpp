@@ -93,10 +93,20 @@ SignDialog::SignDialog(QWidget *parent)
                  m_ui->genReqButton};
     initKeyGeneration();
     initRegularKeys();
-    followCertificate(m_ui->developerCertificateNoteLabel, m_ui->developerCertificatePathChooser);
-    followCertificate(m_ui->clientCertificateNoteLabel, m_ui->clientCertificatePathChooser);
+    followKey(m_ui->binaryKeyNoteLabel, m_ui->binaryKeyPathChooser);
+    followKey(m_ui->developerKeyNoteLabel, m_ui->developerKeyPathChooser);
+    followKey(m_ui->clientKeyNoteLabel, m_ui->clientKeyPathChooser);
+    followCertificate(m_ui->developerCertificateNoteLabel,
+                      m_ui->developerCertificatePathChooser,
+                      m_ui->developerKeyPathChooser);
+    followCertificate(m_ui->clientCertificateNoteLabel,
+                      m_ui->clientCertificatePathChooser,
+                      m_ui->clientKeyPathChooser);
     followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
+    connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::forgetFieldMessage);
+    for (QLineEdit *edit : findChildren<QLineEdit *>())
+        connect(edit, &QLineEdit::textChanged, this, &SignDialog::forgetFieldMessage);
     connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
         if (isVisible()) // else showEvent() has the package looked at
             invalidate();
@@ -141,8 +151,10 @@ void SignDialog::dropEvent(QDropEvent *event)
 void SignDialog::changeEvent(QEvent *event)
 {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
         m_packageWatch.compare();
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
+    }
 }
 
 SignDialog::~SignDialog()
@@ -253,10 +265,17 @@ void SignDialog::connectButtons()
 void SignDialog::initStatusBar()
 {
     m_statusBar = new QStatusBar(this);
+    // The bar ends beside the buttons; the grip belongs into the corner of the window.
+    m_statusBar->setSizeGripEnabled(false);
+    setSizeGripEnabled(true);
     auto *busyIndicator = createBusyIndicator();
     m_statusBar->addPermanentWidget(busyIndicator);
     m_ui->statusBarLayout->addWidget(m_statusBar);
     connect(&m_runQueue, &RunQueue::lockChanged, this, &SignDialog::processButtonOperation);
+    connect(&m_runQueue, &RunQueue::lockChanged, this, [this](bool locked) {
+        if (locked)
+            forgetFieldMessage();
+    });
     connect(&m_runQueue, &RunQueue::lockChanged, busyIndicator, &QProgressBar::setVisible);
     // A message that quotes a tool can be longer than the bar.
     connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
@@ -283,6 +302,10 @@ void SignDialog::initKeyGeneration()
 {
     m_ui->generationKeyAlgoComboBox->insertItem(RSA, tr("RSA (2048)"));
     m_ui->generationKeyAlgoComboBox->insertItem(GOST, tr("GOST R 34.10-2012 (256)"));
+
+    connect(m_ui->generatedKeyPathChooser, &PathChooser::textChanged, this, [this] {
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
+    });
 
     const QSettings settings;
     const int algorithm = settings.value(Constants::KEY_GENERATION_HISTORY_ALGORYTHM, 0).toInt();
@@ -490,7 +513,7 @@ RunQueue::Show SignDialog::addSignature()
     m_statusBar->clearMessage();
     const SignData signData = data();
     if (const QString problem = problemOfFields(signData); !problem.isEmpty()) {
-        m_statusBar->showMessage(problem);
+        showFieldMessage(problem);
         m_view.showSigning(package(), {}, problem);
         invalidate();
         return {};
@@ -512,8 +535,23 @@ void SignDialog::warnOfMissingClientSignature()
 {
     const QString warning =
         tr("No client signature was added: it needs a client key and its certificate");
-    m_statusBar->showMessage(warning);
+    showFieldMessage(warning);
     logWarning(warning);
+}
+
+void SignDialog::showFieldMessage(const QString &message)
+{
+    m_fieldMessage = message;
+    m_statusBar->showMessage(message);
+}
+
+void SignDialog::forgetFieldMessage()
+{
+    if (m_fieldMessage.isEmpty())
+        return;
+    if (m_statusBar->currentMessage() == m_fieldMessage)
+        m_statusBar->clearMessage();
+    m_view.forgetReason(std::exchange(m_fieldMessage, {}));
 }
 
 RunQueue::Show SignDialog::removeSignature()
@@ -593,17 +631,20 @@ RunQueue::Show SignDialog::makeRequest()
 {
     const KeyGenerationData keyData = keyGenerationData();
     if (const QString problem = whyNoRequest(keyData); !problem.isEmpty()) {
-        m_statusBar->showMessage(problem);
-        m_view.showRequest(problem);
+        showFieldMessage(problem);
+        m_view.showRequest(problem, {}, {});
         return {};
     }
     SignTool *tool = signTool();
     if (!tool)
         return {};
     m_view.clearRequest();
+    const QString usedKey = keyData.keyPath.exists() ? keyData.keyPath.toFSPathString() : QString();
+    const QString request = keyData.requestPath.toFSPathString();
     const Command::Result result = tool->generateRequest(m_current.name, keyData);
-    return [this, result] {
-        m_view.showRequest(problemOf(result));
+    return [this, result, usedKey, request] {
+        m_view.showRequest(problemOf(result), usedKey, request);
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
         if (!result.succeeded()) {
             m_statusBar->showMessage(
                 tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));

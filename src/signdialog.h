@@ -75,6 +75,8 @@ private:
     void updateOpensslInfo();
     void updateOpensslLabel();
     void warnOfMissingClientSignature();
+    void showFieldMessage(const QString &message);
+    void forgetFieldMessage();
     void processButtonOperation(bool running);
 
     // The tasks; called by the queue alone.
@@ -97,6 +99,7 @@ private:
     ResultView m_view;
     QList<QPushButton *> m_buttons;
     QStatusBar *m_statusBar = nullptr;
+    QString m_fieldMessage;  ///< holds until a field changes or the next run begins
     std::stop_source m_stop; ///< ends the tool that runs when the dialog is deleted
     RunQueue m_runQueue;
 };

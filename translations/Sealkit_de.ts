@@ -152,6 +152,22 @@
         <source>The request would overwrite %1, which is no certificate signing request</source>
         <translation>Die Zertifikatsanforderung würde %1 überschreiben, das keine Zertifikatsanforderung ist</translation>
     </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>In dieser Datei ist kein privater Schlüssel</translation>
+    </message>
+    <message>
+        <source>It belongs to another key. %1</source>
+        <translation>Es gehört zu einem anderen Schlüssel. %1</translation>
+    </message>
+    <message>
+        <source>The two pass phrases differ (Verify failure)</source>
+        <translation>Die beiden Passphrasen sind verschieden (Verify failure)</translation>
+    </message>
+    <message>
+        <source>A pass phrase has 4 to 1024 bytes (%1)</source>
+        <translation>Eine Passphrase hat 4 bis 1024 Byte (%1)</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -336,6 +352,22 @@
     <message>
         <source>%1: removing failed at %2</source>
         <translation>%1: Entfernen misslang am %2</translation>
+    </message>
+    <message>
+        <source>The existing key %1 was used (%2)</source>
+        <translation>Der vorhandene Schlüssel %1 wurde verwendet (%2)</translation>
+    </message>
+    <message>
+        <source>unknown kind</source>
+        <translation>unbekannte Art</translation>
+    </message>
+    <message>
+        <source>This key exists and is used as it is, whatever its algorithm</source>
+        <translation>Diesen Schlüssel gibt es schon; er wird verwendet, wie er ist, gleich mit welchem Algorithmus</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>In dieser Datei ist kein privater Schlüssel</translation>
     </message>
 </context>
 <context>

@@ -152,6 +152,22 @@
         <source>The request would overwrite %1, which is no certificate signing request</source>
         <translation>証明書署名要求ではない %1 が要求で上書きされてしまいます</translation>
     </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>このファイルに秘密鍵はありません</translation>
+    </message>
+    <message>
+        <source>It belongs to another key. %1</source>
+        <translation>別の鍵の証明書です。%1</translation>
+    </message>
+    <message>
+        <source>The two pass phrases differ (Verify failure)</source>
+        <translation>2 回のパスフレーズが異なります (Verify failure)</translation>
+    </message>
+    <message>
+        <source>A pass phrase has 4 to 1024 bytes (%1)</source>
+        <translation>パスフレーズは 4 ～ 1024 バイトです (%1)</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -336,6 +352,22 @@
     <message>
         <source>%1: removing failed at %2</source>
         <translation>%1: %2 の削除に失敗しました</translation>
+    </message>
+    <message>
+        <source>The existing key %1 was used (%2)</source>
+        <translation>既存の鍵 %1 を使用しました (%2)</translation>
+    </message>
+    <message>
+        <source>unknown kind</source>
+        <translation>種類不明</translation>
+    </message>
+    <message>
+        <source>This key exists and is used as it is, whatever its algorithm</source>
+        <translation>この鍵は既に存在し、アルゴリズムにかかわらずそのまま使用されます</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>このファイルに秘密鍵はありません</translation>
     </message>
 </context>
 <context>
