@@ -25,14 +25,16 @@ ResultView::ResultView(Ui_SignDialog *ui)
     m_ui->clientSignatureTextBrowser->hide();
     m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
     m_ui->signReasonLabel->setMaxLines(2);
-    // These stand above buttons.
+    // These stand above buttons, or beside a mark that keeps its place.
     for (NoteLabel *note : {m_ui->toolsNoteLabel,
                             m_ui->developerKeyNoteLabel,
                             m_ui->developerCertificateNoteLabel,
                             m_ui->clientKeyNoteLabel,
                             m_ui->clientCertificateNoteLabel,
                             m_ui->caCertificateNoteLabel,
-                            m_ui->generatedKeyNoteLabel}) {
+                            m_ui->generatedKeyNoteLabel,
+                            m_ui->signReasonLabel,
+                            m_ui->generateReasonLabel}) {
         note->reserveRoom();
     }
     m_ui->removeReasonLabel->setMaxLines(2);

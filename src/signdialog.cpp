@@ -13,6 +13,7 @@
 #include "utils.h"
 
 #include <coreplugin/fileutils.h>
+#include <coreplugin/icore.h>
 #include <coreplugin/messagemanager.h>
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
@@ -255,11 +256,19 @@ void SignDialog::connectButtons()
     onClick(m_ui->dumpPushButton, Task::Dump);
     connect(m_ui->genReqButton, &QPushButton::clicked, this, &SignDialog::generateRequest);
     connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
-        QDesktopServices::openUrl(QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE)));
-    });
+    connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, &SignDialog::openHelp);
     // Only this button removes something.
     m_ui->removeSignaturePushButton->setIcon(style()->standardIcon(QStyle::SP_TrashIcon));
+}
+
+/// Opens the guide that is installed with the plugin; without one, the page on package signing.
+void SignDialog::openHelp()
+{
+    const FilePath guide = Core::ICore::resourcePath(QLatin1String(Constants::USER_GUIDE));
+    const QUrl url = guide.exists() ? QUrl::fromLocalFile(guide.toFSPathString())
+                                    : QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE));
+    if (!QDesktopServices::openUrl(url))
+        m_statusBar->showMessage(tr("No browser opened %1").arg(url.toString()));
 }
 
 void SignDialog::initStatusBar()

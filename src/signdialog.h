@@ -51,6 +51,7 @@ private:
 
     void initPathChoosers();
     void connectButtons();
+    void openHelp();
     void initStatusBar();
     void initBuildEngine();
     void initKeyGeneration();

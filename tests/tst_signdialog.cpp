@@ -13,6 +13,7 @@
 #include "wrappedprogram.h"
 
 #include <brisk/installation.h>
+#include <host/application.h>
 #include <utils/pathchooser.h>
 
 #include <QtWidgets>
@@ -161,7 +162,7 @@ void SignDialogTest::offersWhatTheTargetHas()
         shown << "requests";
     QCOMPARE(shown.join(' '), offered);
     QTEST(text("toolsNoteLabel"), "missing");
-    QVERIFY(child<QLabel>("signReasonLabel")->isHidden());
+    QVERIFY(child<QLabel>("removeReasonLabel")->isHidden());
     const QSize least = dialog->minimumSizeHint();
     QVERIFY2(least.width() <= 1024 && least.height() <= 700, qPrintable(QDebug::toString(least)));
 
@@ -292,10 +293,23 @@ void SignDialogTest::offersTheRegularPair()
 void SignDialogTest::opensItsHelp()
 {
     openOn();
-    QDesktopServices::setUrlHandler("https", this, "browse");
-    child<QDialogButtonBox>()->button(QDialogButtonBox::Help)->click();
-    QDesktopServices::unsetUrlHandler("https");
+    auto *help = child<QDialogButtonBox>()->button(QDialogButtonBox::Help);
+    for (const QString scheme : {"https", "file"})
+        QDesktopServices::setUrlHandler(scheme, this, "browse");
+    help->click();
     QVERIFY(m_browsed.path().endsWith("/package_signing"));
+    const QTemporaryDir installed;
+    const QString guide = installed.filePath("doc/qtcreator/sealkit/user-guide.html");
+    writeFile(guide, "<html>");
+    QVERIFY(QDir().mkpath(installed.filePath("qtcreator")));
+    Core::Host::setResourcePath(Utils::FilePath::fromString(installed.filePath("qtcreator")));
+    help->click();
+    QCOMPARE(QDir::cleanPath(m_browsed.toLocalFile()), guide);
+    for (const QString scheme : {"https", "file"})
+        QDesktopServices::unsetUrlHandler(scheme);
+    help->click();
+    QVERIFY2(status().startsWith("No browser opened file:///"), qPrintable(status()));
+    Core::Host::setResourcePath({});
     child<QDialogButtonBox>()->button(QDialogButtonBox::Close)->click();
     QVERIFY(!dialog->isVisible());
 }
@@ -539,7 +553,7 @@ void SignDialogTest::makesKeysAndRequests()
     watch.callOnTimeout([&] { permissions |= QFile::permissions(key); });
     watch.start(1);
     const mode_t mask = umask(0);
-    const PromptAnswers prompts({"Пароль 1", "Пароль 1", "Пароль 1"});
+    const PromptAnswers prompts(QStringList(4, "Пароль 1"));
     click("genReqButton");
     umask(mask);
     permissions |= QFile::permissions(key);
@@ -563,7 +577,6 @@ void SignDialogTest::makesKeysAndRequests()
                                    child<QCheckBox>("generationKeyEncryptCheckBox")};
     for (const QWidget *option : keyOptions)
         QVERIFY(!option->isEnabled() && option->toolTip() == text("generatedKeyNoteLabel"));
-    m_answers = std::make_unique<PromptAnswers>(QStringList{"Пароль 1"});
     click("genReqButton");
     const QString kind = algorithm == GOST ? "GOST R 34.10-2012 (256)" : "RSA";
     QCOMPARE(text("generateReasonLabel"), "The existing key " + key + " was used (" + kind + ')');

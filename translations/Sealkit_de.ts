@@ -528,6 +528,10 @@
         <source>No client signature was added: it needs a client key and its certificate</source>
         <translation>Es wurde keine Client-Signatur hinzugefügt: Sie braucht einen Client-Schlüssel und sein Zertifikat</translation>
     </message>
+    <message>
+        <source>No browser opened %1</source>
+        <translation>Kein Browser öffnete %1</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignOptionsPage</name>

@@ -528,6 +528,10 @@
         <source>No client signature was added: it needs a client key and its certificate</source>
         <translation>クライアントの署名は追加されませんでした。クライアントの鍵とその証明書の両方が必要です</translation>
     </message>
+    <message>
+        <source>No browser opened %1</source>
+        <translation>%1 を開くブラウザがありません</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignOptionsPage</name>
