@@ -130,6 +130,14 @@ void SignDialog::showEvent(QShowEvent *event)
         invalidate();
 }
 
+/// Only where a program has moved a window is it shown again, and not where its user has.
+void SignDialog::hideEvent(QHideEvent *event)
+{
+    if (!event->spontaneous())
+        move(pos());
+    QDialog::hideEvent(event);
+}
+
 /// The path of the package that is dragged; empty when the user drags something else.
 static QString draggedPackage(const QMimeData *data)
 {

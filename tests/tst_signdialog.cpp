@@ -633,6 +633,9 @@ void SignDialogTest::remembersChoices()
     choose("m_comboBoxBuildTargets", BARE_TARGET);
     const QSize size = dialog->size() + QSize(30, 20);
     dialog->resize(size);
+    dialog->setAttribute(Qt::WA_Moved, false); // as when a window manager has moved it
+    dialog->hide();
+    QVERIFY(dialog->testAttribute(Qt::WA_Moved)); // else it would be centred when it is shown again
     delete dialog;
 
     delete new SignDialog(nullptr); // gone before it knows a target
