@@ -1,4 +1,4 @@
-# What is installed is the plugin and its translations. The archive holds the same, laid out to be
+# What is installed is the plugin, its translations and its guide. The archive holds the same, laid out to be
 # unpacked into the folder of an IDE.
 set(CPACK_GENERATOR TGZ)
 set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)

@@ -30,6 +30,13 @@ static QString subjectOf(const QSslCertificate &certificate)
     return texts.isEmpty() ? certificate.subjectDisplayName() : texts.join(QLatin1String(", "));
 }
 
+QString signerOf(const QString &path)
+{
+    const QSslCertificate certificate = QSslCertificate::fromData(readKeyFile(path)).value(0);
+    const QString name = certificate.subjectInfo(QSslCertificate::CommonName).value(0).simplified();
+    return name.isEmpty() ? QFileInfo(path).fileName() : QLatin1String("CN=") + name;
+}
+
 CertificateSummary summarizeCertificate(const QString &path, const QDateTime &now)
 {
     const QSslCertificate certificate = QSslCertificate::fromData(readKeyFile(path)).value(0);

@@ -19,4 +19,8 @@ struct CertificateSummary
 CertificateSummary summarizeCertificate(const QString &path,
                                         const QDateTime &now = QDateTime::currentDateTimeUtc());
 
+/// Who signs with the certificate at \a path, as in "CN=Regular Developer"; the file's name when
+/// that cannot be read.
+QString signerOf(const QString &path);
+
 } // namespace Sealkit::Internal

@@ -106,6 +106,8 @@ using Kiln::Constants::KILN_OPTIONS_CATEGORY;
 using Kiln::Constants::KILN_TOOLS_MENU;
 
 // The read-more link of the signature notes, and the dialog's help
+/// Beside the folder of the IDE's resources.
+const char USER_GUIDE[] = "../doc/qtcreator/sealkit/user-guide.html";
 const char PACKAGE_SIGNING_PAGE[] =
     "https://developer.veyraos.example/doc/sdk/app_development/packaging/package_signing";
 

@@ -38,8 +38,14 @@ CustomerSignStepWidget::CustomerSignStepWidget(Kiln::Internal::KilnProcessStep *
     initPathChooser(m_ui->packagesCertPathChooser, {tr("Select packages certificate"), isInShared});
     initPathChooser(m_ui->packagesClientCertPathChooser,
                     {tr("Select packages client certificate"), isEmptyOrInShared});
-    followCertificate(m_ui->packagesCertNoteLabel, m_ui->packagesCertPathChooser);
-    followCertificate(m_ui->packagesClientCertNoteLabel, m_ui->packagesClientCertPathChooser);
+    followKey(m_ui->binariesKeyNoteLabel, m_ui->binariesKeyPathChooser);
+    followKey(m_ui->packagesKeyNoteLabel, m_ui->packagesKeyPathChooser);
+    // One key serves both certificates.
+    followCertificate(
+        m_ui->packagesCertNoteLabel, m_ui->packagesCertPathChooser, m_ui->packagesKeyPathChooser);
+    followCertificate(m_ui->packagesClientCertNoteLabel,
+                      m_ui->packagesClientCertPathChooser,
+                      m_ui->packagesKeyPathChooser);
 
     connect(m_ui->signDebugPackageCheckBox, &QCheckBox::clicked, this, &Self::signDebugPackages);
 }

@@ -61,6 +61,36 @@ bool holdsCertificate(const QString &path)
     return !QSslCertificate::fromData(readKeyFile(path)).isEmpty();
 }
 
+/// The first block in \a pem, decoded.
+static QByteArray derOf(const QByteArray &pem)
+{
+    QByteArray base64;
+    for (const QByteArray &line : pem.mid(pem.indexOf("-----BEGIN")).split('\n').mid(1)) {
+        if (line.startsWith("-----END"))
+            break;
+        base64 += line.trimmed();
+    }
+    return QByteArray::fromBase64(base64);
+}
+
+QString keyKindOfRequest(const QString &path)
+{
+    const struct
+    {
+        QByteArray algorithm; ///< the number by which certificates and requests name it
+        const char *name;
+    } kinds[] = {{QByteArray::fromHex("06092a864886f70d010101"), "RSA"},
+                 {QByteArray::fromHex("06072a8648ce3d0201"), "EC"},
+                 {QByteArray::fromHex("06082a85030701010101"), "GOST R 34.10-2012 (256)"},
+                 {QByteArray::fromHex("06082a85030701010102"), "GOST R 34.10-2012 (512)"}};
+    const QByteArray der = derOf(readKeyFile(path));
+    for (const auto &kind : kinds) {
+        if (der.contains(kind.algorithm))
+            return QLatin1String(kind.name);
+    }
+    return {};
+}
+
 /// What is inside of the sequence's last element, a bit string: the modulus and the exponent of an
 /// RSA key, the point of one on a curve. A private key has the same bytes in it.
 static QByteArrayView publicPart(QByteArrayView subjectPublicKeyInfo)

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 #include <optional>
-
-class QString;
 
 namespace Sealkit::Internal {
 
@@ -19,6 +18,10 @@ bool holdsPrivateKey(const QString &path);
 /// Whether a certificate signing request is in the file, as openssl writes it.
 bool holdsRequest(const QString &path);
 bool holdsCertificate(const QString &path);
+
+/// Of which kind the key is that the certificate signing request at \a path was made with; empty
+/// when that cannot be told.
+QString keyKindOfRequest(const QString &path);
 
 /// Whether the first certificate in one file is about the private key in the other. Nothing when
 /// that cannot be told, as of an encrypted key or of an algorithm that Qt does not know.

@@ -21,8 +21,15 @@ void NoteLabel::setNote(const QString &text, Kind kind)
     setText(text);
     setToolTip(text.isEmpty() ? QString()
                               : QStringLiteral("<qt>%1</qt>").arg(Qt::convertFromPlainText(text)));
-    setVisible(!text.isEmpty());
+    setVisible(m_reservesRoom || !text.isEmpty());
     updateGeometry();
+}
+
+void NoteLabel::reserveRoom()
+{
+    // A form layout takes no notice of a size policy that retains the size of what is hidden.
+    m_reservesRoom = true;
+    show();
 }
 
 QStringList NoteLabel::shownLines() const

@@ -15,8 +15,11 @@ public:
 
     explicit NoteLabel(QWidget *parent = nullptr);
 
-    /// At most \a maxLines lines of \a text show; an empty one hides the label.
+    /// At most \a maxLines lines of \a text show; an empty one hides the label that reserves no
+    /// room.
     void setNote(const QString &text, Kind kind = Information);
+    /// Keeps the room of a line while there is no text, so that nothing moves when there is one.
+    void reserveRoom();
     void setMaxLines(int maxLines) { m_maxLines = maxLines; }
 
     QSize sizeHint() const override;
@@ -28,6 +31,7 @@ protected:
 private:
     QStringList shownLines() const;
 
+    bool m_reservesRoom = false;
     int m_maxLines = 1;
     Kind m_kind = Information;
 };

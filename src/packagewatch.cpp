@@ -22,9 +22,10 @@ PackageWatch::PackageWatch()
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, compareSoon);
 }
 
-void PackageWatch::lookAt(const QString &package)
+void PackageWatch::lookAt(const QString &package, const QString &root)
 {
     m_package = package;
+    m_root = root;
     m_lastState = currentState();
     followFiles();
 }
@@ -46,6 +47,8 @@ QStringList PackageWatch::files() const
     const QFileInfo package(m_package);
     const QString name = package.fileName();
     QStringList paths;
+    if (QFileInfo::exists(m_root))
+        paths << m_root;
     for (const QString &file : package.dir().entryList(QDir::Files | QDir::Hidden)) {
         if (file == name || file.startsWith(name + QLatin1Char('.')))
             paths << package.dir().filePath(file);
@@ -55,7 +58,7 @@ QStringList PackageWatch::files() const
 
 PackageState PackageWatch::currentState() const
 {
-    PackageState state{m_package, {}};
+    PackageState state{m_package, m_root, {}};
     for (const QString &path : files())
         state.files << FileState{path, QFileInfo(path).metadataChangeTime()};
     return state;
@@ -66,11 +69,14 @@ PackageState PackageWatch::currentState() const
 void PackageWatch::followFiles()
 {
     QStringList wanted = files();
-    if (!m_package.isEmpty()) {
-        QString folder = QFileInfo(m_package).absolutePath();
+    for (const QString &path : {m_package, m_root}) {
+        if (path.isEmpty() || m_package.isEmpty())
+            continue;
+        QString folder = QFileInfo(path).absolutePath();
         while (!QFileInfo::exists(folder))
             folder = QFileInfo(folder).absolutePath();
-        wanted << folder;
+        if (!wanted.contains(folder))
+            wanted << folder;
     }
     for (const QString &path : m_watcher.files() + m_watcher.directories()) {
         if (wanted.removeAll(path) == 0)

@@ -17,17 +17,19 @@ struct FileState
     friend bool operator==(const FileState &, const FileState &) = default;
 };
 
-/// A package and what lies beside it under its name and an ending.
+/// A package and what lies beside it under its name and an ending, and the root certificates that
+/// it is judged by.
 struct PackageState
 {
     QString package;
+    QString root;
     QList<FileState> files;
 
     friend bool operator==(const PackageState &, const PackageState &) = default;
 };
 
 /// Notices when a package changes on disk, or a file beside it whose name is that of the package
-/// and an ending, such as a signature. The package need not exist yet.
+/// and an ending, such as a signature, or the root certificates. None of them need exist yet.
 class PackageWatch : public QObject
 {
     Q_OBJECT
@@ -35,8 +37,8 @@ class PackageWatch : public QObject
 public:
     PackageWatch();
 
-    /// Watches \a package from now on; an empty path watches nothing.
-    void lookAt(const QString &package);
+    /// Watches \a package and the file \a root from now on; an empty path watches nothing.
+    void lookAt(const QString &package, const QString &root);
     /// Compares the files with their last state at once, since some file systems announce no
     /// changes.
     void compare();
@@ -52,6 +54,7 @@ private:
     void followFiles();
 
     QString m_package;
+    QString m_root;
     PackageState m_lastState;
     QFileSystemWatcher m_watcher;
     QTimer m_timer;

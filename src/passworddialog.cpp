@@ -13,7 +13,7 @@
 
 namespace Sealkit::Internal {
 
-PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
+PasswordDialogPrivate::PasswordDialogPrivate(const QString &text, const PromptHints &hints)
     : m_passwordLineEdit(new QLineEdit)
     , m_errorLabel(new QLabel)
 {
@@ -24,6 +24,8 @@ PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
     promptLabel->setTextFormat(Qt::PlainText);
     m_passwordLineEdit->setEchoMode(QLineEdit::Password);
     m_errorLabel->setStyleSheet(QStringLiteral("color: red"));
+    m_errorLabel->setTextFormat(Qt::PlainText);
+    m_errorLabel->setWordWrap(true);
     m_errorLabel->hide();
 
     auto *formLayout = new QFormLayout;
@@ -35,10 +37,17 @@ PasswordDialogPrivate::PasswordDialogPrivate(const QString &text)
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(promptLabel);
+    if (!hints.note.isEmpty()) {
+        auto *noteLabel = new QLabel(hints.note);
+        noteLabel->setTextFormat(Qt::PlainText);
+        layout->addWidget(noteLabel);
+    }
     layout->addLayout(formLayout);
     layout->addWidget(m_errorLabel);
     layout->addWidget(buttonBox);
 
+    if (!hints.problem.isEmpty())
+        showError(hints.problem);
     m_passwordLineEdit->setFocus(Qt::OtherFocusReason);
 }
 
@@ -67,13 +76,16 @@ void PasswordDialogPrivate::showError(const QString &text)
     m_errorLabel->show();
 }
 
-QString PasswordDialog::getPassord(const QString &text, bool *ok, std::stop_token stop)
+QString PasswordDialog::getPassord(const QString &text,
+                                   bool *ok,
+                                   std::stop_token stop,
+                                   const PromptHints &hints)
 {
     *ok = false;
     if (isIdeClosing() || stop.stop_requested())
         return {};
 
-    auto *dialog = new PasswordDialogPrivate(text);
+    auto *dialog = new PasswordDialogPrivate(text, hints);
     // When the IDE closes, an open dialog would keep it from ending.
     QObject::connect(Core::ICore::instance(),
                      &Core::ICore::coreAboutToClose,

@@ -1,6 +1,7 @@
 #include "resultview.h"
 
 #include "command.h"
+#include "keyfile.h"
 #include "targettoolsinfo.h"
 #include "toolreason.h"
 #include "ui_signdialog.h"
@@ -8,6 +9,8 @@
 
 #include <utils/utilsicons.h>
 
+#include <QDateTime>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QRegularExpression>
 
@@ -21,6 +24,20 @@ ResultView::ResultView(Ui_SignDialog *ui)
 {
     m_ui->clientSignatureTextBrowser->hide();
     m_ui->verifyReasonLabel->setMaxLines(MAX_REASONS);
+    m_ui->signReasonLabel->setMaxLines(2);
+    // These stand above buttons, or beside a mark that keeps its place.
+    for (NoteLabel *note : {m_ui->toolsNoteLabel,
+                            m_ui->developerKeyNoteLabel,
+                            m_ui->developerCertificateNoteLabel,
+                            m_ui->clientKeyNoteLabel,
+                            m_ui->clientCertificateNoteLabel,
+                            m_ui->caCertificateNoteLabel,
+                            m_ui->generatedKeyNoteLabel,
+                            m_ui->signReasonLabel,
+                            m_ui->generateReasonLabel}) {
+        note->reserveRoom();
+    }
+    m_ui->removeReasonLabel->setMaxLines(2);
     const QFont dumpFont = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     m_ui->developerSignatureTextBrowser->setFont(dumpFont);
     m_ui->clientSignatureTextBrowser->setFont(dumpFont);
@@ -57,6 +74,8 @@ void ResultView::showTools(const TargetToolsInfo &tools)
     m_ui->dumpPushButton->setVisible(canInspect);
     m_ui->binaryKeyLabel->setVisible(needsBinaryKey);
     m_ui->binaryKeyPathChooser->setVisible(needsBinaryKey);
+    m_ui->binaryKeyNoteLabel->setVisible(needsBinaryKey
+                                         && !m_ui->binaryKeyNoteLabel->text().isEmpty());
     m_ui->tabWidget->setTabVisible(REQUEST_TAB, hasRpmsignExternal);
     m_ui->toolsNoteLabel->setNote(missingTools(tools), NoteLabel::Warning);
 }
@@ -73,10 +92,13 @@ void ResultView::showOpenssl(const TargetToolsInfo &tools)
     label->append(tr("Available in: Tools - Options - Veyra OS - Manage Build Targets"));
 }
 
-static void showOutcome(QLabel *icon, NoteLabel *reason, const QString &problem)
+/// Shows \a problem, or \a success when there is none.
+static void
+showOutcome(QLabel *icon, NoteLabel *note, const QString &problem, const QString &success = {})
 {
-    icon->setPixmap((problem.isEmpty() ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
-    reason->setNote(problem, NoteLabel::Warning);
+    const bool isGood = problem.isEmpty();
+    icon->setPixmap((isGood ? Utils::Icons::OK : Utils::Icons::BROKEN).pixmap());
+    note->setNote(isGood ? success : problem, isGood ? NoteLabel::Information : NoteLabel::Warning);
 }
 
 static void clearOutcome(QLabel *icon, NoteLabel *reason)
@@ -85,24 +107,73 @@ static void clearOutcome(QLabel *icon, NoteLabel *reason)
     reason->setNote({});
 }
 
-void ResultView::showSigning(const QString &problem)
+static QString now()
 {
-    showOutcome(m_ui->signStateLabel, m_ui->signReasonLabel, problem);
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+void ResultView::showSigning(const QString &package, const QString &signers, const QString &problem)
+{
+    const QString name = QFileInfo(package).fileName();
+    const QString failure = tr("%1: signing failed at %2").arg(name, now());
+    showOutcome(m_ui->signStateLabel,
+                m_ui->signReasonLabel,
+                problem.isEmpty() ? QString() : failure + QLatin1Char('\n') + problem,
+                tr("%1: signed by %2 at %3").arg(name, signers, now()));
+}
+
+void ResultView::showRemoval(const QString &package, const QString &problem)
+{
+    const QString failure =
+        tr("%1: removing failed at %2").arg(QFileInfo(package).fileName(), now());
+    m_ui->removeReasonLabel->setNote(
+        problem.isEmpty() ? QString() : failure + QLatin1Char('\n') + problem, NoteLabel::Warning);
 }
 
 void ResultView::clearSigning()
 {
     clearOutcome(m_ui->signStateLabel, m_ui->signReasonLabel);
+    m_ui->removeReasonLabel->setNote({});
 }
 
-void ResultView::showRequest(const QString &problem)
+void ResultView::showRequest(const QString &problem, const QString &usedKey, const QString &request)
 {
-    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem);
+    const QString kind = keyKindOfRequest(request);
+    const QString used = usedKey.isEmpty()
+                             ? QString()
+                             : tr("The existing key %1 was used (%2)")
+                                   .arg(usedKey, kind.isEmpty() ? tr("unknown kind") : kind);
+    showOutcome(m_ui->generateLabel, m_ui->generateReasonLabel, problem, used);
+}
+
+void ResultView::showKeyToUse(const QString &path)
+{
+    const bool exists = QFileInfo::exists(path);
+    const bool isKey = holdsPrivateKey(path);
+    const QString note = isKey ? tr("This key exists and is used as it is, whatever its algorithm")
+                               : tr("There is no private key in this file");
+    m_ui->generatedKeyNoteLabel->setNote(exists ? note : QString(),
+                                         isKey ? NoteLabel::Information : NoteLabel::Warning);
+    for (QWidget *option : {static_cast<QWidget *>(m_ui->generationKeyAlgoComboBox),
+                            static_cast<QWidget *>(m_ui->generationKeyEncryptCheckBox)}) {
+        option->setEnabled(!exists);
+        option->setToolTip(exists ? note : QString());
+    }
 }
 
 void ResultView::clearRequest()
 {
     clearOutcome(m_ui->generateLabel, m_ui->generateReasonLabel);
+}
+
+void ResultView::forgetReason(const QString &reason)
+{
+    if (m_ui->generateReasonLabel->text() == reason)
+        clearRequest();
+    const QString signing = m_ui->signReasonLabel->text();
+    const QString ending = QLatin1Char('\n') + reason;
+    if (signing.endsWith(ending))
+        m_ui->signReasonLabel->setNote(signing.chopped(ending.size()), NoteLabel::Warning);
 }
 
 /// What a tool says about the signatures of \a package that it rejects, a line for each.

@@ -25,11 +25,19 @@ public:
     /// Says what to do when openssl is lacking.
     void showOpenssl(const TargetToolsInfo &tools);
 
-    // How an operation went: an empty problem is a good end.
-    void showSigning(const QString &problem);
+    // How an operation went: an empty problem is a good end. What is said of a package names it and
+    // the time, since it stays when the user chooses another one.
+    void showSigning(const QString &package, const QString &signers, const QString &problem);
+    void showRemoval(const QString &package, const QString &problem);
     void clearSigning();
-    void showRequest(const QString &problem);
+    /// The key at \a usedKey was there before; empty when it was made for the \a request.
+    void showRequest(const QString &problem, const QString &usedKey, const QString &request);
     void clearRequest();
+    /// Takes \a reason away, which does not hold any more.
+    void forgetReason(const QString &reason);
+
+    /// Offers what a new key at \a path can be like; a key that exists is as it is.
+    void showKeyToUse(const QString &path);
 
     void showVerdict(const Command::Result &result, const QString &package);
     void showNoVerdict(); ///< for lack of a tool

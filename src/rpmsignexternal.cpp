@@ -64,7 +64,9 @@ Command::Result RpmsignExternal::generateRequest(const QString &callersTarget,
     const KeyGenerationData data = callersData;
 
     if (!data.keyPath.exists()) {
-        const Command::Result result = run(self, getKeyGenerationComand(target, data));
+        const Command::Result result = run(self,
+                                           getKeyGenerationComand(target, data),
+                                           handlerForNewKey(data.keyPath.toUserOutput()));
         removeEmptyFile(data.keyPath);
         if (!result.succeeded())
             return result;

@@ -30,7 +30,9 @@ RpmsignExternalWidget::RpmsignExternalWidget(Kiln::Internal::KilnProcessStep *st
                     {tr("User private key for signing the package"), isValid});
     initPathChooser(m_ui->certificatePathChooser,
                     {tr("Certificate to be used in signature"), isValid});
-    followCertificate(m_ui->certificateNoteLabel, m_ui->certificatePathChooser);
+    followKey(m_ui->keyNoteLabel, m_ui->keyPathChooser);
+    followCertificate(
+        m_ui->certificateNoteLabel, m_ui->certificatePathChooser, m_ui->keyPathChooser);
 
     m_ui->keysTypeComboBox->addItems({tr("Default key"), tr("Custom key")});
     m_ui->keysTypeComboBox->setCurrentIndex(0);

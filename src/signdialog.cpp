@@ -2,6 +2,7 @@
 
 #include "buildengineinfo.h"
 #include "certificatenote.h"
+#include "certificatesummary.h"
 #include "constants.h"
 #include "customersealkit.h"
 #include "requestcheck.h"
@@ -12,6 +13,7 @@
 #include "utils.h"
 
 #include <coreplugin/fileutils.h>
+#include <coreplugin/icore.h>
 #include <coreplugin/messagemanager.h>
 #include <utils/pathchooser.h>
 #include <utils/utilsicons.h>
@@ -92,10 +94,20 @@ SignDialog::SignDialog(QWidget *parent)
                  m_ui->genReqButton};
     initKeyGeneration();
     initRegularKeys();
-    followCertificate(m_ui->developerCertificateNoteLabel, m_ui->developerCertificatePathChooser);
-    followCertificate(m_ui->clientCertificateNoteLabel, m_ui->clientCertificatePathChooser);
+    followKey(m_ui->binaryKeyNoteLabel, m_ui->binaryKeyPathChooser);
+    followKey(m_ui->developerKeyNoteLabel, m_ui->developerKeyPathChooser);
+    followKey(m_ui->clientKeyNoteLabel, m_ui->clientKeyPathChooser);
+    followCertificate(m_ui->developerCertificateNoteLabel,
+                      m_ui->developerCertificatePathChooser,
+                      m_ui->developerKeyPathChooser);
+    followCertificate(m_ui->clientCertificateNoteLabel,
+                      m_ui->clientCertificatePathChooser,
+                      m_ui->clientKeyPathChooser);
     followCertificate(m_ui->caCertificateNoteLabel, m_ui->caCertificatePathChooser);
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::onTabChanged);
+    connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &SignDialog::forgetFieldMessage);
+    for (QLineEdit *edit : findChildren<QLineEdit *>())
+        connect(edit, &QLineEdit::textChanged, this, &SignDialog::forgetFieldMessage);
     connect(&m_packageWatch, &PackageWatch::changed, this, [this] {
         if (isVisible()) // else showEvent() has the package looked at
             invalidate();
@@ -116,6 +128,14 @@ void SignDialog::showEvent(QShowEvent *event)
     QDialog::showEvent(event);
     if (!event->spontaneous() && !m_current.name.isEmpty())
         invalidate();
+}
+
+/// Only where a program has moved a window is it shown again, and not where its user has.
+void SignDialog::hideEvent(QHideEvent *event)
+{
+    if (!event->spontaneous())
+        move(pos());
+    QDialog::hideEvent(event);
 }
 
 /// The path of the package that is dragged; empty when the user drags something else.
@@ -140,8 +160,10 @@ void SignDialog::dropEvent(QDropEvent *event)
 void SignDialog::changeEvent(QEvent *event)
 {
     QDialog::changeEvent(event);
-    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
         m_packageWatch.compare();
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
+    }
 }
 
 SignDialog::~SignDialog()
@@ -221,6 +243,10 @@ void SignDialog::initPathChoosers()
         chooser->buttonAtIndex(0)->setIcon(Utils::Icons::NEWFILE.icon());
         chooser->buttonAtIndex(0)->setText({});
     }
+    connect(m_ui->caCertificatePathChooser,
+            &PathChooser::rawPathChanged,
+            this,
+            &SignDialog::invalidate);
     setLastingToolTip(
         m_ui->caCertificatePathChooser,
         tr("Path to PEM-encoded bundle with root certificates. If not set, default value will be "
@@ -238,20 +264,35 @@ void SignDialog::connectButtons()
     onClick(m_ui->dumpPushButton, Task::Dump);
     connect(m_ui->genReqButton, &QPushButton::clicked, this, &SignDialog::generateRequest);
     connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, [] {
-        QDesktopServices::openUrl(QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE)));
-    });
+    connect(m_ui->buttonBox, &QDialogButtonBox::helpRequested, this, &SignDialog::openHelp);
     // Only this button removes something.
     m_ui->removeSignaturePushButton->setIcon(style()->standardIcon(QStyle::SP_TrashIcon));
+}
+
+/// Opens the guide that is installed with the plugin; without one, the page on package signing.
+void SignDialog::openHelp()
+{
+    const FilePath guide = Core::ICore::resourcePath(QLatin1String(Constants::USER_GUIDE));
+    const QUrl url = guide.exists() ? QUrl::fromLocalFile(guide.toFSPathString())
+                                    : QUrl(QLatin1String(Constants::PACKAGE_SIGNING_PAGE));
+    if (!QDesktopServices::openUrl(url))
+        m_statusBar->showMessage(tr("No browser opened %1").arg(url.toString()));
 }
 
 void SignDialog::initStatusBar()
 {
     m_statusBar = new QStatusBar(this);
+    // The bar ends beside the buttons; the grip belongs into the corner of the window.
+    m_statusBar->setSizeGripEnabled(false);
+    setSizeGripEnabled(true);
     auto *busyIndicator = createBusyIndicator();
     m_statusBar->addPermanentWidget(busyIndicator);
     m_ui->statusBarLayout->addWidget(m_statusBar);
     connect(&m_runQueue, &RunQueue::lockChanged, this, &SignDialog::processButtonOperation);
+    connect(&m_runQueue, &RunQueue::lockChanged, this, [this](bool locked) {
+        if (locked)
+            forgetFieldMessage();
+    });
     connect(&m_runQueue, &RunQueue::lockChanged, busyIndicator, &QProgressBar::setVisible);
     // A message that quotes a tool can be longer than the bar.
     connect(m_statusBar, &QStatusBar::messageChanged, m_statusBar, [this](const QString &text) {
@@ -278,6 +319,10 @@ void SignDialog::initKeyGeneration()
 {
     m_ui->generationKeyAlgoComboBox->insertItem(RSA, tr("RSA (2048)"));
     m_ui->generationKeyAlgoComboBox->insertItem(GOST, tr("GOST R 34.10-2012 (256)"));
+
+    connect(m_ui->generatedKeyPathChooser, &PathChooser::textChanged, this, [this] {
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
+    });
 
     const QSettings settings;
     const int algorithm = settings.value(Constants::KEY_GENERATION_HISTORY_ALGORYTHM, 0).toInt();
@@ -374,6 +419,7 @@ void SignDialog::showEngineProblem(BuildEngineInfo::Problem problem)
 void SignDialog::setTargetName(const QString &name)
 {
     m_targetName = name;
+    m_view.clearVerdict();
     m_runQueue.request({Task::FollowTarget});
 }
 
@@ -415,7 +461,8 @@ void SignDialog::setTools(const TargetToolsInfo &tools)
     m_view.showTools(tools);
     {
         // The package is looked at below, once.
-        const QSignalBlocker blocker(m_ui->rpmPathChooser);
+        const QSignalBlocker packageBlocker(m_ui->rpmPathChooser);
+        const QSignalBlocker rootBlocker(m_ui->caCertificatePathChooser);
         for (PathChooser *chooser : findChildren<PathChooser *>())
             chooser->triggerChanged();
     }
@@ -464,6 +511,16 @@ QString SignDialog::problemOfFields(const SignData &signData) const
     return isValid ? QString() : problem;
 }
 
+/// Who signs with \a signData.
+QString SignDialog::signersWith(const SignData &signData) const
+{
+    QStringList signers{signerOf(signData.certificate)};
+    const bool needsClientKey = m_current.hasRpmsignExternal;
+    if (!signData.clientCertificate.isEmpty() && !(needsClientKey && signData.clientKey.isEmpty()))
+        signers << signerOf(signData.clientCertificate);
+    return signers.join(QLatin1String(", "));
+}
+
 RunQueue::Show SignDialog::addSignature()
 {
     SignTool *tool = toolForPackage();
@@ -473,18 +530,20 @@ RunQueue::Show SignDialog::addSignature()
     m_statusBar->clearMessage();
     const SignData signData = data();
     if (const QString problem = problemOfFields(signData); !problem.isEmpty()) {
-        m_statusBar->showMessage(problem);
-        m_view.showSigning(problem);
+        showFieldMessage(problem);
+        m_view.showSigning(package(), {}, problem);
         invalidate();
         return {};
     }
     const bool isPairIncomplete =
         signData.clientKey.isEmpty() != signData.clientCertificate.isEmpty();
+    const QString path = package();
+    const QString signers = signersWith(signData);
     const Command::Result result = tool->addSignature(m_current.name, {package()}, signData);
-    return [this, result, isPairIncomplete] {
+    return [this, result, path, signers, isPairIncomplete] {
         if (m_current.hasRpmsignExternal && isPairIncomplete)
             warnOfMissingClientSignature();
-        m_view.showSigning(problemOf(result));
+        m_view.showSigning(path, signers, problemOf(result));
         invalidate();
     };
 }
@@ -493,8 +552,23 @@ void SignDialog::warnOfMissingClientSignature()
 {
     const QString warning =
         tr("No client signature was added: it needs a client key and its certificate");
-    m_statusBar->showMessage(warning);
+    showFieldMessage(warning);
     logWarning(warning);
+}
+
+void SignDialog::showFieldMessage(const QString &message)
+{
+    m_fieldMessage = message;
+    m_statusBar->showMessage(message);
+}
+
+void SignDialog::forgetFieldMessage()
+{
+    if (m_fieldMessage.isEmpty())
+        return;
+    if (m_statusBar->currentMessage() == m_fieldMessage)
+        m_statusBar->clearMessage();
+    m_view.forgetReason(std::exchange(m_fieldMessage, {}));
 }
 
 RunQueue::Show SignDialog::removeSignature()
@@ -502,8 +576,19 @@ RunQueue::Show SignDialog::removeSignature()
     SignTool *tool = toolForPackage();
     if (!tool)
         return {};
-    tool->removeSignature(m_current.name, {package()});
-    return [this] { invalidate(); };
+    m_view.showRemoval({}, {});
+    const QString path = package();
+    const Command::Result result = tool->removeSignature(m_current.name, {path});
+    return [this, result, path] {
+        m_view.showRemoval(path, problemOf(result));
+        invalidate();
+    };
+}
+
+/// Whether the package, the root and the target are those that a tool has looked at.
+bool SignDialog::isStillAsked(const PackageState &lookedAt) const
+{
+    return m_packageWatch.lastState() == lookedAt && m_targetName == m_current.name;
 }
 
 RunQueue::Show SignDialog::verifySignature()
@@ -519,7 +604,7 @@ RunQueue::Show SignDialog::verifySignature()
     const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->verifySignature(m_current.name, {package()}, data());
     return [this, result, lookedAt] {
-        if (m_packageWatch.lastState() == lookedAt)
+        if (isStillAsked(lookedAt))
             m_view.showVerdict(result, package());
     };
 }
@@ -537,7 +622,7 @@ RunQueue::Show SignDialog::dumpSignature()
     const PackageState lookedAt = m_packageWatch.lastState();
     const Command::Result result = tool->dumpSignature(m_current.name, {package()});
     return [this, result, lookedAt] {
-        if (m_packageWatch.lastState() == lookedAt)
+        if (isStillAsked(lookedAt))
             m_view.showDump(QString::fromUtf8(result.stdOut));
     };
 }
@@ -546,9 +631,10 @@ RunQueue::Show SignDialog::dumpSignature()
 /// dropped.
 void SignDialog::invalidate()
 {
-    // The verdict on the last package must not stand beside another one.
+    // The verdict on the last package must not stand beside another one, nor that by the last root
+    // beside another root.
     m_view.clearVerdict();
-    m_packageWatch.lookAt(package());
+    m_packageWatch.lookAt(package(), pathOf(m_ui->caCertificatePathChooser));
     m_runQueue.request({Task::Verify, Task::Dump});
 }
 
@@ -562,17 +648,20 @@ RunQueue::Show SignDialog::makeRequest()
 {
     const KeyGenerationData keyData = keyGenerationData();
     if (const QString problem = whyNoRequest(keyData); !problem.isEmpty()) {
-        m_statusBar->showMessage(problem);
-        m_view.showRequest(problem);
+        showFieldMessage(problem);
+        m_view.showRequest(problem, {}, {});
         return {};
     }
     SignTool *tool = signTool();
     if (!tool)
         return {};
     m_view.clearRequest();
+    const QString usedKey = keyData.keyPath.exists() ? keyData.keyPath.toFSPathString() : QString();
+    const QString request = keyData.requestPath.toFSPathString();
     const Command::Result result = tool->generateRequest(m_current.name, keyData);
-    return [this, result] {
-        m_view.showRequest(problemOf(result));
+    return [this, result, usedKey, request] {
+        m_view.showRequest(problemOf(result), usedKey, request);
+        m_view.showKeyToUse(pathOf(m_ui->generatedKeyPathChooser));
         if (!result.succeeded()) {
             m_statusBar->showMessage(
                 tr("Failed to generate request: %1").arg(QString::fromUtf8(result.stdOut)));

@@ -39,6 +39,7 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void changeEvent(QEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -51,6 +52,7 @@ private:
 
     void initPathChoosers();
     void connectButtons();
+    void openHelp();
     void initStatusBar();
     void initBuildEngine();
     void initKeyGeneration();
@@ -60,6 +62,7 @@ private:
     KeyGenerationData keyGenerationData() const;
     bool verifyPath(const QString &path, bool mustExist, QString *error) const;
     QString problemOfFields(const SignData &signData) const;
+    QString signersWith(const SignData &signData) const;
 
     void setTargets(const QStringList &targets);
     void setTargetName(const QString &name);
@@ -69,10 +72,13 @@ private:
     SignTool *toolForPackage();
 
     void invalidate();
+    bool isStillAsked(const PackageState &lookedAt) const;
     void generateRequest();
     void updateOpensslInfo();
     void updateOpensslLabel();
     void warnOfMissingClientSignature();
+    void showFieldMessage(const QString &message);
+    void forgetFieldMessage();
     void processButtonOperation(bool running);
 
     // The tasks; called by the queue alone.
@@ -95,6 +101,7 @@ private:
     ResultView m_view;
     QList<QPushButton *> m_buttons;
     QStatusBar *m_statusBar = nullptr;
+    QString m_fieldMessage;  ///< holds until a field changes or the next run begins
     std::stop_source m_stop; ///< ends the tool that runs when the dialog is deleted
     RunQueue m_runQueue;
 };

@@ -62,6 +62,7 @@ SignOptionsWidget::SignOptionsWidget()
     updatePathChoosers(); // a combo box whose index has not changed does not announce it
     const auto textChanged = &PathChooser::textChanged;
     connect(m_key.chooser, textChanged, this, &Self::updateKeyNote);
+    connect(m_key.chooser, textChanged, this, &Self::updateCertificateNote);
     connect(m_certificate.chooser, textChanged, this, &Self::updateCertificateNote);
     enableComboBoxes(m_ui->enableSignStepCheckBox->isChecked());
 }
@@ -158,13 +159,14 @@ void SignOptionsWidget::updateCertificateNote()
     if (!problem.isEmpty())
         m_ui->certificateNoteLabel->setNote(problem, NoteLabel::Warning);
     else
-        showCertificate(m_ui->certificateNoteLabel, m_certificate.chooser);
+        showCertificate(m_ui->certificateNoteLabel, m_certificate.chooser, m_key.chooser);
 }
 
 void SignOptionsWidget::keyChooserChanged(int index)
 {
     showFile(m_key, index);
     updateKeyNote();
+    updateCertificateNote();
 }
 
 void SignOptionsWidget::certificateChooserChanged(int index)

@@ -45,19 +45,40 @@ signals:
 
 protected:
     /// Runs a command line of \a tool; none when the object has been deleted in an earlier run.
+    /// An empty \a handler stands for the tool's own.
     static Command::Result run(const QPointer<const SignTool> &tool,
-                               const QStringList &commandLine);
+                               const QStringList &commandLine,
+                               const Command::Handler &handler = {});
     template<typename Tag, typename... Args>
     Command::Result run(const Args &...args) const
     {
         return run(QPointer(this), Command::compose<Tag>(args...));
     }
 
+    /// For a run that makes a key in the file \a newKey, which its prompts do not name.
+    Command::Handler handlerForNewKey(const QString &newKey);
+
     /// A copy of it can be called when this object is gone; it then kills the program.
     Command::Handler m_handler;
 
 private:
-    bool handleIOInternal(const QByteArray &chunk, bool isError, QByteArray &input);
+    /// What was said in one run.
+    struct Conversation
+    {
+        QString newKey;     ///< the file of the key that is made
+        QString lastPrompt; ///< has been answered
+        QString lastLine;   ///< of the tool since then
+    };
+
+    bool handleIO(const QByteArray &stdOutChunk,
+                  const QByteArray &stdErrChunk,
+                  QByteArray &input,
+                  Conversation &conversation);
+    bool handleIOInternal(const QByteArray &chunk,
+                          bool isError,
+                          QByteArray &input,
+                          Conversation &conversation);
+    bool answer(const QString &prompt, QByteArray &input, Conversation &conversation) const;
 
     std::stop_token m_stopToken;
 };

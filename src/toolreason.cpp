@@ -37,6 +37,16 @@ static QString opensslReason(const QString &line)
     return pattern.match(line).captured(1);
 }
 
+/// What openssl means by a few words at its prompts for a new key; empty for all others.
+static QString ownWordsFor(const QString &words)
+{
+    if (words == QLatin1String("Verify failure"))
+        return QObject::tr("The two pass phrases differ (Verify failure)");
+    if (words == QLatin1String("result too small") || words == QLatin1String("result too large"))
+        return QObject::tr("A pass phrase has 4 to 1024 bytes (%1)").arg(words);
+    return {};
+}
+
 /// openssl first says what it could not do, in a general line ("Error making certificate request")
 /// or in a specific one, and then prints an error code and a reason for each of its layers.
 static QString tellingLineOfOpenssl(const QStringList &lines, const QStringList &reasons)
@@ -44,12 +54,14 @@ static QString tellingLineOfOpenssl(const QStringList &lines, const QStringList 
     const auto isWords = [](const QString &line) {
         return opensslReason(line).isEmpty() && !line.startsWith(QLatin1String("Error "));
     };
-    const auto words = std::find_if(lines.begin(), lines.end(), isWords);
-    if (words == lines.end())
-        return reasons.first();
+    const auto found = std::find_if(lines.begin(), lines.end(), isWords);
+    const QString words = found == lines.end() ? reasons.first() : *found;
+    if (const QString ownWords = ownWordsFor(words); !ownWords.isEmpty())
+        return ownWords;
     const QString wrongPassPhrase = QStringLiteral("bad decrypt");
-    return reasons.contains(wrongPassPhrase) ? *words + QLatin1String(": ") + wrongPassPhrase
-                                             : *words;
+    return found != lines.end() && reasons.contains(wrongPassPhrase)
+               ? words + QLatin1String(": ") + wrongPassPhrase
+               : words;
 }
 
 QString tellingLine(const QString &output)

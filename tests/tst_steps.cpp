@@ -345,6 +345,8 @@ void StepsTest::widgetConfiguresRpmsign()
     auto *combo = widget->findChild<QComboBox *>("keysTypeComboBox");
     const auto *label = widget->findChild<QLabel *>("keysTypeLabel");
     auto *keyChooser = widget->findChild<PathChooser *>("keyPathChooser");
+    const auto *keyNote = widget->findChild<QLabel *>("keyNoteLabel");
+    const auto *certificateNote = widget->findChild<QLabel *>("certificateNoteLabel");
     auto *certificateChooser = widget->findChild<PathChooser *>("certificatePathChooser");
     QCOMPARE(signEntries(step), before); // showing the widget changes nothing
     QCOMPARE(label->text(), "Custom keys are used");
@@ -365,22 +367,32 @@ void StepsTest::widgetConfiguresRpmsign()
              (Store{{"Sealkit.UseDefaultValues", false},
                     {"Sealkit.Key", "/w/x"},
                     {"Sealkit.Cert", "/w/y"}}));
+
+    keyChooser->lineEdit()->setText(key("client_cert.pem"));
+    QCOMPARE(keyNote->text(), "There is no private key in this file");
+    certificateChooser->lineEdit()->setText(key("client_cert.pem"));
+    keyChooser->lineEdit()->setText(key("foreign_key.pem"));
+    QCOMPARE(keyNote->text(), "");
+    QVERIFY(certificateNote->text().startsWith("It belongs to another key. "));
 }
 
 void StepsTest::widgetConfiguresCustomerSign()
 {
     BuildStep *step = addStep(CUSTOMER_TARGET);
     const Store before{{"Sealkit.BinariesKey", "/b"},
-                       {"Sealkit.PackagesKey", "/k"},
+                       {"Sealkit.PackagesKey", key("foreign_key.pem")},
                        {"Sealkit.PackagesCert", key("client_cert.pem")},
-                       {"Sealkit.PackagesClientCert", "/cc"},
+                       {"Sealkit.PackagesClientCert", key("client_cert.pem")},
                        {"KilnRpmSign.SignDebugPackage", false}};
     step->fromMap(before);
     const std::unique_ptr<QWidget> widget(step->doCreateConfigWidget());
     widget->show();
     QCOMPARE(signEntries(step), before);
     QCOMPARE(widget->findChild<QLabel *>("commandLabelEdit")->text(), "customer-sign");
-    QVERIFY(widget->findChild<QLabel *>("packagesCertNoteLabel")->text().contains("Demo Client"));
+    for (const QString name : {"packagesCertNoteLabel", "packagesClientCertNoteLabel"}) {
+        const QString note = widget->findChild<QLabel *>(name)->text();
+        QVERIFY(note.startsWith("It belongs to another key. ") && note.contains("Demo Client"));
+    }
     QVERIFY(step->summaryText().isEmpty());
 
     for (const char *name : {"binariesKey", "packagesKey", "packagesCert", "packagesClientCert"}) {
@@ -391,9 +403,9 @@ void StepsTest::widgetConfiguresCustomerSign()
     QTest::mouseClick(checkBox, Qt::LeftButton, {}, QPoint(5, checkBox->height() / 2));
     QCOMPARE(signEntries(step),
              (Store{{"Sealkit.BinariesKey", "/bx"},
-                    {"Sealkit.PackagesKey", "/kx"},
+                    {"Sealkit.PackagesKey", key("foreign_key.pemx")},
                     {"Sealkit.PackagesCert", key("client_cert.pemx")},
-                    {"Sealkit.PackagesClientCert", "/ccx"},
+                    {"Sealkit.PackagesClientCert", key("client_cert.pemx")},
                     {"KilnRpmSign.SignDebugPackage", true}}));
 }
 

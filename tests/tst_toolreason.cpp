@@ -47,7 +47,7 @@ void ToolReasonTest::alwaysKnowsAReason_data()
              + "Verify failure\r\nError writing key\r\n"
                "40170DF67B7F0000:error:1400006B:UI routines:UI_process:processing error:"
                "../crypto/ui/ui_lib.c:573:while reading strings\r\n",
-         "Verify failure");
+         "The two pass phrases differ (Verify failure)");
     says("a name that is too long",
          "Error making certificate request\r\n"
          "409765D1527F0000:error:06800097:asn1 encoding routines:ASN1_mbstring_ncopy:string too "

@@ -152,6 +152,22 @@
         <source>The request would overwrite %1, which is no certificate signing request</source>
         <translation>Die Zertifikatsanforderung würde %1 überschreiben, das keine Zertifikatsanforderung ist</translation>
     </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>In dieser Datei ist kein privater Schlüssel</translation>
+    </message>
+    <message>
+        <source>It belongs to another key. %1</source>
+        <translation>Es gehört zu einem anderen Schlüssel. %1</translation>
+    </message>
+    <message>
+        <source>The two pass phrases differ (Verify failure)</source>
+        <translation>Die beiden Passphrasen sind verschieden (Verify failure)</translation>
+    </message>
+    <message>
+        <source>A pass phrase has 4 to 1024 bytes (%1)</source>
+        <translation>Eine Passphrase hat 4 bis 1024 Byte (%1)</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -325,6 +341,34 @@
         <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
         <translation>Das Ziel %1 kann nur signieren: Ohne nxvcert-cli werden Signaturen weder angezeigt noch entfernt</translation>
     </message>
+    <message>
+        <source>%1: signing failed at %2</source>
+        <translation>%1: Signieren misslang am %2</translation>
+    </message>
+    <message>
+        <source>%1: signed by %2 at %3</source>
+        <translation>%1: signiert von %2 am %3</translation>
+    </message>
+    <message>
+        <source>%1: removing failed at %2</source>
+        <translation>%1: Entfernen misslang am %2</translation>
+    </message>
+    <message>
+        <source>The existing key %1 was used (%2)</source>
+        <translation>Der vorhandene Schlüssel %1 wurde verwendet (%2)</translation>
+    </message>
+    <message>
+        <source>unknown kind</source>
+        <translation>unbekannte Art</translation>
+    </message>
+    <message>
+        <source>This key exists and is used as it is, whatever its algorithm</source>
+        <translation>Diesen Schlüssel gibt es schon; er wird verwendet, wie er ist, gleich mit welchem Algorithmus</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>In dieser Datei ist kein privater Schlüssel</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternal</name>
@@ -484,6 +528,10 @@
         <source>No client signature was added: it needs a client key and its certificate</source>
         <translation>Es wurde keine Client-Signatur hinzugefügt: Sie braucht einen Client-Schlüssel und sein Zertifikat</translation>
     </message>
+    <message>
+        <source>No browser opened %1</source>
+        <translation>Kein Browser öffnete %1</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignOptionsPage</name>
@@ -529,6 +577,17 @@
     <message>
         <source>There is no private key in this file</source>
         <translation>In dieser Datei ist kein privater Schlüssel</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SignTool</name>
+    <message>
+        <source>Second of two times, for the new key %1</source>
+        <translation>Zum zweiten von zwei Malen, für den neuen Schlüssel %1</translation>
+    </message>
+    <message>
+        <source>First of two times, for the new key %1</source>
+        <translation>Zum ersten von zwei Malen, für den neuen Schlüssel %1</translation>
     </message>
 </context>
 <context>

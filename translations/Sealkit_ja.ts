@@ -152,6 +152,22 @@
         <source>The request would overwrite %1, which is no certificate signing request</source>
         <translation>証明書署名要求ではない %1 が要求で上書きされてしまいます</translation>
     </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>このファイルに秘密鍵はありません</translation>
+    </message>
+    <message>
+        <source>It belongs to another key. %1</source>
+        <translation>別の鍵の証明書です。%1</translation>
+    </message>
+    <message>
+        <source>The two pass phrases differ (Verify failure)</source>
+        <translation>2 回のパスフレーズが異なります (Verify failure)</translation>
+    </message>
+    <message>
+        <source>A pass phrase has 4 to 1024 bytes (%1)</source>
+        <translation>パスフレーズは 4 ～ 1024 バイトです (%1)</translation>
+    </message>
 </context>
 <context>
     <name>RpmsignExternalWidget</name>
@@ -325,6 +341,34 @@
         <source>Target %1 can only sign: without nxvcert-cli, signatures are neither shown nor removed</source>
         <translation>ターゲット %1 は署名しかできません。nxvcert-cli がないため、署名の表示と削除はできません</translation>
     </message>
+    <message>
+        <source>%1: signing failed at %2</source>
+        <translation>%1: %2 の署名に失敗しました</translation>
+    </message>
+    <message>
+        <source>%1: signed by %2 at %3</source>
+        <translation>%1: %3 に %2 が署名しました</translation>
+    </message>
+    <message>
+        <source>%1: removing failed at %2</source>
+        <translation>%1: %2 の削除に失敗しました</translation>
+    </message>
+    <message>
+        <source>The existing key %1 was used (%2)</source>
+        <translation>既存の鍵 %1 を使用しました (%2)</translation>
+    </message>
+    <message>
+        <source>unknown kind</source>
+        <translation>種類不明</translation>
+    </message>
+    <message>
+        <source>This key exists and is used as it is, whatever its algorithm</source>
+        <translation>この鍵は既に存在し、アルゴリズムにかかわらずそのまま使用されます</translation>
+    </message>
+    <message>
+        <source>There is no private key in this file</source>
+        <translation>このファイルに秘密鍵はありません</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::RpmsignExternal</name>
@@ -484,6 +528,10 @@
         <source>No client signature was added: it needs a client key and its certificate</source>
         <translation>クライアントの署名は追加されませんでした。クライアントの鍵とその証明書の両方が必要です</translation>
     </message>
+    <message>
+        <source>No browser opened %1</source>
+        <translation>%1 を開くブラウザがありません</translation>
+    </message>
 </context>
 <context>
     <name>Sealkit::Internal::SignOptionsPage</name>
@@ -529,6 +577,17 @@
     <message>
         <source>There is no private key in this file</source>
         <translation>このファイルに秘密鍵はありません</translation>
+    </message>
+</context>
+<context>
+    <name>Sealkit::Internal::SignTool</name>
+    <message>
+        <source>Second of two times, for the new key %1</source>
+        <translation>新しい鍵 %1 のパスフレーズ(2 回のうち 2 回目)</translation>
+    </message>
+    <message>
+        <source>First of two times, for the new key %1</source>
+        <translation>新しい鍵 %1 のパスフレーズ(2 回のうち 1 回目)</translation>
     </message>
 </context>
 <context>

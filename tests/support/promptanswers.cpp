@@ -19,7 +19,13 @@ void PromptAnswers::answer()
     if (!edit || edit->echoMode() != QLineEdit::Password)
         return;
 
-    m_prompts << dialog->findChild<QLabel *>()->text();
+    QStringList texts;
+    for (const QLabel *label : dialog->findChildren<QLabel *>()) {
+        if (label->isVisible() && label->buddy() != edit)
+            texts << label->text();
+    }
+    m_prompts << texts.takeFirst();
+    m_hints << texts.join(' ');
     QString answer = m_answers.isEmpty() ? QString() : m_answers.takeFirst();
     const bool declines = answer.isNull() || answer.endsWith(ESCAPE);
     edit->insert(answer.remove(ESCAPE));

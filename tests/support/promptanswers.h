@@ -20,11 +20,14 @@ public:
 
     /// The labels of the dialogs that came up.
     QStringList prompts() const { return m_prompts; }
+    /// What else stood in each of them, notes before errors, with blanks between.
+    QStringList hints() const { return m_hints; }
 
 private:
     void answer();
 
     QStringList m_answers;
     QStringList m_prompts;
+    QStringList m_hints;
     QTimer m_timer;
 };
