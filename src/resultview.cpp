@@ -208,27 +208,27 @@ void ResultView::clearVerdict()
     clearOutcome(m_ui->verifyIconLabel, m_ui->verifyReasonLabel);
 }
 
-static QString summaryOf(const QString &block)
+/// Without the returns of a terminal, too. A package may be named like a line of a dump.
+static QString withoutPath(QString dump, const QString &package)
 {
-    // The tool writes for a terminal, which takes "\r\n" for the end of a line.
-    return parseDumpForSort(QString(block).remove(QLatin1Char('\r')));
+    return dump.remove(QLatin1Char('\r')).remove(package);
 }
 
-void ResultView::showDump(const QString &dump)
+void ResultView::showDump(const QString &dump, const QString &package)
 {
-    const QStringList blocks = midDumpOutput(dump);
+    const QStringList blocks = midDumpOutput(withoutPath(dump, package));
     if (blocks.isEmpty()) {
         m_ui->developerSignatureTextBrowser->setText(tr("No signatures found in package"));
         return;
     }
     m_ui->developerSignatureTextBrowser->setText(blocks.first());
     m_ui->developerSignatureTextBrowser->show();
-    m_ui->developerSignatureShortLabel->setText(summaryOf(blocks.first()));
+    m_ui->developerSignatureShortLabel->setText(parseDumpForSort(blocks.first()));
 
     const bool hasClient = blocks.size() > 1;
     if (hasClient) {
         m_ui->clientSignatureTextBrowser->setText(blocks.at(1));
-        m_ui->clientSignatureShortLabel->setText(summaryOf(blocks.at(1)));
+        m_ui->clientSignatureShortLabel->setText(parseDumpForSort(blocks.at(1)));
     }
     m_ui->clientSignatureTextBrowser->setVisible(hasClient);
 }

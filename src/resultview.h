@@ -43,7 +43,7 @@ public:
     void showNoVerdict(); ///< for lack of a tool
     void clearVerdict();
 
-    void showDump(const QString &dump);
+    void showDump(const QString &dump, const QString &package);
     void showNoDump(); ///< for lack of a tool
     void clearDump();
 

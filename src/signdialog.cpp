@@ -623,7 +623,7 @@ RunQueue::Show SignDialog::dumpSignature()
     const Command::Result result = tool->dumpSignature(m_current.name, {package()});
     return [this, result, lookedAt] {
         if (isStillAsked(lookedAt))
-            m_view.showDump(QString::fromUtf8(result.stdOut));
+            m_view.showDump(QString::fromUtf8(result.stdOut), package());
     };
 }
 

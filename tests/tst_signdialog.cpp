@@ -64,6 +64,7 @@ private slots:
     void cleansUpAfterAFailedRequest();
     void remembersChoices();
     void locksItselfDuringARun();
+    void takesNoPathForASignature();
     void showsNothingOfTheFormerPackage_data();
     void showsNothingOfTheFormerPackage();
     void looksAgainWhenFilesChange();
@@ -694,6 +695,15 @@ void SignDialogTest::locksItselfDuringARun()
     QCOMPARE(messages.take().filter(" openssl version").size(), 1);
 }
 
+void SignDialogTest::takesNoPathForASignature()
+{
+    const WrappedProgram tool(
+        m_sdk.tool("rpmsign-external"), "dump", "printf '%s\\n' \"$2\"; exit 0");
+    openOn();
+    enter("rpmPathChooser", freshPackage("Subject: CN=Somebody.rpm"));
+    QCOMPARE(dump(), "No signatures found in package");
+}
+
 void SignDialogTest::showsNothingOfTheFormerPackage_data()
 {
     addColumns<QString, QString>("button", "nextPackage");
@@ -745,7 +755,10 @@ void SignDialogTest::looksAgainWhenFilesChange()
     enterKeys(CLIENT_KEY);
     const QString package = freshPackage("build/RPMS/a.rpm");
     enter("rpmPathChooser", package);
+    Messages messages;
     click("addSignaturePushButton");
+    QTest::qWait(1000);                                  // a change would be noticed by then
+    QCOMPARE(messages.take().filter("[$] 0").size(), 3); // signed, verified and dumped, once
     const QByteArray goodPackage = readFile(package);
     const auto shows = [this](const QString &expected) {
         [&] { QTRY_COMPARE_WITH_TIMEOUT(verdict().section('\n', 0, 0), expected, RUN_TIMEOUT); }();
