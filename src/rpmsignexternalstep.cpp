@@ -108,9 +108,9 @@ std::optional<QStringList> RpmsignExternalStep::findPackages() const
     const auto *buildStep = earlierBuildStep<KilnKb2RpmBuildStep>(deployConfiguration(), this);
     if (!buildStep)
         return {};
-    return m_keys.buildEngine
-               ? pathsInWorkspace(buildStep->packages(), m_keys.buildEngine->sharedSrcPath())
-               : buildStep->packages();
+    const QStringList packages = buildStep->packages();
+    const Brisk::BuildEngine *engine = m_keys.buildEngine;
+    return engine ? pathsInWorkspace(packages, engine->sharedSrcPath()) : packages;
 }
 
 void RpmsignExternalStep::dumpSign(SignRun &run, const QStringList &packages)

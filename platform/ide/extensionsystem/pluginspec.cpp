@@ -41,8 +41,8 @@ bool PluginSpec::resolveDependencies(const QList<PluginSpec *> &specs)
             return spec->id() == dependency;
         });
         if (found == specs.end())
-            return fail(tr("It depends on the plugin \"%1\", which is not installed.")
-                            .arg(dependency));
+            return fail(
+                tr("It depends on the plugin \"%1\", which is not installed.").arg(dependency));
         m_dependencySpecs.append(*found);
     }
     m_state = Resolved;
