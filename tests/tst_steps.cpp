@@ -13,9 +13,12 @@
 #include <brisk/sdk.h>
 #include <host/buildmanager.h>
 #include <host/generalmessages.h>
+#include <host/userproject.h>
 #include <projectexplorer/buildsteplist.h>
 #include <projectexplorer/project.h>
 #include <projectexplorer/projectexplorerconstants.h>
+#include <projectexplorer/projectmanager.h>
+#include <projectexplorer/target.h>
 #include <projectexplorer/task.h>
 #include <utils/pathchooser.h>
 
@@ -86,6 +89,7 @@ private slots:
     void tellsThatItWasStopped_data();
     void tellsThatItWasStopped();
     void survivesItsRemoval();
+    void signsWhatLiesBehindALink();
 
     void startsWithDefaultKeys();
     void widgetConfiguresRpmsign();
@@ -314,6 +318,28 @@ void StepsTest::survivesItsRemoval()
     QCOMPARE(ownMessages(runStep(step, &result)), QStringList(START));
     QCOMPARE(result, Tasking::DoneWith::Error);
     QVERIFY(!step);
+}
+
+/// The project was opened through a link outside of the workspace, where no tool sees its packages.
+void StepsTest::signsWhatLiesBehindALink()
+{
+    for (const QString &target : {RPMSIGN_TARGET, CUSTOMER_TARGET}) {
+        const Project *original = m_workplace.openProject(target);
+        const QString package = m_workplace.makePackages(original, {"a.rpm"}).first();
+        const QString link = m_workplace.sdk().path() + "/link to " + target;
+        QVERIFY(QFile::link(original->projectDirectory().toFSPathString(), link));
+        auto *project =
+            new Host::UserProject(Utils::FilePath::fromString(link + "/rpm/project.spec"));
+        project->addTargetForKit(m_workplace.kit(target));
+        ProjectManager::addProject(project);
+        deploySteps(project)->appendStep(target == CUSTOMER_TARGET ? CustomerSignStep::stepId()
+                                                                   : RpmsignExternalStep::stepId());
+        Messages messages;
+        const QStringList output = runStep(deploySteps(project)->steps().last());
+        QVERIFY2(output.contains(COMPLETED), qPrintable(output.join('\n')));
+        const QString runs = messages.take().filter("[$] ").join('\n');
+        QVERIFY2(runs.contains(package) && !runs.contains(link), qPrintable(runs));
+    }
 }
 
 void StepsTest::startsWithDefaultKeys()
