@@ -189,6 +189,8 @@ void EngineTest::toolsTalk()
     heard.replace(key({}), "K/").remove(m_packages + '/');
     heard.replace(QRegularExpression("Key ID: [^\n]+"), "Key ID: …");
     heard.replace(QRegularExpression("sha256, .* GMT\n"), "sha256, …\n");
+    // Debian 13's openssl says so where a certificate is issued for a key.
+    heard.remove(QRegularExpression("Warning: Not using -key or -newkey for signing[^\n]*\n"));
     QVERIFY2(heard == talk, qPrintable(heard));
     run(QStringList{"rpmsign-external", "delete", "--"} + files({"*.rpm"}).keys());
     if (!talk.contains("\n$ damage a.rpm\n"))
