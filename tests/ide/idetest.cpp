@@ -291,6 +291,16 @@ void IdeTest::failedToolIsAnIssue()
     QCOMPARE(errors, QStringList{"Error: package sign failed\nError: told to fail"});
 }
 
+/// Types the pass phrase of the demo's keys into a prompt that has none yet, and counts it.
+static void answerPrompt(const QWidget *window, int *prompts)
+{
+    const auto *edit = window->findChild<QLineEdit *>();
+    if (!edit || edit->echoMode() != QLineEdit::Password || !edit->text().isEmpty())
+        return;
+    ++*prompts;
+    typeLine("demo");
+}
+
 void IdeTest::deployAsksForPassPhrase()
 {
     QWidget *widget = signStep()->doCreateConfigWidget();
@@ -300,13 +310,7 @@ void IdeTest::deployAsksForPassPhrase()
     delete widget;
 
     int prompts = 0;
-    const Answers answers([&prompts](QWidget *window) {
-        const auto *edit = window->findChild<QLineEdit *>();
-        if (!edit || edit->echoMode() != QLineEdit::Password || !edit->text().isEmpty())
-            return;
-        ++prompts;
-        typeLine("demo");
-    });
+    const Answers answers([&prompts](const QWidget *window) { answerPrompt(window, &prompts); });
     startDeploy();
     QVERIFY2(waitForDeploy(), qPrintable(lastOutput()));
     QVERIFY(prompts > 0);
@@ -451,13 +455,7 @@ void IdeTest::dialogMakesKeyAndRequest()
     user.child<QComboBox>("generationKeyAlgoComboBox")->setCurrentIndex(0);
     user.child<QCheckBox>("generationKeyEncryptCheckBox")->setChecked(true);
     int prompts = 0;
-    const Answers answers([&prompts](QWidget *window) {
-        const auto *edit = window->findChild<QLineEdit *>();
-        if (!edit || edit->echoMode() != QLineEdit::Password || !edit->text().isEmpty())
-            return;
-        ++prompts;
-        typeLine("demo");
-    });
+    const Answers answers([&prompts](const QWidget *window) { answerPrompt(window, &prompts); });
     user.click("genReqButton");
     QCOMPARE(user.icon("generateLabel"), QString("OK"));
     QCOMPARE(prompts, 3); // two for the new key, one for the request
